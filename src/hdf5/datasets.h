@@ -1,0 +1,33 @@
+#pragma once
+
+#include "hdf5/id.h"
+#include "hdf5/path.h"
+
+namespace orvml_io {
+
+// The HDF5 calls that every reader and writer shares. `tryOpenX` may fail: the caller tests it.
+
+inline DatasetId tryOpenDataset(hid_t file, const Path& path) noexcept {
+  return DatasetId(H5Dopen2(file, path.c_str(), H5P_DEFAULT));
+}
+
+inline GroupId tryOpenGroup(hid_t file, const Path& path) noexcept {
+  return GroupId(H5Gopen2(file, path.c_str(), H5P_DEFAULT));
+}
+
+/// Creates a group. Contract: a failure is ignored, so an existing group is used as it is, and a
+/// group that cannot be made shows when the first dataset in it fails.
+void createGroupIfAbsent(hid_t file, const Path& path) noexcept;
+
+/// Reads a whole dataset, converted to native ints. The array must hold every value of the dataset.
+[[nodiscard]] int readValues(hid_t dataset, int* values) noexcept;
+
+/// Reads a whole dataset, converted to native doubles.
+[[nodiscard]] int readValues(hid_t dataset, double* values) noexcept;
+
+/// Makes a dataset of rank 1 from `length` values; null values leave it filled with zeros.
+[[nodiscard]] int makeVector(hid_t file, const Path& path, int length, const int* values) noexcept;
+[[nodiscard]] int makeVector(hid_t file, const Path& path, int length,
+                             const double* values) noexcept;
+
+}  // namespace orvml_io

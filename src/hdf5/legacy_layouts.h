@@ -1,0 +1,47 @@
+#pragma once
+
+#include <map>
+
+#include "orvml_io.h"
+#include "values/attributes_vector.h"
+#include "values/blocks.h"
+
+namespace orvml_io {
+
+// Formats older than 1.4 keep values by position. Three tables of the octree mesher turn positions
+// back into names; each answers null where a position has none and for every other module.
+
+[[nodiscard]] const char* GetParameterNameFromDeprecatedParameterIndex(const char* moduleName,
+                                                                       int position);
+[[nodiscard]] const char* GetParameterNameFromDeprecatedGenericAttributeIndex(
+    const char* moduleName, int position);
+
+/// Contract: for user doubles and function doubles of volume elements and their user ints the
+/// answer is the empty text where the table says so: an empty name is a name, not null.
+[[nodiscard]] const char* GetAttributeNameFromDeprecatedAttributeIndex(
+    const char* moduleName, int position, ORVML_TYPE_OF_ENTITY entity,
+    ORVML_TYPE_OF_ATTRIBUTE attributeType, ORVML_TYPE_OF_VALUE valueType);
+
+/// The vectors of a positional group, by position; positions without a dataset are absent.
+template <class T>
+using PositionedVectors = std::map<int, NewArray<T>>;
+
+/// Reads the vectors at the positions 0 to "MAX_ID" - 1 of a group, each of exactly `count` values.
+/// Returns 1 when "MAX_ID" is missing or below 1, and when a dataset could not be read; the other
+/// ones are read all the same.
+[[nodiscard]] int ReadAttributesOldInt(hid_t file, const char* groupPath, int count,
+                                       PositionedVectors<int>& vectors);
+[[nodiscard]] int ReadAttributesOldDouble(hid_t file, const char* groupPath, int count,
+                                          PositionedVectors<double>& vectors);
+
+/// Reads the attribute vectors of a container from its up to four positional groups.
+///
+/// Contract: the result is that of the last group that exists; an earlier failure is forgotten.
+[[nodiscard]] int ReadAttributesOld(hid_t file, const char* containerPath, int count,
+                                    OML_AttributesVector& attributes, ORVML_TYPE_OF_ENTITY entity);
+
+/// The two tests of a version text that select a layout. They differ for a text that reads as NaN.
+[[nodiscard]] bool isBelowNamedFormat(const char* version);
+[[nodiscard]] bool isNotAtLeastNamedFormat(const char* version);
+
+}  // namespace orvml_io

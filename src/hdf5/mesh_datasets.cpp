@@ -1,0 +1,319 @@
+// The members that write and read the mesh: Nodes::Write and Read, Elems::Write and Read with their
+// steps, and the document's WriteNodes, ReadNodes, WriteEdges, ... down to ReadElements.
+#include <algorithm>
+
+#include "hdf5/datasets.h"
+#include "hdf5/extents.h"
+#include "hdf5/kept_open.h"
+#include "hdf5/layout.h"
+#include "hdf5/status.h"
+#include "model/document.h"
+
+#include <hdf5_hl.h>
+
+namespace orvml_io {
+
+namespace {
+
+/// Makes one of the three datasets that hold a value for each type group.
+int makeGroupArray(hid_t file, const char* containerPath, const char* subPath, int length,
+                   const int* values) {
+  Path path(containerPath);
+  if (!path.append(subPath)) {
+    return kFailed;
+  }
+  return makeVector(file, path, length, values);
+}
+
+/// Reads a dataset that must hold exactly `length` ints; null when it does not or cannot be read.
+NewArray<int> tryReadInts(hid_t file, const char* containerPath, const char* subPath, int length) {
+  Path path(containerPath);
+  if (!path.append(subPath)) {
+    return nullptr;
+  }
+  const DatasetId dataset = tryOpenDataset(file, path);
+  if (!dataset.valid() || !isVectorOfLength(dataset.get(), length, sizeof(int))) {
+    return nullptr;
+  }
+  NewArray<int> values = makeNewArray<int>(length);
+  return readValues(dataset.get(), values.get()) == kOk ? std::move(values) : nullptr;
+}
+
+/// Shapes lie in files as ints; any value is taken.
+NewArray<ElemType> toShapes(const int* values, int length) {
+  NewArray<ElemType> shapes = makeNewArray<ElemType>(length);
+  std::transform(values, values + length, shapes.get(),
+                 [](int value) { return static_cast<ElemType>(value); });
+  return shapes;
+}
+
+/// Coordinates of fewer columns than the dimension are accepted. The values behind them are zeros,
+/// so that whoever takes the document at its word stays inside the array.
+void padCoordinates(Nodes& nodes, int dimension) {
+  const std::optional<int> needed = product32(nodes.numberOfNodes, dimension);
+  if (nodes.coords == nullptr || !needed || *needed <= nodes.coordsLength) {
+    return;
+  }
+  NewArray<double> padded(new double[static_cast<std::size_t>(*needed)]());
+  std::copy_n(nodes.coords, nodes.coordsLength, padded.get());
+  const NewArray<double> released(nodes.coords);
+  nodes.coords = padded.release();
+  nodes.coordsLength = *needed;
+}
+
+int writeElems(const Elems* elems, hid_t file, const char* group, const char* subPath) {
+  if (elems == nullptr) {
+    return kOk;
+  }
+  Path path(group);
+  return path.append(subPath) ? elems->Write(file, path.c_str()) : kFailed;
+}
+
+/// Reads one element container. A container that ends without cells is removed, with what the
+/// reader put into it: a document read from a file never holds an empty container.
+int readElems(Elems*& slot, hid_t file, const char* group, const char* subPath,
+              const char* formatVersion, ORVML_TYPE_OF_ENTITY entity) {
+  Path path(group);
+  if (!path.append(subPath)) {
+    return kFailed;
+  }
+  if (slot == nullptr) {
+    slot = std::make_unique<Elems>().release();
+  }
+  const int status = slot->Read(file, path.c_str(), formatVersion, entity);
+  if (slot->numberOfElements == 0) {
+    slot->DeleteContent();
+    slot->DeleteAuxiliarContent();
+    const std::unique_ptr<Elems> removed(slot);
+    slot = nullptr;
+  }
+  return status;
+}
+
+}  // namespace
+
+int Nodes::Write(hid_t file, const char* path, int dimension) const {
+  Path coordinatesPath(path);
+  Path attributesPath(path);
+  if (file < 0 || !coordinatesPath.append(layout::kCoordinates) ||
+      !attributesPath.append(layout::kAttributes) || !product32(numberOfNodes, dimension) ||
+      !holdsCoordinates(dimension)) {
+    return kFailed;
+  }
+  createGroupIfAbsent(file, Path(path));
+  const hsize_t extents[2] = {static_cast<hsize_t>(numberOfNodes),
+                              static_cast<hsize_t>(dimension)};
+  if (H5LTmake_dataset(file, coordinatesPath.c_str(), 2, extents, H5T_NATIVE_DOUBLE, coords) < 0) {
+    return kFailed;
+  }
+  return attributes.HDF5Write(file, attributesPath.c_str());
+}
+
+int Nodes::Read(hid_t file, const char* path, const char* formatVersion) {
+  Path coordinatesPath(path);
+  if (file < 0 || !coordinatesPath.append(layout::kCoordinates)) {
+    return kFailed;
+  }
+  GroupId group = tryOpenGroup(file, Path(path));
+  if (!group.valid()) {
+    return kFailed;  // Contract: the writer leaves the group out when there are no nodes.
+  }
+  (void)keepOpen(std::move(group), KeptOpen::containerGroup);
+  DatasetId probe = tryOpenDataset(file, coordinatesPath);
+  if (!probe.valid()) {
+    coords = nullptr;
+    numberOfNodes = 0;
+    return kOk;
+  }
+  const hid_t dataset = keepOpen(std::move(probe), KeptOpen::containerProbe);
+  const std::optional<TableExtents> extents = tableExtents(dataset, sizeof(double));
+  if (!extents) {
+    return kFailed;
+  }
+  if (extents->rows == 0) {
+    return kOk;
+  }
+  NewArray<double> values = makeNewArray<double>(extents->numberOfValues());
+  numberOfNodes = extents->rows;
+  if (readValues(dataset, values.get()) != kOk) {
+    return kFailed;  // Contract: the count just read stays, without coordinates.
+  }
+  coords = values.release();
+  coordsLength = extents->numberOfValues();
+  return ReadAttributes(file, path, numberOfNodes, formatVersion);
+}
+
+int Elems::Write(hid_t file, const char* path) const {
+  Path attributesPath(path);
+  if (file < 0 || !attributesPath.append(layout::kAttributes)) {
+    return kFailed;
+  }
+  if (numberOfElementTypes == 0) {
+    return kOk;
+  }
+  AnyFailure any;
+  any.add(WriteElementTypes(file, path));
+  any.add(WriteConnectivities(file, path));
+  any.add(attributes.HDF5Write(file, attributesPath.c_str()));
+  return any.status();
+}
+
+int Elems::WriteElementTypes(hid_t file, const char* path) const {
+  createGroupIfAbsent(file, Path(path));
+  if (makeGroupArray(file, path, layout::kNumberOfElementsByType, numberOfElementTypes,
+                     numberOfElementsByType) != kOk) {
+    return kFailed;
+  }
+  // ElemType has the size and the values of an int (asserted in names.cpp).
+  if (makeGroupArray(file, path, layout::kElementTypes, numberOfElementTypes,
+                     reinterpret_cast<const int*>(elementTypes)) != kOk) {
+    return kFailed;
+  }
+  return makeGroupArray(file, path, layout::kNumberOfNodesByElement, numberOfElementTypes,
+                        numberOfNodesByElement);
+}
+
+int Elems::WriteConnectivities(hid_t file, const char* path) const {
+  const std::optional<int> size =
+      connectivitySize32(numberOfElementsByType, numberOfNodesByElement, numberOfElementTypes);
+  Path connectivitiesPath(path);
+  if (!size || !connectivitiesPath.append(layout::kConnectivities)) {
+    return kFailed;
+  }
+  return makeVector(file, connectivitiesPath, *size, connectivities);
+}
+
+int Elems::Read(hid_t file, const char* path, const char* formatVersion,
+                ORVML_TYPE_OF_ENTITY entity) {
+  if (file < 0) {
+    return kFailed;
+  }
+  GroupId group = tryOpenGroup(file, Path(path));
+  if (!group.valid()) {
+    return kOk;  // Contract: unlike for nodes, a missing container is no error.
+  }
+  (void)keepOpen(std::move(group), KeptOpen::containerGroup);
+  const int status = ReadElementTypes(file, path);
+  if (status != kOk || numberOfElements == 0 || numberOfElementTypes == 0) {
+    return status;
+  }
+  if (ReadConnectivities(file, path) != kOk) {
+    return kFailed;
+  }
+  return ReadAttributes(file, path, numberOfElements, formatVersion, entity);
+}
+
+int Elems::ReadElementTypes(hid_t file, const char* path) {
+  Path typesPath(path);
+  if (!typesPath.append(layout::kElementTypes)) {
+    return kFailed;
+  }
+  DatasetId probe = tryOpenDataset(file, typesPath);
+  if (!probe.valid()) {
+    numberOfElements = 0;
+    return kOk;
+  }
+  const hid_t dataset = keepOpen(std::move(probe), KeptOpen::containerProbe);
+  const std::optional<int> numberOfTypes = vectorLength(dataset, sizeof(int));
+  if (!numberOfTypes) {
+    return kFailed;
+  }
+  numberOfElementTypes = *numberOfTypes;
+  if (numberOfElementTypes == 0) {
+    return kOk;
+  }
+  NewArray<int> counts =
+      tryReadInts(file, path, layout::kNumberOfElementsByType, numberOfElementTypes);
+  const std::optional<int> total = counts ? sum32(counts.get(), numberOfElementTypes) : std::nullopt;
+  if (!total) {
+    return kFailed;
+  }
+  numberOfElementsByType = counts.release();
+  groupArraysMadeByLibrary = true;
+  numberOfElements = *total;
+  return numberOfElements == 0 ? kOk : readShapesAndNodeCounts(file, path, dataset);
+}
+
+int Elems::readShapesAndNodeCounts(hid_t file, const char* path, hid_t typesDataset) {
+  const NewArray<int> shapes = makeNewArray<int>(numberOfElementTypes);
+  if (readValues(typesDataset, shapes.get()) != kOk) {
+    return kFailed;
+  }
+  elementTypes = toShapes(shapes.get(), numberOfElementTypes).release();
+  NewArray<int> nodeCounts =
+      tryReadInts(file, path, layout::kNumberOfNodesByElement, numberOfElementTypes);
+  if (!nodeCounts || std::any_of(nodeCounts.get(), nodeCounts.get() + numberOfElementTypes,
+                                 [](int count) { return count < 0; })) {
+    return kFailed;
+  }
+  numberOfNodesByElement = nodeCounts.release();
+  typeArraysOwnedByCaller = false;
+  return kOk;
+}
+
+int Elems::ReadConnectivities(hid_t file, const char* path) {
+  const std::optional<int> size =
+      connectivitySize32(numberOfElementsByType, numberOfNodesByElement, numberOfElementTypes);
+  if (!size) {
+    return kFailed;
+  }
+  NewArray<int> values = tryReadInts(file, path, layout::kConnectivities, *size);
+  if (!values) {
+    return kFailed;
+  }
+  connectivities = values.release();
+  return kOk;
+}
+
+int OrvInputAndOrvOutput::WriteNodes(hid_t file, const char* group) const {
+  if (nodes == nullptr || nodes->numberOfNodes == 0) {
+    return kOk;
+  }
+  Path path(group);
+  return path.append(layout::kNodes) ? nodes->Write(file, path.c_str(), meshDimension) : kFailed;
+}
+
+int OrvInputAndOrvOutput::WriteEdges(hid_t file, const char* group) const {
+  return writeElems(edges, file, group, layout::kEdges);
+}
+
+int OrvInputAndOrvOutput::WriteFaces(hid_t file, const char* group) const {
+  return writeElems(faces, file, group, layout::kFaces);
+}
+
+int OrvInputAndOrvOutput::WriteElements(hid_t file, const char* group) const {
+  return writeElems(elements, file, group, layout::kElements);
+}
+
+int OrvInputAndOrvOutput::ReadNodes(hid_t file, const char* group) {
+  Path path(group);
+  if (!path.append(layout::kNodes)) {
+    return kFailed;
+  }
+  if (nodes == nullptr) {
+    nodes = std::make_unique<Nodes>().release();
+  }
+  const int status = nodes->Read(file, path.c_str(), fileFormatVersion);
+  if (nodes->numberOfNodes == 0) {
+    nodes->DeleteContent();
+    const std::unique_ptr<Nodes> removed(nodes);
+    nodes = nullptr;
+  } else {
+    padCoordinates(*nodes, meshDimension);
+  }
+  return status;
+}
+
+int OrvInputAndOrvOutput::ReadEdges(hid_t file, const char* group) {
+  return readElems(edges, file, group, layout::kEdges, fileFormatVersion, ORVML_EDGES);
+}
+
+int OrvInputAndOrvOutput::ReadFaces(hid_t file, const char* group) {
+  return readElems(faces, file, group, layout::kFaces, fileFormatVersion, ORVML_FACES);
+}
+
+int OrvInputAndOrvOutput::ReadElements(hid_t file, const char* group) {
+  return readElems(elements, file, group, layout::kElements, fileFormatVersion, ORVML_ELEMENTS);
+}
+
+}  // namespace orvml_io

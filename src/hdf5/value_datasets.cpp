@@ -1,0 +1,297 @@
+// The members that write and read named values in the layout of format 1.4, and that hand older
+// versions to the positional layouts: the document's WriteParametersScalar, ReadParametersScalar,
+// WriteParametersVector and ReadParametersVector, Nodes::ReadAttributes, Elems::ReadAttributes,
+// OML_AttributesVector::HDF5Write and HDF5Read.
+#include <cstddef>
+#include <cstdlib>
+#include <cstring>
+#include <vector>
+
+#include "hdf5/datasets.h"
+#include "hdf5/extents.h"
+#include "hdf5/layout.h"
+#include "hdf5/legacy_layouts.h"
+#include "hdf5/links.h"
+#include "hdf5/probes.h"
+#include "hdf5/status.h"
+#include "model/document.h"
+
+#include <hdf5_hl.h>
+
+namespace orvml_io {
+
+namespace {
+
+/// One record of the parameter table. Size and offsets are part of the file format.
+struct ParameterRecord {
+  char name[layout::kNameBytes];
+  double value;
+};
+static_assert(sizeof(ParameterRecord) == 88 && offsetof(ParameterRecord, value) == 80,
+              "the parameter table has records of 88 bytes");
+
+constexpr int kNumberOfFields = 2;
+constexpr std::size_t kFieldOffsets[kNumberOfFields] = {offsetof(ParameterRecord, name),
+                                                        offsetof(ParameterRecord, value)};
+
+DatatypeId makeNameType() {
+  DatatypeId type(H5Tcopy(H5T_C_S1));
+  if (!type.valid() || H5Tset_size(type.get(), layout::kNameBytes) < 0) {
+    return DatatypeId();
+  }
+  return type;
+}
+
+/// The compound type of a record in memory.
+DatatypeId makeRecordType() {
+  const DatatypeId nameType = makeNameType();
+  DatatypeId type(H5Tcreate(H5T_COMPOUND, sizeof(ParameterRecord)));
+  if (!nameType.valid() || !type.valid() ||
+      H5Tinsert(type.get(), layout::kParameterNameField, kFieldOffsets[0], nameType.get()) < 0 ||
+      H5Tinsert(type.get(), layout::kParameterValueField, kFieldOffsets[1], H5T_NATIVE_DOUBLE) <
+          0) {
+    return DatatypeId();
+  }
+  return type;
+}
+
+bool isField(hid_t recordType, unsigned index, const char* name, H5T_class_t typeClass,
+             std::size_t bytes) {
+  char* fieldName = H5Tget_member_name(recordType, index);
+  const bool nameMatches = fieldName != nullptr && std::strcmp(fieldName, name) == 0;
+  if (fieldName != nullptr) {
+    (void)H5free_memory(fieldName);
+  }
+  const DatatypeId type(H5Tget_member_type(recordType, index));
+  return nameMatches && type.valid() && H5Tget_class(type.get()) == typeClass &&
+         H5Tget_size(type.get()) == bytes && H5Tis_variable_str(type.get()) <= 0;
+}
+
+/// Tells whether a dataset is a table of exactly the two fields of a parameter record.
+bool isParameterTable(hid_t dataset) {
+  const DatatypeId type(H5Dget_type(dataset));
+  return type.valid() && H5Tget_class(type.get()) == H5T_COMPOUND &&
+         H5Tget_nmembers(type.get()) == kNumberOfFields &&
+         isField(type.get(), 0, layout::kParameterNameField, H5T_STRING, layout::kNameBytes) &&
+         isField(type.get(), 1, layout::kParameterValueField, H5T_FLOAT, sizeof(double));
+}
+
+bool fitsName(const std::string& name) { return name.size() < layout::kNameBytes; }
+
+/// Lays the parameters out as records, in ascending order of their names. The bytes behind a name
+/// are zeros, so that no stray memory reaches a file. No answer when a name does not fit.
+std::optional<std::vector<ParameterRecord>> toRecords(
+    const OML_AttributesScalar<double>& parameters) {
+  std::vector<ParameterRecord> records(parameters.count());
+  std::size_t i = 0;
+  for (const auto& [name, value] : parameters) {
+    if (!fitsName(name)) {
+      return std::nullopt;
+    }
+    std::memcpy(records[i].name, name.data(), name.size());
+    records[i].value = value;
+    ++i;
+  }
+  return records;
+}
+
+int writeMember(hid_t file, const Path& path, const OML_AttributesVector::Entry& entry) {
+  switch (entry.code) {
+    case kIntCode:
+      return makeVector(file, path, entry.length, static_cast<const int*>(entry.data));
+    case kDoubleCode:
+      return makeVector(file, path, entry.length, static_cast<const double*>(entry.data));
+    default:
+      return kFailed;
+  }
+}
+
+H5T_class_t typeClassOf(hid_t dataset) {
+  const DatatypeId type(H5Dget_type(dataset));
+  return type.valid() ? H5Tget_class(type.get()) : H5T_NO_CLASS;
+}
+
+template <class T>
+int readMember(hid_t dataset, const std::string& name, int length, bool mustBeTransmitted,
+               OML_AttributesVector& store) {
+  if (length < 0) {
+    return kFailed;
+  }
+  const NewArray<T> values = makeNewArray<T>(length);
+  if (readValues(dataset, values.get()) != kOk) {
+    return kFailed;
+  }
+  return store.Set(name.c_str(), values.get(), length, mustBeTransmitted);
+}
+
+/// Contract: the flag is looked for on the group, and only when the root group has an attribute of
+/// that name, while writers put it on the members. Files of this library read back without flags.
+bool readMustBeTransmitted(hid_t file, const char* groupPath) {
+  std::string text;
+  return Orv_H5_GetAttributeIfExists(file, groupPath, layout::kMustBeTransmitted, text) >= 0 &&
+         std::strtol(text.c_str(), nullptr, 10) != 0;
+}
+
+/// Reads the member of a group behind one link. A link that is no dataset, and a dataset that holds
+/// neither integers nor floats, is skipped.
+int readLinkedMember(hid_t file, const char* groupPath, const std::string& name,
+                     OML_AttributesVector& store) {
+  Path path(groupPath);
+  if (!path.appendMember(name)) {
+    return kFailed;
+  }
+  const DatasetId dataset = tryOpenDataset(file, path);
+  if (!dataset.valid()) {
+    return kOk;
+  }
+  const H5T_class_t typeClass = typeClassOf(dataset.get());
+  const bool isInteger = typeClass == H5T_INTEGER;
+  const int length = Orv_H5_GetVectorDimension(file, path.c_str(),
+                                               isInteger ? sizeof(int) : sizeof(double));
+  if (!isInteger && typeClass != H5T_FLOAT) {
+    return kOk;
+  }
+  const bool mustBeTransmitted = readMustBeTransmitted(file, groupPath);
+  return isInteger
+             ? readMember<int>(dataset.get(), name, length, mustBeTransmitted, store)
+             : readMember<double>(dataset.get(), name, length, mustBeTransmitted, store);
+}
+
+int readAttributes(hid_t file, const char* containerPath, int count, const char* formatVersion,
+                   ORVML_TYPE_OF_ENTITY entity, OML_AttributesVector& attributes) {
+  Path path(containerPath);
+  if (file < 0 || !path.append(layout::kAttributes)) {
+    return kFailed;
+  }
+  if (isBelowNamedFormat(formatVersion)) {
+    return ReadAttributesOld(file, containerPath, count, attributes, entity);
+  }
+  return attributes.HDF5Read(file, path.c_str());
+}
+
+}  // namespace
+
+int OrvInputAndOrvOutput::WriteParametersScalar(hid_t file, const char* group,
+                                                const char* version) const {
+  if (isNotAtLeastNamedFormat(version)) {
+    return WriteParametersScalarOld(file, group);
+  }
+  Path path(group);
+  if (!path.append(layout::kParameters)) {
+    return kFailed;
+  }
+  if (parametersScalar.count() == 0) {
+    return kOk;
+  }
+  const std::optional<std::vector<ParameterRecord>> records = toRecords(parametersScalar);
+  const DatatypeId nameType = makeNameType();
+  if (!records || !nameType.valid()) {
+    return kFailed;
+  }
+  const char* fieldNames[kNumberOfFields] = {layout::kParameterNameField,
+                                             layout::kParameterValueField};
+  const hid_t fieldTypes[kNumberOfFields] = {nameType.get(), H5T_NATIVE_DOUBLE};
+  const herr_t made = H5TBmake_table(
+      layout::kParametersTableTitle, file, path.c_str(), kNumberOfFields, records->size(),
+      sizeof(ParameterRecord), fieldNames, kFieldOffsets, fieldTypes, layout::kParametersChunk,
+      nullptr, 0, records->data());
+  return made < 0 ? kFailed : kOk;
+}
+
+int OrvInputAndOrvOutput::ReadParametersScalar(hid_t file, const char* group) {
+  if (file < 0) {
+    return kFailed;
+  }
+  if (isNotAtLeastNamedFormat(fileFormatVersion)) {
+    return ReadParametersScalarOld(file, group);
+  }
+  Path path(group);
+  if (!path.append(layout::kParameters)) {
+    return kFailed;
+  }
+  const DatasetId dataset = tryOpenDataset(file, path);
+  if (!dataset.valid()) {
+    return kFailed;  // Contract: a document without scalar parameters has no table and reports 1.
+  }
+  const std::optional<int> length = vectorLength(dataset.get(), sizeof(ParameterRecord));
+  const DatatypeId recordType = makeRecordType();
+  if (!length || !recordType.valid() || !isParameterTable(dataset.get())) {
+    return kFailed;
+  }
+  std::vector<ParameterRecord> records(static_cast<std::size_t>(*length));
+  if (H5Dread(dataset.get(), recordType.get(), H5S_ALL, H5S_ALL, H5P_DEFAULT, records.data()) < 0) {
+    return kFailed;
+  }
+  for (ParameterRecord& record : records) {
+    record.name[layout::kNameBytes - 1] = '\0';  // other tools may fill the field to its last byte
+    parametersScalar.Set(record.name, record.value);
+  }
+  return kOk;
+}
+
+int OrvInputAndOrvOutput::WriteParametersVector(hid_t file, const char* group,
+                                                const char* version) const {
+  Path path(group);
+  if (file < 0 || !path.append(layout::kParametersVector)) {
+    return kFailed;
+  }
+  return isBelowNamedFormat(version) ? WriteParametersVectorOld(file, group)
+                                     : parametersVector.HDF5Write(file, path.c_str());
+}
+
+int OrvInputAndOrvOutput::ReadParametersVector(hid_t file, const char* group) {
+  Path path(group);
+  if (file < 0 || !path.append(layout::kParametersVector)) {
+    return kFailed;
+  }
+  return isBelowNamedFormat(fileFormatVersion) ? ReadParametersVectorOld(file, group)
+                                               : parametersVector.HDF5Read(file, path.c_str());
+}
+
+int Nodes::ReadAttributes(hid_t file, const char* path, int count, const char* formatVersion) {
+  return readAttributes(file, path, count, formatVersion, ORVML_NODES, attributes);
+}
+
+int Elems::ReadAttributes(hid_t file, const char* path, int count, const char* formatVersion,
+                          ORVML_TYPE_OF_ENTITY entity) {
+  return readAttributes(file, path, count, formatVersion, entity, attributes);
+}
+
+int OML_AttributesVector::HDF5Write(hid_t file, const char* groupPath) const {
+  if (count() == 0) {
+    return kOk;
+  }
+  createGroupIfAbsent(file, Path(groupPath));
+  for (const auto& [name, entry] : *this) {
+    Path path(groupPath);
+    if (!fitsName(name) || !path.appendMember(name) || writeMember(file, path, entry) != kOk) {
+      return kFailed;
+    }
+    if (entry.mustBeTransmitted) {
+      const int flag = 1;
+      // Contract: a flag that cannot be written is no failure; readers never find it anyway.
+      (void)H5LTset_attribute_int(file, path.c_str(), layout::kMustBeTransmitted, &flag, 1);
+    }
+  }
+  return kOk;
+}
+
+int OML_AttributesVector::HDF5Read(hid_t file, const char* groupPath) {
+  const GroupId group = Orv_H5_GroupExists(file, groupPath) ? tryOpenGroup(file, Path(groupPath))
+                                                            : GroupId();
+  if (!group.valid()) {
+    return kOk;
+  }
+  const std::optional<hsize_t> links = numberOfLinks(group.get());
+  if (!links) {
+    return kFailed;
+  }
+  AnyFailure any;
+  for (hsize_t i = 0; i < *links; ++i) {
+    const std::optional<std::string> name = linkName(group.get(), i);
+    any.add(name ? readLinkedMember(file, groupPath, *name, *this) : kFailed);
+  }
+  return any.status();
+}
+
+}  // namespace orvml_io

@@ -1,0 +1,113 @@
+#include "model/document.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace orvml_io {
+
+namespace {
+
+/// Deletes a container object and leaves the attribute blocks in it allocated: deleting a document
+/// whose arrays are the caller's must not invalidate the blocks that it handed out.
+template <class Container>
+void deleteContainer(Container*& container) noexcept {
+  if (container != nullptr) {
+    container->attributes.forgetAll();
+  }
+  const std::unique_ptr<Container> deleted(container);
+  container = nullptr;
+}
+
+/// Empties a container of a document that owns its arrays. A read that failed half-way leaves group
+/// arrays behind that DeleteContent takes for the caller's; they are released here.
+void releaseElems(Elems& elems) noexcept {
+  elems.DeleteContent();
+  if (elems.groupArraysMadeByLibrary) {
+    elems.DeleteAuxiliarContent();
+  }
+}
+
+/// Deletes an element container together with the document. Group arrays that the library made go
+/// with it; arrays of the caller are left alone.
+void deleteWithDocument(Elems*& elems, bool arraysOwnedByCaller) noexcept {
+  if (elems != nullptr) {
+    if (!arraysOwnedByCaller) {
+      elems->DeleteContent();
+    }
+    if (elems->groupArraysMadeByLibrary) {
+      elems->DeleteAuxiliarContent();
+    }
+  }
+  deleteContainer(elems);
+}
+
+/// Contract: removing faces or edges from a document whose arrays are the caller's keeps the
+/// one-entry arrays of the single-shape setter allocated; a caller may still read them.
+void removeKeepingGroupArrays(Elems*& elems, bool arraysOwnedByCaller) noexcept {
+  if (elems != nullptr && !arraysOwnedByCaller) {
+    releaseElems(*elems);
+  }
+  deleteContainer(elems);
+}
+
+}  // namespace
+
+void copyIdentification(char (&destination)[kIdentificationBytes], const char* text) noexcept {
+  const std::size_t length = std::min<std::size_t>(std::strlen(text), kIdentificationBytes - 1);
+  std::memmove(destination, text, length);
+  destination[length] = '\0';
+}
+
+OrvInputAndOrvOutput::~OrvInputAndOrvOutput() {
+  if (!arraysOwnedByCaller && nodes != nullptr) {
+    nodes->DeleteContent();
+  }
+  deleteContainer(nodes);
+  deleteWithDocument(elements, arraysOwnedByCaller);
+  deleteWithDocument(faces, arraysOwnedByCaller);
+  deleteWithDocument(edges, arraysOwnedByCaller);
+  DeleteParametersContent();
+}
+
+void OrvInputAndOrvOutput::DeleteContent() noexcept {
+  if (nodes != nullptr) {
+    nodes->DeleteContent();
+  }
+  for (Elems* elems : {elements, faces, edges}) {
+    if (elems != nullptr) {
+      elems->DeleteContent();
+    }
+  }
+  DeleteParametersContent();
+}
+
+void OrvInputAndOrvOutput::DeleteParametersContent() noexcept {
+  parametersScalar.clear();
+  parametersVector.DeleteAll();
+}
+
+void OrvInputAndOrvOutput::DeleteNodes() noexcept {
+  if (nodes != nullptr && !arraysOwnedByCaller) {
+    nodes->DeleteContent();
+  }
+  deleteContainer(nodes);
+}
+
+void OrvInputAndOrvOutput::DeleteElements() noexcept {
+  if (elements != nullptr && !arraysOwnedByCaller) {
+    releaseElems(*elements);
+  } else if (elements != nullptr && elements->groupArraysMadeByLibrary) {
+    elements->DeleteAuxiliarContent();
+  }
+  deleteContainer(elements);
+}
+
+void OrvInputAndOrvOutput::DeleteFaces() noexcept {
+  removeKeepingGroupArrays(faces, arraysOwnedByCaller);
+}
+
+void OrvInputAndOrvOutput::DeleteEdges() noexcept {
+  removeKeepingGroupArrays(edges, arraysOwnedByCaller);
+}
+
+}  // namespace orvml_io

@@ -1,0 +1,144 @@
+#pragma once
+
+#include <memory>
+
+#include "model/elems.h"
+#include "model/nodes.h"
+#include "orvml_io.h"
+#include "values/attributes_scalar.h"
+#include "values/attributes_vector.h"
+
+namespace orvml_io {
+
+/// Size of the identification strings with their terminator.
+inline constexpr int kIdentificationBytes = 80;
+
+/// Copies a text into an identification string. What is longer than 79 bytes is cut there.
+void copyIdentification(char (&destination)[kIdentificationBytes], const char* text) noexcept;
+
+/// An exchange document: a mesh, its parameters and its identification. Handles point to this class.
+class OrvInputAndOrvOutput {
+ public:
+  char moduleName[kIdentificationBytes] = {};
+  char moduleFormatVersion[kIdentificationBytes] = {};
+  char ioCreator[kIdentificationBytes] = {};
+  char fileFormatVersion[kIdentificationBytes] = {};  // of the file read; selects its layout
+
+  /// True for documents made by a constructor: the mesh arrays are the caller's, the mesh setters
+  /// work and deletion releases no mesh array. False for documents that the library filled: it
+  /// allocated every mesh array, the mesh setters refuse and deletion releases everything.
+  bool arraysOwnedByCaller = true;
+
+  int meshDimension = 0;  // coordinates per node; 2 or 3 in a valid document
+  Nodes* nodes = nullptr;
+  Elems* edges = nullptr;
+  Elems* faces = nullptr;
+  Elems* elements = nullptr;
+  OML_AttributesScalar<double> parametersScalar;
+  OML_AttributesVector parametersVector;
+
+  OrvInputAndOrvOutput() = default;
+  OrvInputAndOrvOutput(const OrvInputAndOrvOutput&) = delete;
+  OrvInputAndOrvOutput& operator=(const OrvInputAndOrvOutput&) = delete;
+  OrvInputAndOrvOutput(OrvInputAndOrvOutput&&) = delete;
+  OrvInputAndOrvOutput& operator=(OrvInputAndOrvOutput&&) = delete;
+  virtual ~OrvInputAndOrvOutput();
+
+  // Content and containers (document.cpp)
+  void DeleteContent() noexcept;
+  void DeleteParametersContent() noexcept;
+  void DeleteNodes() noexcept;
+  void DeleteElements() noexcept;
+  void DeleteFaces() noexcept;
+  void DeleteEdges() noexcept;
+
+  // Mesh (document_mesh.cpp). The setters adopt the arrays they are given.
+  void SetNodesCoords(int count, const double* coordinates);
+  double* GetNodesCoords() const noexcept;
+  void SetNumberOfNodes(int count) noexcept;
+  int GetNumberOfNodes() const noexcept;
+
+  Elems* GetGenericElems(ORVML_TYPE_OF_ENTITY entity) const noexcept;
+  int GetElems(ORVML_TYPE_OF_ENTITY entity, int*& connectivities) const noexcept;
+  int GetElems(ORVML_TYPE_OF_ENTITY entity, int*& connectivities, ElemType*& elementTypes,
+               int*& numberOfNodesByElement, int*& numberOfElementsByType) const noexcept;
+  int GetNumberOfElems(ORVML_TYPE_OF_ENTITY entity) const noexcept;
+  int GetNumberOfElementTypes(ORVML_TYPE_OF_ENTITY entity) const noexcept;
+  int GetNNodeElement(ORVML_TYPE_OF_ENTITY entity, int typeIndex) const noexcept;
+  ElemType GetElementType(ORVML_TYPE_OF_ENTITY entity, int typeIndex) const noexcept;
+  void SetElems(int count, int* connectivities, int numberOfElementTypes, ElemType* elementTypes,
+                int* numberOfNodesByElement, int* numberOfElementsByType,
+                ORVML_TYPE_OF_ENTITY entity);
+  void SetElems(int count, int* connectivities, ElemType elementType, int numberOfNodesByElement,
+                ORVML_TYPE_OF_ENTITY entity);
+
+  /// Returns the attribute store of a kind; null without a container and for an unknown kind.
+  OML_AttributesVector* attributesOf(ORVML_TYPE_OF_ENTITY entity) const noexcept;
+
+  // Exchange file: root attributes and dimension (src/hdf5/document_io.cpp)
+  [[nodiscard]] int WriteIOCreator(hid_t file) const;
+  [[nodiscard]] int WriteModuleNameAndVersion(hid_t file) const;
+  int ReadIOCreator(hid_t file);
+  int ReadModuleNameAndVersion(hid_t file);
+  int ReadFormatVersion(hid_t file);
+  [[nodiscard]] int ReadSpatialDimension(hid_t file, const char* group);
+  [[nodiscard]] int WriteCommonPart(hid_t file, const char* group, const char* version) const;
+  [[nodiscard]] int ReadCommonPart(hid_t file, const char* group);
+
+  // Exchange file: containers (src/hdf5/mesh_datasets.cpp)
+  [[nodiscard]] int WriteNodes(hid_t file, const char* group) const;
+  [[nodiscard]] int WriteEdges(hid_t file, const char* group) const;
+  [[nodiscard]] int WriteFaces(hid_t file, const char* group) const;
+  [[nodiscard]] int WriteElements(hid_t file, const char* group) const;
+  [[nodiscard]] int ReadNodes(hid_t file, const char* group);
+  [[nodiscard]] int ReadEdges(hid_t file, const char* group);
+  [[nodiscard]] int ReadFaces(hid_t file, const char* group);
+  [[nodiscard]] int ReadElements(hid_t file, const char* group);
+
+  // Exchange file: parameters (src/hdf5/value_datasets.cpp)
+  [[nodiscard]] int WriteParametersScalar(hid_t file, const char* group, const char* version) const;
+  [[nodiscard]] int ReadParametersScalar(hid_t file, const char* group);
+  [[nodiscard]] int WriteParametersVector(hid_t file, const char* group, const char* version) const;
+  [[nodiscard]] int ReadParametersVector(hid_t file, const char* group);
+
+  // Exchange file: parameters of formats older than 1.4 (src/hdf5/legacy_layouts.cpp)
+  [[nodiscard]] int WriteParametersScalarOld(hid_t file, const char* group) const;
+  [[nodiscard]] int ReadParametersScalarOld(hid_t file, const char* group);
+  [[nodiscard]] int WriteParametersVectorOld(hid_t file, const char* group) const;
+  [[nodiscard]] int ReadParametersVectorOld(hid_t file, const char* group);
+};
+
+/// The document that a pre-processor sends to a meshing module.
+class OrvInput : public OrvInputAndOrvOutput {
+ public:
+  /// Two pointers that the library keeps for the meshing module and never looks into.
+  struct Callback {
+    void* first = nullptr;
+    void* second = nullptr;
+  };
+  Callback statusCallback;
+  Callback errorCallback;
+
+  [[nodiscard]] int Read(hid_t file);
+};
+
+/// The document that a meshing module sends back.
+class OrvOutput : public OrvInputAndOrvOutput {
+ public:
+  [[nodiscard]] int Read(hid_t file);
+};
+
+/// Turns a document into its handle. A handle always points to the base class, whichever the kind.
+inline void* handleOf(OrvInputAndOrvOutput* document) noexcept { return document; }
+
+/// Turns a handle back into its document; null for a null handle.
+inline OrvInputAndOrvOutput* documentOf(void* handle) noexcept {
+  return static_cast<OrvInputAndOrvOutput*>(handle);
+}
+
+/// Turns the handle of an input document back; null for a null handle and for an output document.
+inline OrvInput* inputOf(void* handle) noexcept {
+  return dynamic_cast<OrvInput*>(documentOf(handle));
+}
+
+}  // namespace orvml_io

@@ -1,0 +1,57 @@
+#pragma once
+
+#include "orvml_io.h"
+#include "values/attributes_vector.h"
+
+namespace orvml_io {
+
+/// The cells of one kind (edges, faces or volume elements) of a document, in consecutive type
+/// groups: all cells of a group have one shape and one number of nodes.
+class Elems {
+ public:
+  int numberOfElements = 0;
+  int* connectivities = nullptr;  // [sum over groups of cells x nodes], 0-based, group after group
+  int numberOfElementTypes = 0;   // number of type groups
+  int* numberOfElementsByType = nullptr;  // [numberOfElementTypes] cells of each group
+  ElemType* elementTypes = nullptr;       // [numberOfElementTypes] shape of each group
+  int* numberOfNodesByElement = nullptr;  // [numberOfElementTypes] nodes of a cell of each group
+
+  /// Whether DeleteContent leaves the three group arrays alone.
+  ///
+  /// Contract: it is set when the container is created and cleared by the single-shape setter and
+  /// the reader; a generic setter that follows stores the caller's arrays and leaves it cleared.
+  bool typeArraysOwnedByCaller = true;
+
+  OML_AttributesVector attributes;  // one value per cell in each
+
+  /// Whether the library allocated the group arrays that are stored now. Unlike the flag above it
+  /// follows every change, so that deleting a document never releases an array of the caller.
+  bool groupArraysMadeByLibrary = false;
+
+  /// Releases the group arrays with array delete and sets the number of groups to 0.
+  void DeleteAuxiliarContent() noexcept;
+
+  /// Empties the set; the container itself stays.
+  ///
+  /// Contract: the connectivities are released with array delete whoever made them. Group arrays of
+  /// the caller stay referenced, so their number, shapes and node counts are still answered.
+  void DeleteContent() noexcept;
+
+  /// Writes the container's group; see src/hdf5/mesh_datasets.cpp.
+  [[nodiscard]] int Write(hid_t file, const char* path) const;
+  [[nodiscard]] int WriteElementTypes(hid_t file, const char* path) const;
+  [[nodiscard]] int WriteConnectivities(hid_t file, const char* path) const;
+  /// Reads the container's group into this (empty) container.
+  [[nodiscard]] int Read(hid_t file, const char* path, const char* formatVersion,
+                         ORVML_TYPE_OF_ENTITY entity);
+  [[nodiscard]] int ReadElementTypes(hid_t file, const char* path);
+  [[nodiscard]] int ReadConnectivities(hid_t file, const char* path);
+  /// Reads the attribute vectors in the layout of the format version.
+  [[nodiscard]] int ReadAttributes(hid_t file, const char* path, int count,
+                                   const char* formatVersion, ORVML_TYPE_OF_ENTITY entity);
+
+ private:
+  [[nodiscard]] int readShapesAndNodeCounts(hid_t file, const char* path, hid_t typesDataset);
+};
+
+}  // namespace orvml_io

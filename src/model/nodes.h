@@ -1,0 +1,40 @@
+#pragma once
+
+#include "values/attributes_vector.h"
+
+namespace orvml_io {
+
+/// The nodes of one document. The number of coordinates per node is the document's `meshDimension`,
+/// which is passed to every operation that needs it.
+class Nodes {
+ public:
+  double* coords = nullptr;  // [numberOfNodes x meshDimension], row-major; the caller's unless the
+                             // document's arraysOwnedByCaller is false
+  int numberOfNodes = 0;
+  OML_AttributesVector attributes;  // one value per node in each
+
+  /// Number of values behind `coords` where the library allocated it, kUnknownLength where it is
+  /// the caller's. Callers may raise the number of nodes or the dimension of a document that owns
+  /// its arrays; nothing then reads past this length.
+  long long coordsLength = kUnknownLength;
+  static constexpr long long kUnknownLength = -1;
+
+  /// Tells whether `numberOfNodes x dimension` values lie behind `coords`, as far as is known.
+  bool holdsCoordinates(int dimension) const noexcept;
+
+  /// Empties the container; the container itself stays. Returns 0.
+  ///
+  /// Contract: the coordinates are released with array delete whoever made them; a caller who
+  /// clears a document of its own hands them over.
+  int DeleteContent() noexcept;
+
+  /// Writes the container's group; see src/hdf5/mesh_datasets.cpp.
+  [[nodiscard]] int Write(hid_t file, const char* path, int dimension) const;
+  /// Reads the container's group into this (empty) container.
+  [[nodiscard]] int Read(hid_t file, const char* path, const char* formatVersion);
+  /// Reads the attribute vectors in the layout of the format version.
+  [[nodiscard]] int ReadAttributes(hid_t file, const char* path, int count,
+                                   const char* formatVersion);
+};
+
+}  // namespace orvml_io

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <map>
+#include <string>
+#include <string_view>
+
+namespace orvml_io {
+
+/// Named values in ascending byte-wise order of the names; files are written in that order.
+template <class T>
+class OML_AttributesScalar {
+ public:
+  using Values = std::map<std::string, T, std::less<>>;
+
+  /// Inserts the name or overwrites its value. Returns 0.
+  int Set(const char* name, T value) {
+    values_[std::string(name)] = value;
+    return 0;
+  }
+
+  /// Returns the value of a name, valid until the store changes; null when the name is absent.
+  const T* find(std::string_view name) const {
+    const auto found = values_.find(name);
+    return found == values_.end() ? nullptr : &found->second;
+  }
+
+  std::size_t count() const noexcept { return values_.size(); }
+  void clear() noexcept { values_.clear(); }
+  typename Values::const_iterator begin() const noexcept { return values_.begin(); }
+  typename Values::const_iterator end() const noexcept { return values_.end(); }
+
+ private:
+  Values values_;
+};
+
+}  // namespace orvml_io

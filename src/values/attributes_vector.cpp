@@ -1,0 +1,82 @@
+#include "values/attributes_vector.h"
+
+#include <cstring>
+
+namespace orvml_io {
+
+namespace {
+
+template <class T>
+MallocBlock copyToBlock(const T* values, int n) {
+  MallocBlock block = makeZeroedBlock(n, sizeof(T));
+  if (n > 0) {
+    std::memcpy(block.get(), values, static_cast<std::size_t>(n) * sizeof(T));
+  }
+  return block;
+}
+
+/// Hands a block over to the entry of a name. The entry is made first, so that nothing can fail
+/// once the block has left its owner.
+void* store(OML_AttributesVector::Entries& entries, const char* name, MallocBlock block, char code,
+            int n, bool mustBeTransmitted) {
+  OML_AttributesVector::Entry& entry = entries[std::string(name)];
+  entry.data = block.release();
+  entry.length = n > 0 ? n : 0;
+  entry.code = code;
+  entry.mustBeTransmitted = mustBeTransmitted;
+  return entry.data;
+}
+
+}  // namespace
+
+int OML_AttributesVector::Set(const char* name, const int* values, int n, bool mustBeTransmitted) {
+  store(entries_, name, copyToBlock(values, n), kIntCode, n, mustBeTransmitted);
+  return 0;
+}
+
+int OML_AttributesVector::Set(const char* name, const double* values, int n,
+                              bool mustBeTransmitted) {
+  store(entries_, name, copyToBlock(values, n), kDoubleCode, n, mustBeTransmitted);
+  return 0;
+}
+
+void* OML_AttributesVector::SetZeros(const char* name, char code, int n, bool mustBeTransmitted) {
+  const std::size_t valueBytes = code == kIntCode ? sizeof(int) : sizeof(double);
+  return store(entries_, name, makeZeroedBlock(n, valueBytes), code, n, mustBeTransmitted);
+}
+
+int OML_AttributesVector::Delete(const char* name) {
+  const auto found = entries_.find(std::string_view(name));
+  if (found != entries_.end()) {
+    const MallocBlock released(found->second.data);
+    entries_.erase(found);
+  }
+  return 0;
+}
+
+int OML_AttributesVector::CopyFromOther(const OML_AttributesVector& other) {
+  DeleteAll();
+  for (const auto& [name, entry] : other) {
+    if (entry.code == kIntCode) {
+      Set(name.c_str(), static_cast<const int*>(entry.data), entry.length, entry.mustBeTransmitted);
+    } else if (entry.code == kDoubleCode) {
+      Set(name.c_str(), static_cast<const double*>(entry.data), entry.length,
+          entry.mustBeTransmitted);
+    }
+  }
+  return 0;
+}
+
+void OML_AttributesVector::DeleteAll() noexcept {
+  for (auto& named : entries_) {
+    const MallocBlock released(named.second.data);
+  }
+  entries_.clear();
+}
+
+const OML_AttributesVector::Entry* OML_AttributesVector::find(std::string_view name) const {
+  const auto found = entries_.find(name);
+  return found == entries_.end() ? nullptr : &found->second;
+}
+
+}  // namespace orvml_io

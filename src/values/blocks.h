@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdlib>
+#include <memory>
+#include <new>
+
+namespace orvml_io {
+
+/// A mesh array, released with array delete: callers who clear a document of their own rely on it.
+template <class T>
+using NewArray = std::unique_ptr<T[]>;
+
+/// Allocates an array without setting its values; a count that is not positive gives an empty array.
+template <class T>
+NewArray<T> makeNewArray(int length) {
+  return NewArray<T>(new T[length > 0 ? static_cast<std::size_t>(length) : 0]);
+}
+
+struct FreeBlock {
+  void operator()(void* block) const noexcept { std::free(block); }
+};
+
+/// A data block of a vector, released with `free`.
+using MallocBlock = std::unique_ptr<void, FreeBlock>;
+
+/// Allocates a block of `length` values filled with zero bytes. It is never null, so that a caller
+/// can tell an empty vector from a missing one; a negative length is taken as 0.
+inline MallocBlock makeZeroedBlock(int length, std::size_t valueBytes) {
+  MallocBlock block(std::calloc(length > 0 ? static_cast<std::size_t>(length) : 1, valueBytes));
+  if (!block) {
+    throw std::bad_alloc();
+  }
+  return block;
+}
+
+}  // namespace orvml_io
