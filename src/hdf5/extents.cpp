@@ -1,9 +1,9 @@
 #include "hdf5/extents.h"
 
+#include "hdf5/id.h"
+
 #include <array>
 #include <climits>
-
-#include "hdf5/id.h"
 
 namespace orvml_io {
 
@@ -78,15 +78,15 @@ std::optional<int> sum32(const int* counts, int length) {
 }
 
 std::optional<int> connectivitySize32(const int* numberOfElementsByType,
-                                      const int* numberOfNodesByElement,
-                                      int numberOfElementTypes) {
+                                      const int* numberOfNodesByElement, int numberOfElementTypes) {
   if (numberOfElementTypes > 0 &&
       (numberOfElementsByType == nullptr || numberOfNodesByElement == nullptr)) {
     return std::nullopt;
   }
   long long total = 0;
   for (int i = 0; i < numberOfElementTypes; ++i) {
-    const std::optional<int> group = product32(numberOfElementsByType[i], numberOfNodesByElement[i]);
+    const std::optional<int> group =
+        product32(numberOfElementsByType[i], numberOfNodesByElement[i]);
     if (!group || total + *group > INT_MAX) {
       return std::nullopt;
     }

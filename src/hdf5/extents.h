@@ -1,9 +1,9 @@
 #pragma once
 
+#include <hdf5.h>
+
 #include <cstddef>
 #include <optional>
-
-#include <hdf5.h>
 
 namespace orvml_io {
 
@@ -29,8 +29,8 @@ inline constexpr hsize_t kBestCompressionRatio = 1100;
 /// Tells whether a dataset has rank 1 and holds exactly `length` values, and they are stored.
 [[nodiscard]] bool isVectorOfLength(hid_t dataset, int length, std::size_t valueBytes);
 
-/// Returns the extents of a dataset of rank 2 whose number of values fits a 32-bit integer and which
-/// is stored.
+/// Returns the extents of a dataset of rank 2 whose number of values fits a 32-bit integer and
+/// which is stored.
 [[nodiscard]] std::optional<TableExtents> tableExtents(hid_t dataset, std::size_t valueBytes);
 
 /// Returns the sum of counts when none is negative and it fits a 32-bit integer.

@@ -41,9 +41,8 @@ FileId tryCreateMarkedFile(const char* fileName, const char* version) {
 const char* versionForBoth(void* inputHandle, void* outputHandle) {
   const char* input = ORVML_IO_GetMinimumFormatVersionToSave(inputHandle);
   const char* output = ORVML_IO_GetMinimumFormatVersionToSave(outputHandle);
-  return OrvML_IO_GetFormatVersion_Number(input) < OrvML_IO_GetFormatVersion_Number(output)
-             ? output
-             : input;
+  return OrvML_IO_GetFormatVersion_Number(input) < OrvML_IO_GetFormatVersion_Number(output) ? output
+                                                                                            : input;
 }
 
 /// Writes each document that is given, the input first; the first failure ends the work. The file

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <utility>
-
 #include <hdf5.h>
+
+#include <utility>
 
 namespace orvml_io {
 

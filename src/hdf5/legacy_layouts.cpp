@@ -3,11 +3,6 @@
 // attribute vectors.
 #include "hdf5/legacy_layouts.h"
 
-#include <cmath>
-#include <optional>
-#include <string>
-#include <vector>
-
 #include "hdf5/datasets.h"
 #include "hdf5/extents.h"
 #include "hdf5/kept_open.h"
@@ -18,6 +13,11 @@
 #include "model/document.h"
 
 #include <hdf5_hl.h>
+
+#include <cmath>
+#include <optional>
+#include <string>
+#include <vector>
 
 namespace orvml_io {
 
@@ -88,9 +88,8 @@ int readPositionedVectors(hid_t file, const char* groupPath, int count,
       continue;
     }
     const hid_t dataset = keepOpen(std::move(probe), KeptOpen::legacyProbe);
-    NewArray<T> values = isVectorOfLength(dataset, count, sizeof(T))
-                             ? tryReadVector<T>(dataset, count)
-                             : nullptr;
+    NewArray<T> values =
+        isVectorOfLength(dataset, count, sizeof(T)) ? tryReadVector<T>(dataset, count) : nullptr;
     any.add(values ? kOk : kFailed);
     if (values) {
       vectors[position] = std::move(values);

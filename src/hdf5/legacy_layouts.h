@@ -1,10 +1,10 @@
 #pragma once
 
-#include <map>
-
 #include "orvml_io.h"
 #include "values/attributes_vector.h"
 #include "values/blocks.h"
+
+#include <map>
 
 namespace orvml_io {
 

@@ -1,9 +1,9 @@
 // The three tables that turn positions of formats older than 1.4 into names, and the tests of the
 // version text that select a layout.
-#include <cstring>
-
 #include "hdf5/layout.h"
 #include "hdf5/legacy_layouts.h"
+
+#include <cstring>
 
 namespace orvml_io {
 
@@ -11,18 +11,17 @@ namespace {
 
 constexpr char kOctreeMesher[] = "ORVML_OCTREE_MESHER";
 
-constexpr const char* parameter_names[] = {
-    "ORVML_OCTREEMESHER_GENERAL_MESH_SIZE",
-    "ORVML_OCTREEMESHER_SIZE_TRANSITION_FACTOR",
-    "ORVML_OCTREEMESHER_TOLERANCE_FOR_GAPS",
-    "ORVML_OCTREEMESHER_QUADRATIC_TYPE",
-    "ORVML_OCTREEMESHER_INPUT_IS_WATERTIGHT",
-    "ORVML_OCTREEMESHER_MAX_RELATIVE_CHORDAL_ERROR",
-    "ORVML_OCTREEMESHER_MAX_CHORDAL_ERROR",
-    "ORVML_OCTREEMESHER_PRIORIZE_OUTER_PART_WHEN_COLORING",
-    "ORVML_OCTREEMESHER_MIN_COSINUS_FOR_SHARP_EDGES",
-    "ORVML_OCTREEMESHER_ONLY_GET_INNER_TETRAHEDRA",
-    "ORVML_OCTREEMESHER_DELETE_OUTER_EMBEDDED_ELEMENTS"};
+constexpr const char* parameter_names[] = {"ORVML_OCTREEMESHER_GENERAL_MESH_SIZE",
+                                           "ORVML_OCTREEMESHER_SIZE_TRANSITION_FACTOR",
+                                           "ORVML_OCTREEMESHER_TOLERANCE_FOR_GAPS",
+                                           "ORVML_OCTREEMESHER_QUADRATIC_TYPE",
+                                           "ORVML_OCTREEMESHER_INPUT_IS_WATERTIGHT",
+                                           "ORVML_OCTREEMESHER_MAX_RELATIVE_CHORDAL_ERROR",
+                                           "ORVML_OCTREEMESHER_MAX_CHORDAL_ERROR",
+                                           "ORVML_OCTREEMESHER_PRIORIZE_OUTER_PART_WHEN_COLORING",
+                                           "ORVML_OCTREEMESHER_MIN_COSINUS_FOR_SHARP_EDGES",
+                                           "ORVML_OCTREEMESHER_ONLY_GET_INNER_TETRAHEDRA",
+                                           "ORVML_OCTREEMESHER_DELETE_OUTER_EMBEDDED_ELEMENTS"};
 
 constexpr const char* attribute_names[] = {"ORVML_OCTREEMESHER_FACES_EMBEDDED",
                                            "ORVML_OCTREEMESHER_FACES_INTERFACES_1",

@@ -29,8 +29,8 @@ std::optional<hsize_t> numberOfLinks(hid_t group) {
 }
 
 std::optional<std::string> linkName(hid_t group, hsize_t index) {
-  const ssize_t length = H5Lget_name_by_idx(group, ".", H5_INDEX_NAME, H5_ITER_INC, index, nullptr,
-                                            0, H5P_DEFAULT);
+  const ssize_t length =
+      H5Lget_name_by_idx(group, ".", H5_INDEX_NAME, H5_ITER_INC, index, nullptr, 0, H5P_DEFAULT);
   if (length < 0) {
     return std::nullopt;
   }

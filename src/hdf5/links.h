@@ -1,10 +1,10 @@
 #pragma once
 
+#include <hdf5.h>
+
 #include <optional>
 #include <string>
 #include <vector>
-
-#include <hdf5.h>
 
 namespace orvml_io {
 

@@ -1,7 +1,5 @@
 // The members that write and read the mesh: Nodes::Write and Read, Elems::Write and Read with their
 // steps, and the document's WriteNodes, ReadNodes, WriteEdges, ... down to ReadElements.
-#include <algorithm>
-
 #include "hdf5/datasets.h"
 #include "hdf5/extents.h"
 #include "hdf5/kept_open.h"
@@ -10,6 +8,8 @@
 #include "model/document.h"
 
 #include <hdf5_hl.h>
+
+#include <algorithm>
 
 namespace orvml_io {
 
@@ -101,8 +101,7 @@ int Nodes::Write(hid_t file, const char* path, int dimension) const {
     return kFailed;
   }
   createGroupIfAbsent(file, Path(path));
-  const hsize_t extents[2] = {static_cast<hsize_t>(numberOfNodes),
-                              static_cast<hsize_t>(dimension)};
+  const hsize_t extents[2] = {static_cast<hsize_t>(numberOfNodes), static_cast<hsize_t>(dimension)};
   if (H5LTmake_dataset(file, coordinatesPath.c_str(), 2, extents, H5T_NATIVE_DOUBLE, coords) < 0) {
     return kFailed;
   }
@@ -224,7 +223,8 @@ int Elems::ReadElementTypes(hid_t file, const char* path) {
   }
   NewArray<int> counts =
       tryReadInts(file, path, layout::kNumberOfElementsByType, numberOfElementTypes);
-  const std::optional<int> total = counts ? sum32(counts.get(), numberOfElementTypes) : std::nullopt;
+  const std::optional<int> total =
+      counts ? sum32(counts.get(), numberOfElementTypes) : std::nullopt;
   if (!total) {
     return kFailed;
   }

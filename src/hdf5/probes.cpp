@@ -1,12 +1,12 @@
 #include "hdf5/probes.h"
 
-#include <vector>
-
 #include "hdf5/extents.h"
 #include "hdf5/kept_open.h"
 #include "hdf5/layout.h"
 
 #include <hdf5_hl.h>
+
+#include <vector>
 
 namespace orvml_io {
 

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "hdf5/id.h"
+
 #include <optional>
 #include <string>
-
-#include "hdf5/id.h"
 
 namespace orvml_io {
 
@@ -26,8 +26,8 @@ namespace orvml_io {
 /// The dataset has another rank than 1, or more values than a vector can hold.
 inline constexpr int kNotAVector = -2;
 
-/// Returns the length of a dataset of rank 1; -1 when it cannot be opened; kNotAVector when it is no
-/// vector.
+/// Returns the length of a dataset of rank 1; -1 when it cannot be opened; kNotAVector when it is
+/// no vector.
 ///
 /// Contract: the dataset stays open (KeptOpen::extentProbe).
 [[nodiscard]] int Orv_H5_GetVectorDimension(hid_t location, const char* path,

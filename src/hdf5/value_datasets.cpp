@@ -2,11 +2,6 @@
 // versions to the positional layouts: the document's WriteParametersScalar, ReadParametersScalar,
 // WriteParametersVector and ReadParametersVector, Nodes::ReadAttributes, Elems::ReadAttributes,
 // OML_AttributesVector::HDF5Write and HDF5Read.
-#include <cstddef>
-#include <cstdlib>
-#include <cstring>
-#include <vector>
-
 #include "hdf5/datasets.h"
 #include "hdf5/extents.h"
 #include "hdf5/layout.h"
@@ -17,6 +12,11 @@
 #include "model/document.h"
 
 #include <hdf5_hl.h>
+
+#include <cstddef>
+#include <cstdlib>
+#include <cstring>
+#include <vector>
 
 namespace orvml_io {
 
@@ -146,15 +146,14 @@ int readLinkedMember(hid_t file, const char* groupPath, const std::string& name,
   }
   const H5T_class_t typeClass = typeClassOf(dataset.get());
   const bool isInteger = typeClass == H5T_INTEGER;
-  const int length = Orv_H5_GetVectorDimension(file, path.c_str(),
-                                               isInteger ? sizeof(int) : sizeof(double));
+  const int length =
+      Orv_H5_GetVectorDimension(file, path.c_str(), isInteger ? sizeof(int) : sizeof(double));
   if (!isInteger && typeClass != H5T_FLOAT) {
     return kOk;
   }
   const bool mustBeTransmitted = readMustBeTransmitted(file, groupPath);
-  return isInteger
-             ? readMember<int>(dataset.get(), name, length, mustBeTransmitted, store)
-             : readMember<double>(dataset.get(), name, length, mustBeTransmitted, store);
+  return isInteger ? readMember<int>(dataset.get(), name, length, mustBeTransmitted, store)
+                   : readMember<double>(dataset.get(), name, length, mustBeTransmitted, store);
 }
 
 int readAttributes(hid_t file, const char* containerPath, int count, const char* formatVersion,
@@ -191,10 +190,10 @@ int OrvInputAndOrvOutput::WriteParametersScalar(hid_t file, const char* group,
   const char* fieldNames[kNumberOfFields] = {layout::kParameterNameField,
                                              layout::kParameterValueField};
   const hid_t fieldTypes[kNumberOfFields] = {nameType.get(), H5T_NATIVE_DOUBLE};
-  const herr_t made = H5TBmake_table(
-      layout::kParametersTableTitle, file, path.c_str(), kNumberOfFields, records->size(),
-      sizeof(ParameterRecord), fieldNames, kFieldOffsets, fieldTypes, layout::kParametersChunk,
-      nullptr, 0, records->data());
+  const herr_t made =
+      H5TBmake_table(layout::kParametersTableTitle, file, path.c_str(), kNumberOfFields,
+                     records->size(), sizeof(ParameterRecord), fieldNames, kFieldOffsets,
+                     fieldTypes, layout::kParametersChunk, nullptr, 0, records->data());
   return made < 0 ? kFailed : kOk;
 }
 
@@ -277,8 +276,8 @@ int OML_AttributesVector::HDF5Write(hid_t file, const char* groupPath) const {
 }
 
 int OML_AttributesVector::HDF5Read(hid_t file, const char* groupPath) {
-  const GroupId group = Orv_H5_GroupExists(file, groupPath) ? tryOpenGroup(file, Path(groupPath))
-                                                            : GroupId();
+  const GroupId group =
+      Orv_H5_GroupExists(file, groupPath) ? tryOpenGroup(file, Path(groupPath)) : GroupId();
   if (!group.valid()) {
     return kOk;
   }

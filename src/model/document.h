@@ -1,12 +1,12 @@
 #pragma once
 
-#include <memory>
-
 #include "model/elems.h"
 #include "model/nodes.h"
 #include "orvml_io.h"
 #include "values/attributes_scalar.h"
 #include "values/attributes_vector.h"
+
+#include <memory>
 
 namespace orvml_io {
 
@@ -16,7 +16,8 @@ inline constexpr int kIdentificationBytes = 80;
 /// Copies a text into an identification string. What is longer than 79 bytes is cut there.
 void copyIdentification(char (&destination)[kIdentificationBytes], const char* text) noexcept;
 
-/// An exchange document: a mesh, its parameters and its identification. Handles point to this class.
+/// An exchange document: a mesh, its parameters and its identification. Handles point to this
+/// class.
 class OrvInputAndOrvOutput {
  public:
   char moduleName[kIdentificationBytes] = {};

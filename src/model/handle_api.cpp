@@ -1,8 +1,8 @@
 // Exported functions of the document: creation, deletion, identification, callbacks, content.
-#include <cstring>
-
 #include "model/document.h"
 #include "orvml_io.h"
+
+#include <cstring>
 
 using orvml_io::documentOf;
 using orvml_io::handleOf;

@@ -182,7 +182,7 @@ int OrvML_IO_GetElements(void* handle, int*& connectivities) {
 }
 
 int OrvML_IO_GetElements(void* handle, int*& connectivities, ElemType*& elementTypes,
-                      int*& numberOfNodesByElement, int*& numberOfElementsByType) {
+                         int*& numberOfNodesByElement, int*& numberOfElementsByType) {
   return OrvML_IO_GetGenericElements(handle, ORVML_ELEMENTS, connectivities, elementTypes,
                                      numberOfNodesByElement, numberOfElementsByType);
 }
@@ -197,15 +197,15 @@ int OrvML_IO_GetNumberOfElementTypesInElements(void* handle) {
 }
 
 void OrvML_IO_SetElements(void* handle, int numberOfElements, int* connectivities,
-                       int numberOfElementTypes, ElemType* elementTypes,
-                       int* numberOfNodesByElement, int* numberOfElementsByType) {
+                          int numberOfElementTypes, ElemType* elementTypes,
+                          int* numberOfNodesByElement, int* numberOfElementsByType) {
   OrvML_IO_SetGenericElements(handle, ORVML_ELEMENTS, numberOfElements, connectivities,
                               numberOfElementTypes, elementTypes, numberOfNodesByElement,
                               numberOfElementsByType);
 }
 
 void OrvML_IO_SetElements(void* handle, int numberOfElements, int* connectivities,
-                       ElemType elementType, int numberOfNodesByElement) {
+                          ElemType elementType, int numberOfNodesByElement) {
   OrvML_IO_SetGenericElements(handle, ORVML_ELEMENTS, numberOfElements, connectivities, elementType,
                               numberOfNodesByElement);
 }

@@ -1,7 +1,7 @@
 // Shape names and version texts of the public interface.
-#include <cstdlib>
-
 #include "orvml_io.h"
+
+#include <cstdlib>
 
 static_assert(sizeof(ElemType) == 4 && sizeof(int) == 4,
               "files hold shapes and counts as 32-bit integers");

@@ -1,22 +1,22 @@
 #pragma once
 
+#include "values/blocks.h"
+
+#include <H5Ipublic.h>
+
 #include <cstddef>
 #include <functional>
 #include <map>
 #include <string>
 #include <string_view>
 
-#include "values/blocks.h"
-
-#include <H5Ipublic.h>
-
 namespace orvml_io {
 
 inline constexpr char kIntCode = 'i';
 inline constexpr char kDoubleCode = 'd';
 
-/// Named vectors of ints or doubles in ascending byte-wise order of the names; files are written and
-/// transmitted attributes are counted in that order.
+/// Named vectors of ints or doubles in ascending byte-wise order of the names; files are written
+/// and transmitted attributes are counted in that order.
 ///
 /// Contract: the store does not release its data blocks when it is destroyed. Its owner decides:
 /// the attribute blocks of a document whose arrays are the caller's stay valid after its deletion.

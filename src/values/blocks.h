@@ -11,7 +11,8 @@ namespace orvml_io {
 template <class T>
 using NewArray = std::unique_ptr<T[]>;
 
-/// Allocates an array without setting its values; a count that is not positive gives an empty array.
+/// Allocates an array without setting its values; a count that is not positive gives an empty
+/// array.
 template <class T>
 NewArray<T> makeNewArray(int length) {
   return NewArray<T>(new T[length > 0 ? static_cast<std::size_t>(length) : 0]);

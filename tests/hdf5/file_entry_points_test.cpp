@@ -1,11 +1,11 @@
+#include "orvml_io.h"
+
+#include <gtest/gtest.h>
+
 #include <unistd.h>
 
 #include <cstdio>
 #include <string>
-
-#include <gtest/gtest.h>
-
-#include "orvml_io.h"
 
 namespace {
 
@@ -28,8 +28,8 @@ TEST(WriteOrvInput, DocumentComesBackWithItsMeshAndParameters) {
   const std::string path = freshPath();
   double coords[] = {0, 0, 0, 1, 0, 0, 0, 1, 0};
   int triangle[] = {0, 1, 2};
-  void* written = OrvML_IO_NewOrvInputHandleWithFaces("m", "v", "c", 3, 3, coords, 1, triangle,
-                                                      TRIANGLE, 3);
+  void* written =
+      OrvML_IO_NewOrvInputHandleWithFaces("m", "v", "c", 3, 3, coords, 1, triangle, TRIANGLE, 3);
   OrvML_IO_SetParameter(written, "size", 0.5);
   ASSERT_EQ(OrvML_IO_WriteOrvInput(path.c_str(), written), 0);
 
