@@ -17,6 +17,11 @@ function(orvml_io_compile_settings target)
   target_compile_features(${target} PUBLIC cxx_std_17)
   set_target_properties(${target} PROPERTIES
     CXX_EXTENSIONS OFF CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
+  if(NOT DEFINED CMAKE_CXX_STANDARD)
+    # Stated even where it is the compiler's default: tools that read the compile commands have
+    # other defaults.
+    set_target_properties(${target} PROPERTIES CXX_STANDARD 17)
+  endif()
   if(ORVML_IO_SANITIZERS)
     target_compile_options(${target} PUBLIC
       -fsanitize=${ORVML_IO_SANITIZERS} -fno-sanitize-recover=all -fno-omit-frame-pointer)

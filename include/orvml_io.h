@@ -36,7 +36,7 @@
 #ifndef ORVML_IO_H
 #define ORVML_IO_H
 
-#include <stddef.h>
+#include <stddef.h>  // size_t in the global namespace. NOLINT(modernize-deprecated-headers)
 
 #if defined(__GNUC__)
 #define ORVML_IO_EXPORT __attribute__((visibility("default")))

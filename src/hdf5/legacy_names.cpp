@@ -11,6 +11,7 @@ namespace {
 
 constexpr char kOctreeMesher[] = "ORVML_OCTREE_MESHER";
 
+// NOLINTNEXTLINE(readability-identifier-naming)
 constexpr const char* parameter_names[] = {"ORVML_OCTREEMESHER_GENERAL_MESH_SIZE",
                                            "ORVML_OCTREEMESHER_SIZE_TRANSITION_FACTOR",
                                            "ORVML_OCTREEMESHER_TOLERANCE_FOR_GAPS",
@@ -23,6 +24,7 @@ constexpr const char* parameter_names[] = {"ORVML_OCTREEMESHER_GENERAL_MESH_SIZE
                                            "ORVML_OCTREEMESHER_ONLY_GET_INNER_TETRAHEDRA",
                                            "ORVML_OCTREEMESHER_DELETE_OUTER_EMBEDDED_ELEMENTS"};
 
+// NOLINTNEXTLINE(readability-identifier-naming)
 constexpr const char* attribute_names[] = {"ORVML_OCTREEMESHER_FACES_EMBEDDED",
                                            "ORVML_OCTREEMESHER_FACES_INTERFACES_1",
                                            "ORVML_OCTREEMESHER_FACES_INTERFACES_2"};

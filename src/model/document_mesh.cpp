@@ -56,7 +56,7 @@ void OrvInputAndOrvOutput::SetNodesCoords(int count, const double* coordinates) 
     nodes = std::make_unique<Nodes>().release();
   }
   // The array is adopted: the caller who asks for it back may change it, the library does not.
-  nodes->coords = const_cast<double*>(coordinates);
+  nodes->coords = const_cast<double*>(coordinates);  // NOLINT(*-pro-type-const-cast)
   nodes->coordsLength = Nodes::kUnknownLength;
   nodes->numberOfNodes = count;
 }

