@@ -133,6 +133,23 @@ ORVML_IO_EXPORT void* OrvML_IO_NewOrvInputHandle(const char* moduleName,
 /// @return a new handle, never null; release it with OrvML_IO_DeleteOrvOutputHandle()
 ORVML_IO_EXPORT void* OrvML_IO_NewOrvOutputHandle();
 
+/// Creates an input document that is a deep copy of another.
+///
+/// @param[in] source  document to copy; null gives null
+/// @return a new handle; release it with OrvML_IO_DeleteOrvInputHandle()
+/// @note The copy owns every array it holds: it stays valid after the source and the source's
+///       arrays are gone, and the mesh setters leave it as it is. It keeps the callbacks of an
+///       input document.
+/// @note A source without scalar parameters gives a copy without any parameters, vector parameters
+///       included. The attributes of a node container without nodes are not copied.
+ORVML_IO_EXPORT void* OrvML_IO_NewOrvInputHandle(void* source);
+
+/// Creates an output document that is a deep copy of another; everything else is as for the input.
+///
+/// @param[in] source  document to copy; null gives null
+/// @return a new handle; release it with OrvML_IO_DeleteOrvOutputHandle()
+ORVML_IO_EXPORT void* OrvML_IO_NewOrvOutputHandle(void* source);
+
 /// Creates an input document with its identification and node coordinates.
 ///
 /// The first four parameters are those of OrvML_IO_NewOrvInputHandle().
@@ -707,5 +724,49 @@ ORVML_IO_EXPORT int OrvML_IO_ReadOrvOutput(const char* fileName, void*& outputHa
 ///         output's
 ORVML_IO_EXPORT int OrvML_IO_ReadOrvInputAndOrvOutput(const char* fileName, void*& inputHandle,
                                                       void*& outputHandle);
+
+// ------------------------------------------------------------------------------------------------
+// Comparing documents
+// ------------------------------------------------------------------------------------------------
+
+/// Tells whether two documents hold the same mesh, attributes and scalar parameters, typically a
+/// document and the one read back from its file.
+///
+/// Numbers of nodes, type groups in their order, connectivities and int attributes must be the
+/// same. Two doubles are different when they are more than 1e-15 apart, in the caller's unit, so
+/// NaN equals everything. A missing container equals an empty one.
+///
+/// @param[in] first   document, or null
+/// @param[in] second  document, or null; null equals null and a document of dimension 0, no other
+/// @return true when they are equal
+/// @note Not symmetric: attributes are looked up in `second` for each of `first`, and attributes
+///       that only `second` has are not looked at. A scalar parameter that `second` lacks reads as
+///       0 there; the numbers of scalar parameters must be the same.
+/// @note Never compared: identification, versions, vector parameters, transmission flags,
+///       callbacks. An attribute is compared in the type it has in `first`.
+ORVML_IO_EXPORT bool OrvML_IO_OrvInputsAreEqual(void* first, void* second);
+
+/// Does the same for output documents.
+ORVML_IO_EXPORT bool OrvML_IO_OrvOutputsAreEqual(void* first, void* second);
+
+// ------------------------------------------------------------------------------------------------
+// Text export
+// ------------------------------------------------------------------------------------------------
+
+/// Prints the mesh of a document as text, one block per type group: edges, faces, volume elements.
+///
+/// A block is a header line, the node lines (in the first block only) and one line per element with
+/// 1-based node numbers. Numbers are what `printf` makes of `%d` and `%f`, with the decimal point
+/// of the process's locale.
+///
+/// @param[in] fileName  path of the file, created or truncated; null gives 1
+/// @param[in] handle    document; null counts as a document without nodes
+/// @return 1 when the file cannot be opened, else 0; write errors are not reported
+/// @note Three values are printed per node whatever the dimension. In a container with several type
+///       groups the lines of the second and later blocks start at the sum of the running element
+///       counts, not at the group's own connectivities: export such meshes for viewing alone. What
+///       would lie behind the end of an array prints as 0, and a shape without a name as "None".
+/// @note A document without nodes gives an empty file, and its stream stays open in the process.
+ORVML_IO_EXPORT int OrvML_IO_WriteMeshInOrvFormat(const char* fileName, void* handle);
 
 #endif  // ORVML_IO_H

@@ -76,6 +76,20 @@ class OrvInputAndOrvOutput {
   /// Returns the attribute store of a kind; null without a container and for an unknown kind.
   OML_AttributesVector* attributesOf(ORVML_TYPE_OF_ENTITY entity) const noexcept;
 
+  // Deep copy (clone.cpp). Apart from the parameter stores, the destination must be fresh: what it
+  // held is overwritten without being released. All return 0.
+  int CopyFromOther(const OrvInputAndOrvOutput* source);
+  int CopyNodesFromOther(const Nodes* source);
+  int CopyElemsFromOther(const Elems* source);
+  int CopyFacesFromOther(const Elems* source);
+  int CopyEdgesFromOther(const Elems* source);
+  int CopyParametersFromOther(const OrvInputAndOrvOutput* source);
+
+  // Comparison (src/compare/equality.cpp)
+  bool IsEqual(const OrvInputAndOrvOutput* other) const;
+  /// Compares the scalar parameters from this side. Returns 1 when they are equal, else 0.
+  int ParametersAreEqual(const OrvInputAndOrvOutput* other) const;
+
   // Exchange file: root attributes and dimension (src/hdf5/document_io.cpp)
   [[nodiscard]] int WriteIOCreator(hid_t file) const;
   [[nodiscard]] int WriteModuleNameAndVersion(hid_t file) const;

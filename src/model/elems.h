@@ -28,6 +28,18 @@ class Elems {
   /// follows every change, so that deleting a document never releases an array of the caller.
   bool groupArraysMadeByLibrary = false;
 
+  /// Returns the number of node indices that the type groups claim: the sum of cells times nodes
+  /// per cell, 0 where an array is missing or the sum is negative.
+  long long connectivityLength() const noexcept;
+
+  /// Copies the groups, connectivities and attributes of another container into this (fresh) one,
+  /// which owns its copies. Arrays that the source lacks stay missing. Returns 0.
+  int CopyFromOther(const Elems* other);
+
+  /// Compares group by group and node index by node index, in order, and the attributes from this
+  /// side; see src/compare/equality.cpp.
+  bool IsEqual(const Elems* other) const;
+
   /// Releases the group arrays with array delete and sets the number of groups to 0.
   void DeleteAuxiliarContent() noexcept;
 

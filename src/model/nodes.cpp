@@ -1,5 +1,7 @@
 #include "model/nodes.h"
 
+#include <algorithm>
+
 namespace orvml_io {
 
 bool Nodes::holdsCoordinates(int dimension) const noexcept {
@@ -7,6 +9,14 @@ bool Nodes::holdsCoordinates(int dimension) const noexcept {
     return true;
   }
   return static_cast<long long>(numberOfNodes) * dimension <= coordsLength;
+}
+
+long long Nodes::heldCoordinates(int dimension) const noexcept {
+  const long long wanted = static_cast<long long>(numberOfNodes) * dimension;
+  if (coords == nullptr || wanted < 0) {
+    return 0;
+  }
+  return coordsLength == kUnknownLength ? wanted : std::min(wanted, coordsLength);
 }
 
 int Nodes::DeleteContent() noexcept {

@@ -22,11 +22,24 @@ class Nodes {
   /// Tells whether `numberOfNodes x dimension` values lie behind `coords`, as far as is known.
   bool holdsCoordinates(int dimension) const noexcept;
 
+  /// Returns how many of the `numberOfNodes x dimension` values lie behind `coords`: all of them
+  /// where the array is the caller's, none where there is no array.
+  long long heldCoordinates(int dimension) const noexcept;
+
   /// Empties the container; the container itself stays. Returns 0.
   ///
   /// Contract: the coordinates are released with array delete whoever made them; a caller who
   /// clears a document of its own hands them over.
   int DeleteContent() noexcept;
+
+  /// Copies the coordinates and attributes of another container into this (fresh) one. Returns 0.
+  ///
+  /// Contract: a source without nodes is not copied at all, its attributes neither.
+  int CopyFromOther(const Nodes* other, int dimension);
+
+  /// Compares coordinates with the tolerance of kTolerance and the attributes from this side; see
+  /// src/compare/equality.cpp.
+  bool IsEqual(const Nodes* other, int dimension) const;
 
   /// Writes the container's group; see src/hdf5/mesh_datasets.cpp.
   [[nodiscard]] int Write(hid_t file, const char* path, int dimension) const;

@@ -49,6 +49,10 @@ class OML_AttributesVector {
   /// Contract: the own entries are released first, so copying a store onto itself empties it.
   int CopyFromOther(const OML_AttributesVector& other);
 
+  /// Tells whether every entry of this store has an equal one in the other; see
+  /// src/compare/equality.cpp.
+  bool IsEqual(const OML_AttributesVector& other) const;
+
   /// Releases every block and removes all entries.
   void DeleteAll() noexcept;
 

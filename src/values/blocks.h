@@ -14,7 +14,7 @@ using NewArray = std::unique_ptr<T[]>;
 /// Allocates an array without setting its values; a count that is not positive gives an empty
 /// array.
 template <class T>
-NewArray<T> makeNewArray(int length) {
+NewArray<T> makeNewArray(long long length) {
   return NewArray<T>(new T[length > 0 ? static_cast<std::size_t>(length) : 0]);
 }
 

@@ -1,0 +1,164 @@
+// The comparison of two documents: IsEqual of the document, the nodes, the elements and the vector
+// store, and the two exported predicates.
+//
+// Stores are compared from the first side: what only the second side holds is not looked at.
+#include "model/document.h"
+#include "orvml_io.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace orvml_io {
+
+namespace {
+
+/// Two doubles are different when they are further apart than this, in the caller's unit. Only a
+/// larger difference counts, so NaN equals everything.
+constexpr double kTolerance = 1e-15;
+
+bool areClose(double a, double b) noexcept { return !(std::fabs(a - b) > kTolerance); }
+
+bool valuesEqual(const double* a, const double* b, long long length) noexcept {
+  return std::equal(a, a + length, b, areClose);
+}
+
+template <class T>
+bool valuesEqual(const T* a, const T* b, long long length) noexcept {
+  return std::equal(a, a + length, b);
+}
+
+/// Arrays that may be missing: two missing ones are equal, a missing one equals nothing else.
+template <class T>
+bool arraysEqual(const T* a, const T* b, long long length) noexcept {
+  if (a == nullptr || b == nullptr) {
+    return a == b;
+  }
+  return valuesEqual(a, b, length);
+}
+
+bool groupsEqual(const Elems& a, const Elems& b) noexcept {
+  const int groups = a.numberOfElementTypes;
+  return arraysEqual(a.elementTypes, b.elementTypes, groups) &&
+         arraysEqual(a.numberOfElementsByType, b.numberOfElementsByType, groups) &&
+         arraysEqual(a.numberOfNodesByElement, b.numberOfNodesByElement, groups);
+}
+
+bool connectivitiesEqual(const Elems& a, const Elems& b) noexcept {
+  const long long length = a.connectivityLength();
+  return length == 0 || arraysEqual(a.connectivities, b.connectivities, length);
+}
+
+using Entry = OML_AttributesVector::Entry;
+
+long long bytesOf(const Entry& entry) noexcept {
+  const std::size_t valueBytes = entry.code == kIntCode ? sizeof(int) : sizeof(double);
+  return entry.length * static_cast<long long>(valueBytes);
+}
+
+/// Contract: the other entry's values are read in this entry's type, whatever its own. Values that
+/// would lie behind the end of its block differ.
+template <class T>
+bool entryValuesEqual(const Entry& entry, const Entry& other) noexcept {
+  if (entry.length * static_cast<long long>(sizeof(T)) > bytesOf(other)) {
+    return false;
+  }
+  return valuesEqual(static_cast<const T*>(entry.data), static_cast<const T*>(other.data),
+                     entry.length);
+}
+
+bool entriesEqual(const Entry& entry, const Entry* other) noexcept {
+  if (other == nullptr || other->data == nullptr || other->length != entry.length) {
+    return false;
+  }
+  return entry.code == kIntCode ? entryValuesEqual<int>(entry, *other)
+                                : entryValuesEqual<double>(entry, *other);
+}
+
+/// A missing container and an empty one count as the same.
+bool nodesEqual(const Nodes* a, const Nodes* b, int dimension) {
+  if (a != nullptr && b != nullptr) {
+    return a->IsEqual(b, dimension);
+  }
+  const Nodes* present = a != nullptr ? a : b;
+  return present == nullptr || present->numberOfNodes == 0;
+}
+
+bool elemsEqual(const Elems* a, const Elems* b) {
+  if (a != nullptr && b != nullptr) {
+    return a->IsEqual(b);
+  }
+  const Elems* present = a != nullptr ? a : b;
+  return present == nullptr || present->numberOfElements == 0;
+}
+
+/// A null handle equals a document without a mesh dimension, which is what a reader gives for a
+/// file that lacks the document.
+bool documentsEqual(const OrvInputAndOrvOutput* a, const OrvInputAndOrvOutput* b) {
+  if (a != nullptr && b != nullptr) {
+    return a->IsEqual(b);
+  }
+  const OrvInputAndOrvOutput* present = a != nullptr ? a : b;
+  return present == nullptr || present->meshDimension == 0;
+}
+
+}  // namespace
+
+bool OML_AttributesVector::IsEqual(const OML_AttributesVector& other) const {
+  return std::all_of(begin(), end(), [&other](const auto& named) {
+    const auto& [name, entry] = named;
+    const bool isCompared = entry.code == kIntCode || entry.code == kDoubleCode;
+    return !isCompared || entriesEqual(entry, other.find(name));
+  });
+}
+
+bool Nodes::IsEqual(const Nodes* other, int dimension) const {
+  if (numberOfNodes != other->numberOfNodes) {
+    return false;
+  }
+  // A side may hold fewer values than its count says: the count of a document that owns its arrays
+  // can be raised, and coordinates that failed to read are missing.
+  const long long length = heldCoordinates(dimension);
+  return length == other->heldCoordinates(dimension) &&
+         (length == 0 || valuesEqual(coords, other->coords, length)) &&
+         attributes.IsEqual(other->attributes);
+}
+
+bool Elems::IsEqual(const Elems* other) const {
+  if (numberOfElements != other->numberOfElements ||
+      numberOfElementTypes != other->numberOfElementTypes) {
+    return false;
+  }
+  return (numberOfElementTypes < 1 ||
+          (groupsEqual(*this, *other) && connectivitiesEqual(*this, *other))) &&
+         attributes.IsEqual(other->attributes);
+}
+
+int OrvInputAndOrvOutput::ParametersAreEqual(const OrvInputAndOrvOutput* other) const {
+  if (parametersScalar.count() != other->parametersScalar.count()) {
+    return 0;
+  }
+  // Contract: a name that the other side lacks reads as 0.0 there, and vector parameters are not
+  // compared, so that a module may add vectors of its own.
+  const bool areEqual =
+      std::all_of(parametersScalar.begin(), parametersScalar.end(), [other](const auto& parameter) {
+        const double* otherValue = other->parametersScalar.find(parameter.first);
+        return areClose(parameter.second, otherValue == nullptr ? 0.0 : *otherValue);
+      });
+  return areEqual ? 1 : 0;
+}
+
+bool OrvInputAndOrvOutput::IsEqual(const OrvInputAndOrvOutput* other) const {
+  return meshDimension == other->meshDimension && nodesEqual(nodes, other->nodes, meshDimension) &&
+         elemsEqual(edges, other->edges) && elemsEqual(faces, other->faces) &&
+         elemsEqual(elements, other->elements) && ParametersAreEqual(other) == 1;
+}
+
+}  // namespace orvml_io
+
+bool OrvML_IO_OrvInputsAreEqual(void* first, void* second) {
+  return orvml_io::documentsEqual(orvml_io::documentOf(first), orvml_io::documentOf(second));
+}
+
+bool OrvML_IO_OrvOutputsAreEqual(void* first, void* second) {
+  return orvml_io::documentsEqual(orvml_io::documentOf(first), orvml_io::documentOf(second));
+}

@@ -1,0 +1,131 @@
+#include "text/mesh_text.h"
+
+#include "orvml_io.h"
+
+#include <array>
+#include <cstddef>
+
+namespace orvml_io {
+
+namespace {
+
+constexpr int kValuesPerNodeLine = 3;
+
+/// A name outside the table reads as no shape: documents may carry values of later formats.
+const char* shapeName(const Elems& elems, int group) noexcept {
+  const int shape = elems.elementTypes == nullptr ? NONE : elems.elementTypes[group];
+  const bool isNamed = shape >= 0 && static_cast<std::size_t>(shape) < std::size(ElemTypeNames);
+  return ElemTypeNames[isNamed ? shape : NONE];
+}
+
+int nodesPerElement(const Elems& elems, int group) noexcept {
+  return elems.numberOfNodesByElement == nullptr ? 0 : elems.numberOfNodesByElement[group];
+}
+
+int elementsOfGroup(const Elems& elems, int group) noexcept {
+  return elems.numberOfElementsByType == nullptr ? 0 : elems.numberOfElementsByType[group];
+}
+
+/// The 1-based number of a node. Adding in unsigned arithmetic wraps as the format's `%d` shows it.
+int nodeNumber(int nodeIndex) noexcept {
+  return static_cast<int>(static_cast<unsigned>(nodeIndex) + 1U);
+}
+
+/// Prints the blocks of one document. The node lines go into the first block alone.
+class MeshText {
+ public:
+  MeshText(const OrvInputAndOrvOutput& document, std::FILE* stream)
+      : document_(document), stream_(stream) {}
+
+  void printContainer(const Elems* elems) {
+    if (elems == nullptr) {
+      return;
+    }
+    long long position = 0;
+    long long count = 0;
+    for (int group = 0; group < elems->numberOfElementTypes; ++group) {
+      printHeader(*elems, group);
+      std::fputs("elements\n", stream_);
+      PrintElements(*elems, group, position, count, stream_);
+      std::fputs("end elements\n", stream_);
+    }
+  }
+
+ private:
+  void printHeader(const Elems& elems, int group) {
+    std::fprintf(stream_, "mesh dimension = %d elemtype %s nNode = %d\ncoordinates\n",
+                 document_.meshDimension, shapeName(elems, group), nodesPerElement(elems, group));
+    if (!nodesArePrinted_) {
+      PrintNodes(*document_.nodes, document_.meshDimension, stream_);
+      nodesArePrinted_ = true;
+    }
+    std::fputs("end coordinates\n", stream_);
+  }
+
+  const OrvInputAndOrvOutput& document_;
+  std::FILE* stream_;
+  bool nodesArePrinted_ = false;
+};
+
+/// Contract: the stream of a document without nodes stays open until the process ends; closing it
+/// would change the descriptors that the caller's next calls get.
+void leaveOpenWithoutNodes(std::FILE* /*stream*/) noexcept {}
+
+}  // namespace
+
+int PrintNodes(const Nodes& nodes, int dimension, std::FILE* stream) {
+  if (dimension < 1) {
+    return 0;
+  }
+  const long long held = nodes.heldCoordinates(dimension);
+  for (int node = 0; node < nodes.numberOfNodes; ++node) {
+    std::array<double, kValuesPerNodeLine> values = {};
+    for (int column = 0; column < kValuesPerNodeLine; ++column) {
+      const long long index = static_cast<long long>(node) * dimension + column;
+      if (index < held) {
+        values[static_cast<std::size_t>(column)] = nodes.coords[index];
+      }
+    }
+    std::fprintf(stream, "%d %f %f %f\n", nodeNumber(node), values[0], values[1], values[2]);
+  }
+  return 0;
+}
+
+int PrintElements(const Elems& elems, int group, long long& position, long long& count,
+                  std::FILE* stream) {
+  const int nodes = nodesPerElement(elems, group);
+  count += elementsOfGroup(elems, group);
+  const long long limit = nodes < 1 ? position : count * nodes;
+  const long long held = elems.connectivities == nullptr ? 0 : elems.connectivityLength();
+  int elementNumber = 1;
+  for (long long start = position; start < limit; start += nodes) {
+    std::fprintf(stream, "%d ", elementNumber++);
+    for (long long index = start; index < start + nodes; ++index) {
+      const bool isHeld = index >= 0 && index < held;
+      std::fprintf(stream, "%d ", isHeld ? nodeNumber(elems.connectivities[index]) : 0);
+    }
+    std::fputc('\n', stream);
+  }
+  position += count;
+  return 0;
+}
+
+}  // namespace orvml_io
+
+int OrvML_IO_WriteMeshInOrvFormat(const char* fileName, void* handle) {
+  std::FILE* stream = fileName == nullptr ? nullptr : std::fopen(fileName, "w");
+  if (stream == nullptr) {
+    return 1;
+  }
+  const orvml_io::OrvInputAndOrvOutput* document = orvml_io::documentOf(handle);
+  if (document == nullptr || document->nodes == nullptr) {
+    orvml_io::leaveOpenWithoutNodes(stream);
+    return 0;
+  }
+  orvml_io::MeshText text(*document, stream);
+  text.printContainer(document->edges);
+  text.printContainer(document->faces);
+  text.printContainer(document->elements);
+  std::fclose(stream);
+  return 0;
+}

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "model/document.h"
+
+#include <cstdio>
+
+namespace orvml_io {
+
+/// Prints one line per node: its 1-based number and three values, whatever the dimension. Returns
+/// 0.
+///
+/// Contract: in a mesh of dimension 2 the third value is the first coordinate of the next node, as
+/// readers of this text expect three columns. Values behind the end of the array print as 0.
+int PrintNodes(const Nodes& nodes, int dimension, std::FILE* stream);
+
+/// Prints one line per element of a type group: its number in the group and its 1-based node
+/// numbers. Returns 0.
+///
+/// Contract: `position` and `count` start at 0 in each container and are advanced by each group's
+/// call. The position advances by the running number of elements, not by elements times nodes, so
+/// that with several groups other lines than the group's own are printed; the rule decides which
+/// lines a file holds and is kept. Node numbers behind the end of the connectivities print as 0.
+///
+/// The counters have 64 bits because the rule outgrows 32 before the mesh does.
+int PrintElements(const Elems& elems, int group, long long& position, long long& count,
+                  std::FILE* stream);
+
+}  // namespace orvml_io
