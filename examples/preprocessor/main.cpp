@@ -1,0 +1,91 @@
+// Models a part, meshes its surface, sends it to the mesher in an exchange file, and looks at what
+// comes back.
+#include "exchange/check.h"
+#include "exchange/names.h"
+#include "exchange/received.h"
+#include "exchange/record.h"
+#include "exchange/summary.h"
+#include "exchange/surface_checks.h"
+#include "gmsh_session.h"
+#include "preprocessor/cad_measures.h"
+#include "preprocessor/input_document.h"
+#include "preprocessor/output_checks.h"
+#include "program.h"
+
+#include <cstdio>
+#include <string>
+
+namespace {
+
+using namespace orvml_examples;
+
+void requireSoundSurface(const Part& part, const Mesh& mesh) {
+  const SurfaceCounts counts = requireClosedSurface(mesh);
+  requireEdgesOnSurface(mesh);
+  std::printf("  closed surface: %d nodes - %d sides + %d faces = Euler characteristic %d\n",
+              counts.nodes, counts.edges, counts.faces, counts.eulerCharacteristic());
+  require(counts.eulerCharacteristic() == part.eulerCharacteristic,
+          "the part has the Euler characteristic " + std::to_string(part.eulerCharacteristic));
+}
+
+void write(const Part& part, double size, const std::string& inputFile,
+           const std::string& recordFile) {
+  const GmshSession session(part.name);
+  const CadModel model = part.build();
+  const CadMeasures cad = measure(model);
+  std::printf("CAD model of the %s: %zu surfaces, volume %.3f mm3, area %.3f mm2\n", part.name,
+              cad.surfaces.size(), cad.volume, cad.area);
+  const MeshSizes sizes{size};
+  const Document document = makeInputDocument(part, model, cad, sizes, meshSurface(model, sizes));
+  requireSoundSurface(part, document.mesh());
+  recordOf(document, "OrvInput").save(recordFile);
+  document.writeInput(inputFile);
+  printCounts("Wrote an input document", document);
+}
+
+void printCloseness(const Closeness& closeness, const CadMeasures& cad) {
+  std::printf("  volume %.3f mm3, CAD %.3f: off by %+.3f, tolerance %.3f (%.2f %%)\n",
+              closeness.volume, cad.volume, closeness.volume - cad.volume,
+              closeness.volumeTolerance, 100 * closeness.volumeTolerance / cad.volume);
+  std::printf("  area   %.3f mm2, CAD %.3f: off by %+.3f, tolerance %.3f (%.2f %%)\n",
+              closeness.area, cad.area, closeness.area - cad.area, closeness.areaTolerance,
+              100 * closeness.areaTolerance / cad.area);
+  std::printf("  chordal error %.4f mm, allowed %.4f: round surfaces are meshed with flat faces\n",
+              closeness.chordalError, closeness.allowedChordalError);
+}
+
+void show(const Part& part, const std::string& inputFile, const std::string& outputFile,
+          const std::string& recordFile) {
+  const Document input = Document::readInput(inputFile);
+  const Document output = Document::readOutput(outputFile);
+  requireReceivedAsSent({output, "OrvOutput", Record::load(recordFile)});
+  requireSurfaceKept(input, output);
+  requireUserAttributesKept(input, output);
+  printCounts("Read, and as sent, an output document", output);
+  printNamedValues(output);
+  const GmshSession session(part.name);
+  const CadMeasures cad = measure(part.build());
+  printCloseness(requireCloseToCad(input, output, cad), cad);
+}
+
+bool run(const std::vector<std::string>& arguments) {
+  if (arguments.size() == 5 && arguments[0] == "write") {
+    write(partNamed(arguments[1]), std::stod(arguments[2]), arguments[3], arguments[4]);
+    return true;
+  }
+  if (arguments.size() == 5 && arguments[0] == "show") {
+    show(partNamed(arguments[1]), arguments[2], arguments[3], arguments[4]);
+    return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  return orvml_examples::runProgram(argc, argv,
+                                    "preprocessor write PART SIZE INPUT.h5 SENT.json\n"
+                                    "       preprocessor show PART INPUT.h5 OUTPUT.h5 SENT.json\n"
+                                    "PART is flange or lug, SIZE the length of edges in mm",
+                                    run);
+}

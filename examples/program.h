@@ -1,0 +1,36 @@
+#pragma once
+
+#include "exchange/check.h"
+
+#include <cstdio>
+#include <exception>
+#include <string>
+#include <vector>
+
+namespace orvml_examples {
+
+/// Runs the body of a program: its exit status is 0, 1 with a message when something failed, or 2
+/// when the body answers false because it does not know the arguments.
+template <class Body>
+int runProgram(int argc, char** argv, const char* usage, Body body) {
+  const std::vector<std::string> arguments(argv + 1, argv + argc);
+  std::string failure;
+  try {
+    if (body(arguments)) {
+      return 0;
+    }
+    (void)std::fprintf(stderr, "usage: %s\n", usage);
+    return 2;
+  } catch (const CheckFailed& failed) {
+    failure = std::string("check failed: ") + failed.what();
+  } catch (const std::exception& failed) {
+    failure = failed.what();
+  } catch (const std::string& gmshMessage) {
+    failure = "Gmsh: " + gmshMessage;
+  }
+  (void)std::fflush(stdout);  // so that the failure is the last thing seen
+  (void)std::fprintf(stderr, "%s: %s\n", argv[0], failure.c_str());
+  return 1;
+}
+
+}  // namespace orvml_examples
