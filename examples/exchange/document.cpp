@@ -77,6 +77,18 @@ Document::~Document() {
   OrvML_IO_DeleteOrvInputHandle(handle_);
 }
 
+Document Document::cloneInput() const {
+  void* handle = OrvML_IO_NewOrvInputHandle(handle_);
+  require(handle != nullptr, "OrvML_IO_NewOrvInputHandle gave no copy of a document");
+  return Document(handle, false);
+}
+
+bool Document::equalsInput(const Document& other) const {
+  // The comparison looks at what its first side has, so both sides have to be first once.
+  return OrvML_IO_OrvInputsAreEqual(handle_, other.handle_) &&
+         OrvML_IO_OrvInputsAreEqual(other.handle_, handle_);
+}
+
 void Document::writeInput(const std::string& path) const {
   requireOk(OrvML_IO_WriteOrvInput(path.c_str(), handle_), "OrvML_IO_WriteOrvInput(" + path + ")");
 }
@@ -84,6 +96,11 @@ void Document::writeInput(const std::string& path) const {
 void Document::writeOutput(const std::string& path) const {
   requireOk(OrvML_IO_WriteOrvOutput(path.c_str(), handle_),
             "OrvML_IO_WriteOrvOutput(" + path + ")");
+}
+
+void Document::printMesh(const std::string& path) const {
+  requireOk(OrvML_IO_WriteMeshInOrvFormat(path.c_str(), handle_),
+            "OrvML_IO_WriteMeshInOrvFormat(" + path + ")");
 }
 
 Identification Document::identification() const {

@@ -30,8 +30,15 @@ class Document {
   Document& operator=(const Document&) = delete;
   ~Document();
 
+  /// A deep copy that stands for itself: it outlives this document and its arrays.
+  [[nodiscard]] Document cloneInput() const;
+  /// Whether this and the other hold the same mesh, attributes and scalar parameters.
+  [[nodiscard]] bool equalsInput(const Document& other) const;
+
   void writeInput(const std::string& path) const;
   void writeOutput(const std::string& path) const;
+  /// Prints the mesh as text.
+  void printMesh(const std::string& path) const;
 
   [[nodiscard]] Identification identification() const;
   [[nodiscard]] int dimension() const;

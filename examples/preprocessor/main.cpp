@@ -8,6 +8,7 @@
 #include "exchange/surface_checks.h"
 #include "gmsh_session.h"
 #include "preprocessor/cad_measures.h"
+#include "preprocessor/input_checks.h"
 #include "preprocessor/input_document.h"
 #include "preprocessor/output_checks.h"
 #include "program.h"
@@ -28,8 +29,10 @@ void requireSoundSurface(const Part& part, const Mesh& mesh) {
           "the part has the Euler characteristic " + std::to_string(part.eulerCharacteristic));
 }
 
-void write(const Part& part, double size, const std::string& inputFile,
-           const std::string& recordFile) {
+/// Builds the document and sends it. What comes back is a copy: the document itself and the arrays
+/// that it was built from are gone by then.
+Document sendKeepingACopy(const Part& part, double size, const std::string& inputFile,
+                          const std::string& recordFile) {
   const GmshSession session(part.name);
   const CadModel model = part.build();
   const CadMeasures cad = measure(model);
@@ -41,6 +44,17 @@ void write(const Part& part, double size, const std::string& inputFile,
   recordOf(document, "OrvInput").save(recordFile);
   document.writeInput(inputFile);
   printCounts("Wrote an input document", document);
+  return document.cloneInput();
+}
+
+void write(const Part& part, double size, const std::string& inputFile,
+           const std::string& recordFile) {
+  const Document copy = sendKeepingACopy(part, size, inputFile, recordFile);
+  requireEqualWhenReadBack(copy, inputFile);
+  const std::string textFile = inputFile + ".txt";
+  printMeshAndRequireItWhole(copy, textFile);
+  std::printf("  a copy of it equals what the file reads back; its mesh as text: %s\n",
+              textFile.c_str());
 }
 
 void printCloseness(const Closeness& closeness, const CadMeasures& cad) {
