@@ -5,15 +5,7 @@
 
 namespace orvml_io {
 
-// The HDF5 calls that every reader and writer shares. `tryOpenX` may fail: the caller tests it.
-
-inline DatasetId tryOpenDataset(hid_t file, const Path& path) noexcept {
-  return DatasetId(H5Dopen2(file, path.c_str(), H5P_DEFAULT));
-}
-
-inline GroupId tryOpenGroup(hid_t file, const Path& path) noexcept {
-  return GroupId(H5Gopen2(file, path.c_str(), H5P_DEFAULT));
-}
+// The HDF5 calls that every reader and writer shares.
 
 /// Creates a group. Contract: a failure is ignored, so an existing group is used as it is, and a
 /// group that cannot be made shows when the first dataset in it fails.

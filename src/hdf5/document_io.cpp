@@ -6,6 +6,7 @@
 #include "hdf5/kept_open.h"
 #include "hdf5/layout.h"
 #include "hdf5/probes.h"
+#include "hdf5/source_file.h"
 #include "hdf5/status.h"
 #include "model/document.h"
 
@@ -23,7 +24,7 @@ int writeRootText(hid_t file, const char* name, const char* text) {
   return H5LTset_attribute_string(file, layout::kRoot, name, text) < 0 ? kFailed : kOk;
 }
 
-bool readRootText(hid_t file, const char* name, std::string& text) {
+bool readRootText(const SourceFile& file, const char* name, std::string& text) {
   return Orv_H5_GetAttributeIfExists(file, layout::kRoot, name, text) >= 0;
 }
 
@@ -45,7 +46,7 @@ int OrvInputAndOrvOutput::WriteModuleNameAndVersion(hid_t file) const {
   return writeRootText(file, layout::kModuleFormatVersion, moduleFormatVersion);
 }
 
-int OrvInputAndOrvOutput::ReadIOCreator(hid_t file) {
+int OrvInputAndOrvOutput::ReadIOCreator(const SourceFile& file) {
   std::string text;
   if (readRootText(file, layout::kIOCreator, text)) {
     copyIdentification(ioCreator, text.c_str());
@@ -53,7 +54,7 @@ int OrvInputAndOrvOutput::ReadIOCreator(hid_t file) {
   return kOk;
 }
 
-int OrvInputAndOrvOutput::ReadModuleNameAndVersion(hid_t file) {
+int OrvInputAndOrvOutput::ReadModuleNameAndVersion(const SourceFile& file) {
   std::string text;
   if (readRootText(file, layout::kModuleName, text)) {
     copyIdentification(moduleName, text == kOctreeMesherOldSpelling ? kOctreeMesher : text.c_str());
@@ -64,20 +65,20 @@ int OrvInputAndOrvOutput::ReadModuleNameAndVersion(hid_t file) {
   return kOk;
 }
 
-int OrvInputAndOrvOutput::ReadFormatVersion(hid_t file) {
+int OrvInputAndOrvOutput::ReadFormatVersion(const SourceFile& file) {
   std::string text;
   const bool found = readRootText(file, layout::kFormatVersion, text);
   copyIdentification(fileFormatVersion, found ? text.c_str() : "");
   return kOk;
 }
 
-int OrvInputAndOrvOutput::ReadSpatialDimension(hid_t file, const char* group) {
+int OrvInputAndOrvOutput::ReadSpatialDimension(const SourceFile& file, const char* group) {
   meshDimension = -1;
   Path path(group);
   if (!path.append(layout::kDimension)) {
     return kFailed;
   }
-  const DatasetId dataset = tryOpenDataset(file, path);
+  const DatasetId dataset = file.tryOpenDataset(path);
   int dimension = -1;
   if (!dataset.valid() || !isVectorOfLength(dataset.get(), 1, sizeof(int)) ||
       readValues(dataset.get(), &dimension) != kOk) {
@@ -105,10 +106,11 @@ int OrvInputAndOrvOutput::WriteCommonPart(hid_t file, const char* group,
   return WriteParametersVector(file, group, version);
 }
 
-int OrvInputAndOrvOutput::ReadCommonPart(hid_t file, const char* group) {
-  GroupId opened = tryOpenGroup(file, Path(group));
+int OrvInputAndOrvOutput::ReadCommonPart(const SourceFile& file, const char* group) {
+  GroupId opened = file.tryOpenGroup(Path(group));
   if (!opened.valid()) {
-    return kOk;  // Contract: no error here; the dimension stays as it was, which readers test.
+    // Contract: no error here; the dimension stays as it was, which readers test.
+    return file.hasRefused() ? kFailed : kOk;
   }
   (void)keepOpen(std::move(opened), KeptOpen::documentGroup);
   // The version comes first: the readers of attributes and parameters select their layout by it.
@@ -123,15 +125,17 @@ int OrvInputAndOrvOutput::ReadCommonPart(hid_t file, const char* group) {
   any.add(ReadElements(file, group));
   any.add(ReadParametersScalar(file, group));
   any.add(ReadParametersVector(file, group));
+  // What comes from another file counts as an object that failed to read, wherever it was met.
+  any.add(file.hasRefused() ? kFailed : kOk);
   return any.status();
 }
 
-int OrvInput::Read(hid_t file) {
-  return file < 0 ? kFailed : ReadCommonPart(file, layout::kOrvInput);
+int OrvInput::Read(const SourceFile& file) {
+  return !file.valid() ? kFailed : ReadCommonPart(file, layout::kOrvInput);
 }
 
-int OrvOutput::Read(hid_t file) {
-  return file < 0 ? kFailed : ReadCommonPart(file, layout::kOrvOutput);
+int OrvOutput::Read(const SourceFile& file) {
+  return !file.valid() ? kFailed : ReadCommonPart(file, layout::kOrvOutput);
 }
 
 }  // namespace orvml_io

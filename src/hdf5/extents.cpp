@@ -1,9 +1,9 @@
 #include "hdf5/extents.h"
 
 #include "hdf5/id.h"
+#include "hdf5/limits.h"
 
 #include <array>
-#include <climits>
 
 namespace orvml_io {
 
@@ -40,7 +40,7 @@ bool isStored(hid_t dataset, hsize_t bytes) {
 
 std::optional<int> vectorLength(hid_t dataset, std::size_t valueBytes) {
   const std::optional<Extents> extents = extentsOf(dataset);
-  if (!extents || extents->rank != 1 || extents->lengths[0] > hsize_t{INT_MAX} ||
+  if (!extents || extents->rank != 1 || extents->lengths[0] > hsize_t{kMostValues} ||
       !isStored(dataset, extents->lengths[0] * valueBytes)) {
     return std::nullopt;
   }
@@ -53,8 +53,8 @@ bool isVectorOfLength(hid_t dataset, int length, std::size_t valueBytes) {
 
 std::optional<TableExtents> tableExtents(hid_t dataset, std::size_t valueBytes) {
   const std::optional<Extents> extents = extentsOf(dataset);
-  if (!extents || extents->rank != 2 || extents->lengths[0] > hsize_t{INT_MAX} ||
-      extents->lengths[1] > hsize_t{INT_MAX}) {
+  if (!extents || extents->rank != 2 || extents->lengths[0] > hsize_t{kMostValues} ||
+      extents->lengths[1] > hsize_t{kMostValues}) {
     return std::nullopt;
   }
   const TableExtents table{static_cast<int>(extents->lengths[0]),
@@ -70,7 +70,7 @@ std::optional<int> sum32(const int* counts, int length) {
   long long sum = 0;
   for (int i = 0; i < length; ++i) {
     sum += counts[i];
-    if (counts[i] < 0 || sum > INT_MAX) {
+    if (counts[i] < 0 || sum > kMostValues) {
       return std::nullopt;
     }
   }
@@ -87,7 +87,7 @@ std::optional<int> connectivitySize32(const int* numberOfElementsByType,
   for (int i = 0; i < numberOfElementTypes; ++i) {
     const std::optional<int> group =
         product32(numberOfElementsByType[i], numberOfNodesByElement[i]);
-    if (!group || total + *group > INT_MAX) {
+    if (!group || total + *group > kMostValues) {
       return std::nullopt;
     }
     total += *group;
@@ -97,7 +97,7 @@ std::optional<int> connectivitySize32(const int* numberOfElementsByType,
 
 std::optional<int> product32(int rows, int columns) {
   const long long product = static_cast<long long>(rows) * columns;
-  if (rows < 0 || columns < 0 || product > INT_MAX) {
+  if (rows < 0 || columns < 0 || product > kMostValues) {
     return std::nullopt;
   }
   return static_cast<int>(product);

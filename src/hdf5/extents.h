@@ -17,12 +17,6 @@ struct TableExtents {
   int numberOfValues() const noexcept { return rows * columns; }
 };
 
-/// A dataset larger than this is read only when enough of it is stored.
-inline constexpr hsize_t kUnstoredBytesTolerated = hsize_t{1} << 20;
-
-/// The best that deflate can do: no honest dataset stores less than its size divided by this.
-inline constexpr hsize_t kBestCompressionRatio = 1100;
-
 /// Returns the length of a dataset of rank 1 that fits a 32-bit integer and is stored.
 [[nodiscard]] std::optional<int> vectorLength(hid_t dataset, std::size_t valueBytes);
 

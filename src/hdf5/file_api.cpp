@@ -3,6 +3,7 @@
 #include "hdf5/layout.h"
 #include "hdf5/probes.h"
 #include "hdf5/silence.h"
+#include "hdf5/source_file.h"
 #include "hdf5/status.h"
 #include "model/document.h"
 #include "orvml_io.h"
@@ -17,6 +18,7 @@ using orvml_io::OrvInput;
 using orvml_io::OrvInputAndOrvOutput;
 using orvml_io::OrvOutput;
 using orvml_io::Silence;
+using orvml_io::SourceFile;
 
 namespace layout = orvml_io::layout;
 
@@ -70,7 +72,7 @@ bool isAcceptedDimension(int dimension) { return dimension == 2 || dimension == 
 /// Creates a document and reads it. A document whose dimension is not accepted is deleted and the
 /// handle stays null; the result of the read is returned in either case.
 template <class Document>
-int readDocument(hid_t file, void*& handle) {
+int readDocument(const SourceFile& file, void*& handle) {
   auto document = std::make_unique<Document>();
   document->arraysOwnedByCaller = false;
   const int status = document->Read(file);
@@ -80,13 +82,15 @@ int readDocument(hid_t file, void*& handle) {
   return status;
 }
 
-int readInput(hid_t file, void*& handle) {
+int readInput(const SourceFile& file, void*& handle) {
   const int status = readDocument<OrvInput>(file, handle);
   // Contract: a rejected input is a failure, a rejected output keeps the result of its read.
   return handle == nullptr ? kFailed : status;
 }
 
-int readOutput(hid_t file, void*& handle) { return readDocument<OrvOutput>(file, handle); }
+int readOutput(const SourceFile& file, void*& handle) {
+  return readDocument<OrvOutput>(file, handle);
+}
 
 }  // namespace
 
@@ -158,9 +162,10 @@ int OrvML_IO_ReadOrvInputAndOrvOutput(const char* fileName, void*& inputHandle,
   if (!file.valid()) {
     return kOk;  // Contract: as for the input.
   }
-  int status = readInput(file.get(), inputHandle);
+  const SourceFile source(file.get());
+  int status = readInput(source, inputHandle);
   if (status == kOk) {
-    status = readOutput(file.get(), outputHandle);
+    status = readOutput(source, outputHandle);
   }
   const int closed = file.close();
   return status != kOk ? status : closed;

@@ -47,5 +47,6 @@ using DatasetId = OwnedId<H5Dclose>;
 using DataspaceId = OwnedId<H5Sclose>;
 using DatatypeId = OwnedId<H5Tclose>;
 using AttributeId = OwnedId<H5Aclose>;
+using PropertyListId = OwnedId<H5Pclose>;
 
 }  // namespace orvml_io

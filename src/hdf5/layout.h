@@ -1,7 +1,5 @@
 #pragma once
 
-#include <cstddef>
-
 namespace orvml_io::layout {
 
 // Names in an exchange file, in the order in which docs/format.md tells them. Sub-paths begin with
@@ -50,9 +48,6 @@ inline constexpr char kMaxId[] = "MAX_ID";
 
 /// The first format that keeps parameters and attributes by name; below, they are positional.
 inline constexpr double kFirstNamedFormat = 1.4;
-
-/// Bytes of a name in the parameter table, and of every name that is written, with the terminator.
-inline constexpr std::size_t kNameBytes = 80;
 
 /// Records in a chunk of the parameter table.
 inline constexpr unsigned kParametersChunk = 10;

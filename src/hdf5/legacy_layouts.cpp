@@ -9,6 +9,7 @@
 #include "hdf5/layout.h"
 #include "hdf5/links.h"
 #include "hdf5/probes.h"
+#include "hdf5/source_file.h"
 #include "hdf5/status.h"
 #include "model/document.h"
 
@@ -58,9 +59,9 @@ NewArray<T> tryReadVector(hid_t dataset, int length) {
 }
 
 /// The positions of a group that its "MAX_ID" covers; no answer when that is missing or below 1.
-std::optional<std::vector<int>> positionsOf(hid_t file, const Path& groupPath) {
+std::optional<std::vector<int>> positionsOf(const SourceFile& file, const Path& groupPath) {
   const std::optional<int> maxId = readIntegerAttribute(file, groupPath.c_str(), layout::kMaxId);
-  const GroupId group = tryOpenGroup(file, groupPath);
+  const GroupId group = file.tryOpenGroup(groupPath);
   if (!maxId || *maxId < 1 || !group.valid()) {
     return std::nullopt;
   }
@@ -68,11 +69,11 @@ std::optional<std::vector<int>> positionsOf(hid_t file, const Path& groupPath) {
 }
 
 template <class T>
-int readPositionedVectors(hid_t file, const char* groupPath, int count,
+int readPositionedVectors(const SourceFile& file, const char* groupPath, int count,
                           PositionedVectors<T>& vectors) {
   const Path parent(groupPath);
   const std::optional<std::vector<int>> positions =
-      file < 0 ? std::nullopt : positionsOf(file, parent);
+      !file.valid() ? std::nullopt : positionsOf(file, parent);
   if (!positions) {
     return kFailed;
   }
@@ -83,7 +84,7 @@ int readPositionedVectors(hid_t file, const char* groupPath, int count,
       any.add(kFailed);
       continue;
     }
-    DatasetId probe = tryOpenDataset(file, path);
+    DatasetId probe = file.tryOpenDataset(path);
     if (!probe.valid()) {
       continue;
     }
@@ -126,8 +127,9 @@ void storeAttributes(const PositionedVectors<T>& vectors, int count, const Attri
   }
 }
 
-int readAttributeGroup(hid_t file, const Path& path, int count, const AttributeGroup& group,
-                       ORVML_TYPE_OF_ENTITY entity, OML_AttributesVector& attributes) {
+int readAttributeGroup(const SourceFile& file, const Path& path, int count,
+                       const AttributeGroup& group, ORVML_TYPE_OF_ENTITY entity,
+                       OML_AttributesVector& attributes) {
   if (group.valueType == ORVML_INT) {
     PositionedVectors<int> vectors;
     const int status = ReadAttributesOldInt(file, path.c_str(), count, vectors);
@@ -167,7 +169,7 @@ void storeVolumesSizes(OrvInputAndOrvOutput& document, const double* values, int
 /// Reads the vectors of "/GenericMarkers" or "/GenericAttributes"; a missing or empty position is
 /// skipped, one that cannot be read counts as a failure.
 template <class T, class NameOf>
-int readGenericVectors(hid_t file, const Path& groupPath, OML_AttributesVector& store,
+int readGenericVectors(const SourceFile& file, const Path& groupPath, OML_AttributesVector& store,
                        NameOf nameOf) {
   const std::optional<std::vector<int>> positions = positionsOf(file, groupPath);
   if (!positions) {
@@ -184,7 +186,7 @@ int readGenericVectors(hid_t file, const Path& groupPath, OML_AttributesVector& 
     if (length == 0 || length == -1) {
       continue;
     }
-    const DatasetId dataset = tryOpenDataset(file, path);
+    const DatasetId dataset = file.tryOpenDataset(path);
     const NewArray<T> values =
         length > 0 && dataset.valid() ? tryReadVector<T>(dataset.get(), length) : nullptr;
     any.add(values ? kOk : kFailed);
@@ -228,19 +230,19 @@ int writeGenericVectors(hid_t file, const Path& groupPath, const OML_AttributesV
 
 }  // namespace
 
-int ReadAttributesOldInt(hid_t file, const char* groupPath, int count,
+int ReadAttributesOldInt(const SourceFile& file, const char* groupPath, int count,
                          PositionedVectors<int>& vectors) {
   return readPositionedVectors(file, groupPath, count, vectors);
 }
 
-int ReadAttributesOldDouble(hid_t file, const char* groupPath, int count,
+int ReadAttributesOldDouble(const SourceFile& file, const char* groupPath, int count,
                             PositionedVectors<double>& vectors) {
   return readPositionedVectors(file, groupPath, count, vectors);
 }
 
-int ReadAttributesOld(hid_t file, const char* containerPath, int count,
+int ReadAttributesOld(const SourceFile& file, const char* containerPath, int count,
                       OML_AttributesVector& attributes, ORVML_TYPE_OF_ENTITY entity) {
-  if (file < 0) {
+  if (!file.valid()) {
     return kFailed;
   }
   int status = kOk;
@@ -256,12 +258,12 @@ int ReadAttributesOld(hid_t file, const char* containerPath, int count,
   return status;
 }
 
-int OrvInputAndOrvOutput::ReadParametersScalarOld(hid_t file, const char* group) {
+int OrvInputAndOrvOutput::ReadParametersScalarOld(const SourceFile& file, const char* group) {
   Path path(group);
-  if (file < 0 || !path.append(layout::kParameters)) {
+  if (!file.valid() || !path.append(layout::kParameters)) {
     return kFailed;
   }
-  DatasetId probe = tryOpenDataset(file, path);
+  DatasetId probe = file.tryOpenDataset(path);
   if (!probe.valid()) {
     return kOk;
   }
@@ -288,10 +290,10 @@ int OrvInputAndOrvOutput::ReadParametersScalarOld(hid_t file, const char* group)
   return kOk;
 }
 
-int OrvInputAndOrvOutput::ReadParametersVectorOld(hid_t file, const char* group) {
+int OrvInputAndOrvOutput::ReadParametersVectorOld(const SourceFile& file, const char* group) {
   Path markers(group);
   Path attributes(group);
-  if (file < 0 || !markers.append(layout::kGenericMarkers) ||
+  if (!file.valid() || !markers.append(layout::kGenericMarkers) ||
       !attributes.append(layout::kGenericAttributes)) {
     return kFailed;
   }

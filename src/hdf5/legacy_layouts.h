@@ -29,15 +29,15 @@ using PositionedVectors = std::map<int, NewArray<T>>;
 /// Reads the vectors at the positions 0 to "MAX_ID" - 1 of a group, each of exactly `count` values.
 /// Returns 1 when "MAX_ID" is missing or below 1, and when a dataset could not be read; the other
 /// ones are read all the same.
-[[nodiscard]] int ReadAttributesOldInt(hid_t file, const char* groupPath, int count,
+[[nodiscard]] int ReadAttributesOldInt(const SourceFile& file, const char* groupPath, int count,
                                        PositionedVectors<int>& vectors);
-[[nodiscard]] int ReadAttributesOldDouble(hid_t file, const char* groupPath, int count,
+[[nodiscard]] int ReadAttributesOldDouble(const SourceFile& file, const char* groupPath, int count,
                                           PositionedVectors<double>& vectors);
 
 /// Reads the attribute vectors of a container from its up to four positional groups.
 ///
 /// Contract: the result is that of the last group that exists; an earlier failure is forgotten.
-[[nodiscard]] int ReadAttributesOld(hid_t file, const char* containerPath, int count,
+[[nodiscard]] int ReadAttributesOld(const SourceFile& file, const char* containerPath, int count,
                                     OML_AttributesVector& attributes, ORVML_TYPE_OF_ENTITY entity);
 
 /// The two tests of a version text that select a layout. They differ for a text that reads as NaN.

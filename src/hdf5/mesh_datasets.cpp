@@ -4,6 +4,7 @@
 #include "hdf5/extents.h"
 #include "hdf5/kept_open.h"
 #include "hdf5/layout.h"
+#include "hdf5/source_file.h"
 #include "hdf5/status.h"
 #include "model/document.h"
 
@@ -26,12 +27,13 @@ int makeGroupArray(hid_t file, const char* containerPath, const char* subPath, i
 }
 
 /// Reads a dataset that must hold exactly `length` ints; null when it does not or cannot be read.
-NewArray<int> tryReadInts(hid_t file, const char* containerPath, const char* subPath, int length) {
+NewArray<int> tryReadInts(const SourceFile& file, const char* containerPath, const char* subPath,
+                          int length) {
   Path path(containerPath);
   if (!path.append(subPath)) {
     return nullptr;
   }
-  const DatasetId dataset = tryOpenDataset(file, path);
+  const DatasetId dataset = file.tryOpenDataset(path);
   if (!dataset.valid() || !isVectorOfLength(dataset.get(), length, sizeof(int))) {
     return nullptr;
   }
@@ -71,7 +73,7 @@ int writeElems(const Elems* elems, hid_t file, const char* group, const char* su
 
 /// Reads one element container. A container that ends without cells is removed, with what the
 /// reader put into it: a document read from a file never holds an empty container.
-int readElems(Elems*& slot, hid_t file, const char* group, const char* subPath,
+int readElems(Elems*& slot, const SourceFile& file, const char* group, const char* subPath,
               const char* formatVersion, ORVML_TYPE_OF_ENTITY entity) {
   Path path(group);
   if (!path.append(subPath)) {
@@ -108,17 +110,17 @@ int Nodes::Write(hid_t file, const char* path, int dimension) const {
   return attributes.HDF5Write(file, attributesPath.c_str());
 }
 
-int Nodes::Read(hid_t file, const char* path, const char* formatVersion) {
+int Nodes::Read(const SourceFile& file, const char* path, const char* formatVersion) {
   Path coordinatesPath(path);
-  if (file < 0 || !coordinatesPath.append(layout::kCoordinates)) {
+  if (!file.valid() || !coordinatesPath.append(layout::kCoordinates)) {
     return kFailed;
   }
-  GroupId group = tryOpenGroup(file, Path(path));
+  GroupId group = file.tryOpenGroup(Path(path));
   if (!group.valid()) {
     return kFailed;  // Contract: the writer leaves the group out when there are no nodes.
   }
   (void)keepOpen(std::move(group), KeptOpen::containerGroup);
-  DatasetId probe = tryOpenDataset(file, coordinatesPath);
+  DatasetId probe = file.tryOpenDataset(coordinatesPath);
   if (!probe.valid()) {
     coords = nullptr;
     numberOfNodes = 0;
@@ -182,12 +184,12 @@ int Elems::WriteConnectivities(hid_t file, const char* path) const {
   return makeVector(file, connectivitiesPath, *size, connectivities);
 }
 
-int Elems::Read(hid_t file, const char* path, const char* formatVersion,
+int Elems::Read(const SourceFile& file, const char* path, const char* formatVersion,
                 ORVML_TYPE_OF_ENTITY entity) {
-  if (file < 0) {
+  if (!file.valid()) {
     return kFailed;
   }
-  GroupId group = tryOpenGroup(file, Path(path));
+  GroupId group = file.tryOpenGroup(Path(path));
   if (!group.valid()) {
     return kOk;  // Contract: unlike for nodes, a missing container is no error.
   }
@@ -202,12 +204,12 @@ int Elems::Read(hid_t file, const char* path, const char* formatVersion,
   return ReadAttributes(file, path, numberOfElements, formatVersion, entity);
 }
 
-int Elems::ReadElementTypes(hid_t file, const char* path) {
+int Elems::ReadElementTypes(const SourceFile& file, const char* path) {
   Path typesPath(path);
   if (!typesPath.append(layout::kElementTypes)) {
     return kFailed;
   }
-  DatasetId probe = tryOpenDataset(file, typesPath);
+  DatasetId probe = file.tryOpenDataset(typesPath);
   if (!probe.valid()) {
     numberOfElements = 0;
     return kOk;
@@ -234,7 +236,7 @@ int Elems::ReadElementTypes(hid_t file, const char* path) {
   return numberOfElements == 0 ? kOk : readShapesAndNodeCounts(file, path, dataset);
 }
 
-int Elems::readShapesAndNodeCounts(hid_t file, const char* path, hid_t typesDataset) {
+int Elems::readShapesAndNodeCounts(const SourceFile& file, const char* path, hid_t typesDataset) {
   const NewArray<int> shapes = makeNewArray<int>(numberOfElementTypes);
   if (readValues(typesDataset, shapes.get()) != kOk) {
     return kFailed;
@@ -251,7 +253,7 @@ int Elems::readShapesAndNodeCounts(hid_t file, const char* path, hid_t typesData
   return kOk;
 }
 
-int Elems::ReadConnectivities(hid_t file, const char* path) {
+int Elems::ReadConnectivities(const SourceFile& file, const char* path) {
   const std::optional<int> size =
       connectivitySize32(numberOfElementsByType, numberOfNodesByElement, numberOfElementTypes);
   if (!size) {
@@ -285,7 +287,7 @@ int OrvInputAndOrvOutput::WriteElements(hid_t file, const char* group) const {
   return writeElems(elements, file, group, layout::kElements);
 }
 
-int OrvInputAndOrvOutput::ReadNodes(hid_t file, const char* group) {
+int OrvInputAndOrvOutput::ReadNodes(const SourceFile& file, const char* group) {
   Path path(group);
   if (!path.append(layout::kNodes)) {
     return kFailed;
@@ -304,15 +306,15 @@ int OrvInputAndOrvOutput::ReadNodes(hid_t file, const char* group) {
   return status;
 }
 
-int OrvInputAndOrvOutput::ReadEdges(hid_t file, const char* group) {
+int OrvInputAndOrvOutput::ReadEdges(const SourceFile& file, const char* group) {
   return readElems(edges, file, group, layout::kEdges, fileFormatVersion, ORVML_EDGES);
 }
 
-int OrvInputAndOrvOutput::ReadFaces(hid_t file, const char* group) {
+int OrvInputAndOrvOutput::ReadFaces(const SourceFile& file, const char* group) {
   return readElems(faces, file, group, layout::kFaces, fileFormatVersion, ORVML_FACES);
 }
 
-int OrvInputAndOrvOutput::ReadElements(hid_t file, const char* group) {
+int OrvInputAndOrvOutput::ReadElements(const SourceFile& file, const char* group) {
   return readElems(elements, file, group, layout::kElements, fileFormatVersion, ORVML_ELEMENTS);
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "hdf5/limits.h"
+
 #include <cstddef>
 #include <cstring>
 #include <string_view>
@@ -9,15 +11,13 @@ namespace orvml_io {
 /// An absolute path inside a file, of at most 1023 bytes. What does not fit is refused, never cut.
 class Path {
  public:
-  static constexpr std::size_t kMaximumLength = 1023;
-
   /// Starts with a parent path. A parent that does not fit leaves the path unusable: every later
   /// append is refused too.
   explicit Path(std::string_view parent) noexcept { (void)append(parent); }
 
   /// Adds a text as it is; a sub-path brings its own leading slash.
   [[nodiscard]] bool append(std::string_view text) noexcept {
-    if (!fits_ || text.size() > kMaximumLength - length_) {
+    if (!fits_ || text.size() > kLongestPath - length_) {
       fits_ = false;
       return false;
     }
@@ -37,7 +37,7 @@ class Path {
  private:
   bool fits_ = true;
   std::size_t length_ = 0;
-  char bytes_[kMaximumLength + 1] = {};
+  char bytes_[kLongestPath + 1] = {};
 };
 
 }  // namespace orvml_io

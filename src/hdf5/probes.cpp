@@ -13,9 +13,9 @@ namespace orvml_io {
 namespace {
 
 /// Opens an attribute that holds exactly one value of the type class; invalid otherwise.
-AttributeId tryOpenSingleValue(hid_t location, const char* objectPath, const char* name,
+AttributeId tryOpenSingleValue(const SourceFile& file, const char* objectPath, const char* name,
                                H5T_class_t typeClass) {
-  AttributeId attribute(H5Aopen_by_name(location, objectPath, name, H5P_DEFAULT, H5P_DEFAULT));
+  AttributeId attribute = file.tryOpenAttribute(objectPath, name);
   if (!attribute.valid()) {
     return AttributeId();
   }
@@ -70,20 +70,20 @@ std::optional<std::string> readFixedLengthText(hid_t attribute, hid_t fileType) 
 
 }  // namespace
 
-bool Orv_H5_GroupExists(hid_t location, const char* path) {
-  return H5Gget_objinfo(location, path, false, nullptr) == 0;
+bool Orv_H5_GroupExists(const SourceFile& file, const char* path) {
+  return H5Gget_objinfo(file.id(), path, false, nullptr) == 0;
 }
 
 bool Orv_H5_AttributeExists(hid_t location, const char* name) {
   return H5LTfind_attribute(location, name) != 0;
 }
 
-int Orv_H5_GetAttributeIfExists(hid_t location, const char* objectPath, const char* name,
+int Orv_H5_GetAttributeIfExists(const SourceFile& file, const char* objectPath, const char* name,
                                 std::string& text) {
-  if (!Orv_H5_AttributeExists(location, name)) {
+  if (!Orv_H5_AttributeExists(file.id(), name)) {
     return -1;
   }
-  const AttributeId attribute = tryOpenSingleValue(location, objectPath, name, H5T_STRING);
+  const AttributeId attribute = tryOpenSingleValue(file, objectPath, name, H5T_STRING);
   if (!attribute.valid()) {
     return -1;
   }
@@ -98,8 +98,8 @@ int Orv_H5_GetAttributeIfExists(hid_t location, const char* objectPath, const ch
   return 0;
 }
 
-int Orv_H5_GetVectorDimension(hid_t location, const char* path, std::size_t valueBytes) {
-  DatasetId dataset(H5Dopen2(location, path, H5P_DEFAULT));
+int Orv_H5_GetVectorDimension(const SourceFile& file, const char* path, std::size_t valueBytes) {
+  DatasetId dataset = file.tryOpenDataset(path);
   if (!dataset.valid()) {
     return -1;
   }
@@ -107,8 +107,9 @@ int Orv_H5_GetVectorDimension(hid_t location, const char* path, std::size_t valu
   return vectorLength(probe, valueBytes).value_or(kNotAVector);
 }
 
-std::optional<int> readIntegerAttribute(hid_t location, const char* objectPath, const char* name) {
-  const AttributeId attribute = tryOpenSingleValue(location, objectPath, name, H5T_INTEGER);
+std::optional<int> readIntegerAttribute(const SourceFile& file, const char* objectPath,
+                                        const char* name) {
+  const AttributeId attribute = tryOpenSingleValue(file, objectPath, name, H5T_INTEGER);
   int value = 0;
   if (!attribute.valid() || H5Aread(attribute.get(), H5T_NATIVE_INT, &value) < 0) {
     return std::nullopt;
@@ -116,7 +117,7 @@ std::optional<int> readIntegerAttribute(hid_t location, const char* objectPath, 
   return value;
 }
 
-bool IsOrvMeshLibraryIOFormat(hid_t file) {
+bool IsOrvMeshLibraryIOFormat(const SourceFile& file) {
   std::string marker;
   return Orv_H5_GetAttributeIfExists(file, layout::kRoot, layout::kFormat, marker) == 0 &&
          marker == layout::kFormatMarker;

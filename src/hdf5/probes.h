@@ -1,26 +1,28 @@
 #pragma once
 
 #include "hdf5/id.h"
+#include "hdf5/source_file.h"
 
 #include <optional>
 #include <string>
 
 namespace orvml_io {
 
-/// Tells whether an object of any kind, or a link to one, exists at the path.
-[[nodiscard]] bool Orv_H5_GroupExists(hid_t location, const char* path);
+/// Tells whether an object of any kind, or a link to one, exists at the path. The last link is not
+/// followed, and the groups before it have been opened by its readers already.
+[[nodiscard]] bool Orv_H5_GroupExists(const SourceFile& file, const char* path);
 
 /// Tells whether the location itself has the attribute. A failed search counts as found.
 [[nodiscard]] bool Orv_H5_AttributeExists(hid_t location, const char* name);
 
 /// Reads one string attribute of an object.
 ///
-/// Contract: whether the attribute exists is asked of `location` (of the root group when it is a
-/// file), not of the object at the path. Flags that were written on member datasets are therefore
-/// never found again, and documents read back without them.
+/// Contract: whether the attribute exists is asked of the file's root group, not of the object at
+/// the path. Flags that were written on member datasets are therefore never found again, and
+/// documents read back without them.
 ///
 /// @return 0 and the text; -1 when the attribute is missing or is not one string
-[[nodiscard]] int Orv_H5_GetAttributeIfExists(hid_t location, const char* objectPath,
+[[nodiscard]] int Orv_H5_GetAttributeIfExists(const SourceFile& file, const char* objectPath,
                                               const char* name, std::string& text);
 
 /// The dataset has another rank than 1, or more values than a vector can hold.
@@ -30,15 +32,15 @@ inline constexpr int kNotAVector = -2;
 /// no vector.
 ///
 /// Contract: the dataset stays open (KeptOpen::extentProbe).
-[[nodiscard]] int Orv_H5_GetVectorDimension(hid_t location, const char* path,
+[[nodiscard]] int Orv_H5_GetVectorDimension(const SourceFile& file, const char* path,
                                             std::size_t valueBytes);
 
 /// Reads one integer attribute of an object; no answer when it is missing or not one integer.
-[[nodiscard]] std::optional<int> readIntegerAttribute(hid_t location, const char* objectPath,
-                                                      const char* name);
+[[nodiscard]] std::optional<int> readIntegerAttribute(const SourceFile& file,
+                                                      const char* objectPath, const char* name);
 
 /// Tells whether the root attribute "FORMAT" is exactly the marker of exchange files.
-[[nodiscard]] bool IsOrvMeshLibraryIOFormat(hid_t file);
+[[nodiscard]] bool IsOrvMeshLibraryIOFormat(const SourceFile& file);
 
 /// Opens an exchange file read-only; an invalid identifier when it cannot be opened or is no
 /// exchange file.

@@ -6,8 +6,10 @@
 #include "hdf5/extents.h"
 #include "hdf5/layout.h"
 #include "hdf5/legacy_layouts.h"
+#include "hdf5/limits.h"
 #include "hdf5/links.h"
 #include "hdf5/probes.h"
+#include "hdf5/source_file.h"
 #include "hdf5/status.h"
 #include "model/document.h"
 
@@ -24,7 +26,7 @@ namespace {
 
 /// One record of the parameter table. Size and offsets are part of the file format.
 struct ParameterRecord {
-  char name[layout::kNameBytes];
+  char name[kNameBytes];
   double value;
 };
 static_assert(sizeof(ParameterRecord) == 88 && offsetof(ParameterRecord, value) == 80,
@@ -36,7 +38,7 @@ constexpr std::size_t kFieldOffsets[kNumberOfFields] = {offsetof(ParameterRecord
 
 DatatypeId makeNameType() {
   DatatypeId type(H5Tcopy(H5T_C_S1));
-  if (!type.valid() || H5Tset_size(type.get(), layout::kNameBytes) < 0) {
+  if (!type.valid() || H5Tset_size(type.get(), kNameBytes) < 0) {
     return DatatypeId();
   }
   return type;
@@ -72,11 +74,11 @@ bool isParameterTable(hid_t dataset) {
   const DatatypeId type(H5Dget_type(dataset));
   return type.valid() && H5Tget_class(type.get()) == H5T_COMPOUND &&
          H5Tget_nmembers(type.get()) == kNumberOfFields &&
-         isField(type.get(), 0, layout::kParameterNameField, H5T_STRING, layout::kNameBytes) &&
+         isField(type.get(), 0, layout::kParameterNameField, H5T_STRING, kNameBytes) &&
          isField(type.get(), 1, layout::kParameterValueField, H5T_FLOAT, sizeof(double));
 }
 
-bool fitsName(const std::string& name) { return name.size() < layout::kNameBytes; }
+bool fitsName(const std::string& name) { return name.size() < kNameBytes; }
 
 /// Lays the parameters out as records, in ascending order of their names. The bytes behind a name
 /// are zeros, so that no stray memory reaches a file. No answer when a name does not fit.
@@ -126,7 +128,7 @@ int readMember(hid_t dataset, const std::string& name, int length, bool mustBeTr
 
 /// Contract: the flag is looked for on the group, and only when the root group has an attribute of
 /// that name, while writers put it on the members. Files of this library read back without flags.
-bool readMustBeTransmitted(hid_t file, const char* groupPath) {
+bool readMustBeTransmitted(const SourceFile& file, const char* groupPath) {
   std::string text;
   return Orv_H5_GetAttributeIfExists(file, groupPath, layout::kMustBeTransmitted, text) >= 0 &&
          std::strtol(text.c_str(), nullptr, 10) != 0;
@@ -134,13 +136,13 @@ bool readMustBeTransmitted(hid_t file, const char* groupPath) {
 
 /// Reads the member of a group behind one link. A link that is no dataset, and a dataset that holds
 /// neither integers nor floats, is skipped.
-int readLinkedMember(hid_t file, const char* groupPath, const std::string& name,
+int readLinkedMember(const SourceFile& file, const char* groupPath, const std::string& name,
                      OML_AttributesVector& store) {
   Path path(groupPath);
   if (!path.appendMember(name)) {
     return kFailed;
   }
-  const DatasetId dataset = tryOpenDataset(file, path);
+  const DatasetId dataset = file.tryOpenDataset(path);
   if (!dataset.valid()) {
     return kOk;
   }
@@ -156,10 +158,11 @@ int readLinkedMember(hid_t file, const char* groupPath, const std::string& name,
                    : readMember<double>(dataset.get(), name, length, mustBeTransmitted, store);
 }
 
-int readAttributes(hid_t file, const char* containerPath, int count, const char* formatVersion,
-                   ORVML_TYPE_OF_ENTITY entity, OML_AttributesVector& attributes) {
+int readAttributes(const SourceFile& file, const char* containerPath, int count,
+                   const char* formatVersion, ORVML_TYPE_OF_ENTITY entity,
+                   OML_AttributesVector& attributes) {
   Path path(containerPath);
-  if (file < 0 || !path.append(layout::kAttributes)) {
+  if (!file.valid() || !path.append(layout::kAttributes)) {
     return kFailed;
   }
   if (isBelowNamedFormat(formatVersion)) {
@@ -197,8 +200,8 @@ int OrvInputAndOrvOutput::WriteParametersScalar(hid_t file, const char* group,
   return made < 0 ? kFailed : kOk;
 }
 
-int OrvInputAndOrvOutput::ReadParametersScalar(hid_t file, const char* group) {
-  if (file < 0) {
+int OrvInputAndOrvOutput::ReadParametersScalar(const SourceFile& file, const char* group) {
+  if (!file.valid()) {
     return kFailed;
   }
   if (isNotAtLeastNamedFormat(fileFormatVersion)) {
@@ -208,7 +211,7 @@ int OrvInputAndOrvOutput::ReadParametersScalar(hid_t file, const char* group) {
   if (!path.append(layout::kParameters)) {
     return kFailed;
   }
-  const DatasetId dataset = tryOpenDataset(file, path);
+  const DatasetId dataset = file.tryOpenDataset(path);
   if (!dataset.valid()) {
     return kFailed;  // Contract: a document without scalar parameters has no table and reports 1.
   }
@@ -222,7 +225,7 @@ int OrvInputAndOrvOutput::ReadParametersScalar(hid_t file, const char* group) {
     return kFailed;
   }
   for (ParameterRecord& record : records) {
-    record.name[layout::kNameBytes - 1] = '\0';  // other tools may fill the field to its last byte
+    record.name[kNameBytes - 1] = '\0';  // other tools may fill the field to its last byte
     parametersScalar.Set(record.name, record.value);
   }
   return kOk;
@@ -238,21 +241,22 @@ int OrvInputAndOrvOutput::WriteParametersVector(hid_t file, const char* group,
                                      : parametersVector.HDF5Write(file, path.c_str());
 }
 
-int OrvInputAndOrvOutput::ReadParametersVector(hid_t file, const char* group) {
+int OrvInputAndOrvOutput::ReadParametersVector(const SourceFile& file, const char* group) {
   Path path(group);
-  if (file < 0 || !path.append(layout::kParametersVector)) {
+  if (!file.valid() || !path.append(layout::kParametersVector)) {
     return kFailed;
   }
   return isBelowNamedFormat(fileFormatVersion) ? ReadParametersVectorOld(file, group)
                                                : parametersVector.HDF5Read(file, path.c_str());
 }
 
-int Nodes::ReadAttributes(hid_t file, const char* path, int count, const char* formatVersion) {
+int Nodes::ReadAttributes(const SourceFile& file, const char* path, int count,
+                          const char* formatVersion) {
   return readAttributes(file, path, count, formatVersion, ORVML_NODES, attributes);
 }
 
-int Elems::ReadAttributes(hid_t file, const char* path, int count, const char* formatVersion,
-                          ORVML_TYPE_OF_ENTITY entity) {
+int Elems::ReadAttributes(const SourceFile& file, const char* path, int count,
+                          const char* formatVersion, ORVML_TYPE_OF_ENTITY entity) {
   return readAttributes(file, path, count, formatVersion, entity, attributes);
 }
 
@@ -275,9 +279,9 @@ int OML_AttributesVector::HDF5Write(hid_t file, const char* groupPath) const {
   return kOk;
 }
 
-int OML_AttributesVector::HDF5Read(hid_t file, const char* groupPath) {
+int OML_AttributesVector::HDF5Read(const SourceFile& file, const char* groupPath) {
   const GroupId group =
-      Orv_H5_GroupExists(file, groupPath) ? tryOpenGroup(file, Path(groupPath)) : GroupId();
+      Orv_H5_GroupExists(file, groupPath) ? file.tryOpenGroup(Path(groupPath)) : GroupId();
   if (!group.valid()) {
     return kOk;
   }

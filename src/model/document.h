@@ -93,34 +93,34 @@ class OrvInputAndOrvOutput {
   // Exchange file: root attributes and dimension (src/hdf5/document_io.cpp)
   [[nodiscard]] int WriteIOCreator(hid_t file) const;
   [[nodiscard]] int WriteModuleNameAndVersion(hid_t file) const;
-  int ReadIOCreator(hid_t file);
-  int ReadModuleNameAndVersion(hid_t file);
-  int ReadFormatVersion(hid_t file);
-  [[nodiscard]] int ReadSpatialDimension(hid_t file, const char* group);
+  int ReadIOCreator(const SourceFile& file);
+  int ReadModuleNameAndVersion(const SourceFile& file);
+  int ReadFormatVersion(const SourceFile& file);
+  [[nodiscard]] int ReadSpatialDimension(const SourceFile& file, const char* group);
   [[nodiscard]] int WriteCommonPart(hid_t file, const char* group, const char* version) const;
-  [[nodiscard]] int ReadCommonPart(hid_t file, const char* group);
+  [[nodiscard]] int ReadCommonPart(const SourceFile& file, const char* group);
 
   // Exchange file: containers (src/hdf5/mesh_datasets.cpp)
   [[nodiscard]] int WriteNodes(hid_t file, const char* group) const;
   [[nodiscard]] int WriteEdges(hid_t file, const char* group) const;
   [[nodiscard]] int WriteFaces(hid_t file, const char* group) const;
   [[nodiscard]] int WriteElements(hid_t file, const char* group) const;
-  [[nodiscard]] int ReadNodes(hid_t file, const char* group);
-  [[nodiscard]] int ReadEdges(hid_t file, const char* group);
-  [[nodiscard]] int ReadFaces(hid_t file, const char* group);
-  [[nodiscard]] int ReadElements(hid_t file, const char* group);
+  [[nodiscard]] int ReadNodes(const SourceFile& file, const char* group);
+  [[nodiscard]] int ReadEdges(const SourceFile& file, const char* group);
+  [[nodiscard]] int ReadFaces(const SourceFile& file, const char* group);
+  [[nodiscard]] int ReadElements(const SourceFile& file, const char* group);
 
   // Exchange file: parameters (src/hdf5/value_datasets.cpp)
   [[nodiscard]] int WriteParametersScalar(hid_t file, const char* group, const char* version) const;
-  [[nodiscard]] int ReadParametersScalar(hid_t file, const char* group);
+  [[nodiscard]] int ReadParametersScalar(const SourceFile& file, const char* group);
   [[nodiscard]] int WriteParametersVector(hid_t file, const char* group, const char* version) const;
-  [[nodiscard]] int ReadParametersVector(hid_t file, const char* group);
+  [[nodiscard]] int ReadParametersVector(const SourceFile& file, const char* group);
 
   // Exchange file: parameters of formats older than 1.4 (src/hdf5/legacy_layouts.cpp)
   [[nodiscard]] int WriteParametersScalarOld(hid_t file, const char* group) const;
-  [[nodiscard]] int ReadParametersScalarOld(hid_t file, const char* group);
+  [[nodiscard]] int ReadParametersScalarOld(const SourceFile& file, const char* group);
   [[nodiscard]] int WriteParametersVectorOld(hid_t file, const char* group) const;
-  [[nodiscard]] int ReadParametersVectorOld(hid_t file, const char* group);
+  [[nodiscard]] int ReadParametersVectorOld(const SourceFile& file, const char* group);
 };
 
 /// The document that a pre-processor sends to a meshing module.
@@ -134,13 +134,13 @@ class OrvInput : public OrvInputAndOrvOutput {
   Callback statusCallback;
   Callback errorCallback;
 
-  [[nodiscard]] int Read(hid_t file);
+  [[nodiscard]] int Read(const SourceFile& file);
 };
 
 /// The document that a meshing module sends back.
 class OrvOutput : public OrvInputAndOrvOutput {
  public:
-  [[nodiscard]] int Read(hid_t file);
+  [[nodiscard]] int Read(const SourceFile& file);
 };
 
 /// Turns a document into its handle. A handle always points to the base class, whichever the kind.

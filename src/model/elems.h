@@ -54,16 +54,17 @@ class Elems {
   [[nodiscard]] int WriteElementTypes(hid_t file, const char* path) const;
   [[nodiscard]] int WriteConnectivities(hid_t file, const char* path) const;
   /// Reads the container's group into this (empty) container.
-  [[nodiscard]] int Read(hid_t file, const char* path, const char* formatVersion,
+  [[nodiscard]] int Read(const SourceFile& file, const char* path, const char* formatVersion,
                          ORVML_TYPE_OF_ENTITY entity);
-  [[nodiscard]] int ReadElementTypes(hid_t file, const char* path);
-  [[nodiscard]] int ReadConnectivities(hid_t file, const char* path);
+  [[nodiscard]] int ReadElementTypes(const SourceFile& file, const char* path);
+  [[nodiscard]] int ReadConnectivities(const SourceFile& file, const char* path);
   /// Reads the attribute vectors in the layout of the format version.
-  [[nodiscard]] int ReadAttributes(hid_t file, const char* path, int count,
+  [[nodiscard]] int ReadAttributes(const SourceFile& file, const char* path, int count,
                                    const char* formatVersion, ORVML_TYPE_OF_ENTITY entity);
 
  private:
-  [[nodiscard]] int readShapesAndNodeCounts(hid_t file, const char* path, hid_t typesDataset);
+  [[nodiscard]] int readShapesAndNodeCounts(const SourceFile& file, const char* path,
+                                            hid_t typesDataset);
 };
 
 }  // namespace orvml_io

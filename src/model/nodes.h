@@ -44,9 +44,9 @@ class Nodes {
   /// Writes the container's group; see src/hdf5/mesh_datasets.cpp.
   [[nodiscard]] int Write(hid_t file, const char* path, int dimension) const;
   /// Reads the container's group into this (empty) container.
-  [[nodiscard]] int Read(hid_t file, const char* path, const char* formatVersion);
+  [[nodiscard]] int Read(const SourceFile& file, const char* path, const char* formatVersion);
   /// Reads the attribute vectors in the layout of the format version.
-  [[nodiscard]] int ReadAttributes(hid_t file, const char* path, int count,
+  [[nodiscard]] int ReadAttributes(const SourceFile& file, const char* path, int count,
                                    const char* formatVersion);
 };
 

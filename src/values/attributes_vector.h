@@ -12,6 +12,8 @@
 
 namespace orvml_io {
 
+class SourceFile;  // src/hdf5/source_file.h
+
 inline constexpr char kIntCode = 'i';
 inline constexpr char kDoubleCode = 'd';
 
@@ -64,7 +66,7 @@ class OML_AttributesVector {
 
   /// Adds the int and float datasets of a group to the store; a missing group adds nothing and is
   /// no error. Returns 1 when a member could not be read; the others are read all the same.
-  [[nodiscard]] int HDF5Read(hid_t file, const char* groupPath);
+  [[nodiscard]] int HDF5Read(const SourceFile& file, const char* groupPath);
 
   /// Returns the entry of a name, valid until the store changes; null when the name is absent.
   const Entry* find(std::string_view name) const;

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <climits>
+#include <cstddef>
+
+namespace orvml_io {
+
+// Every limit of the library in one place; tests/hostile/limits_test.cpp tests each one below, at
+// and one above. What lies above is refused, never cut.
+
+/// Longest path inside a file, in bytes.
+inline constexpr std::size_t kLongestPath = 1023;
+
+/// Bytes of a name in the parameter table, and of every name that is written, with the terminator.
+inline constexpr std::size_t kNameBytes = 80;
+
+/// Most values of an array or entries of a list: the file format counts with 32-bit integers.
+inline constexpr int kMostValues = INT_MAX;
+
+/// A dataset of more bytes than this is read only when enough of it is stored.
+inline constexpr std::size_t kUnstoredBytesTolerated = std::size_t{1} << 20;
+
+/// The best that deflate can do: no honest dataset stores less than its size divided by this.
+inline constexpr std::size_t kBestCompressionRatio = 1100;
+
+}  // namespace orvml_io

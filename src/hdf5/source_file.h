@@ -1,0 +1,46 @@
+#pragma once
+
+#include "hdf5/id.h"
+#include "hdf5/path.h"
+
+namespace orvml_io {
+
+/// A file that is read, and the rule that everything read comes from that file: what a link or a
+/// storage description draws from another one is refused, so that a file from outside cannot make
+/// a process read the files of its user.
+///
+/// Refused are external links, also behind soft links, external raw storage and virtual datasets.
+/// They cannot be told from a missing object by the identifier alone; `hasRefused` tells.
+class SourceFile {
+ public:
+  /// Borrows the file. Implicit, because readers are handed HDF5's own identifier.
+  SourceFile(hid_t file) noexcept;
+  SourceFile(const SourceFile&) = delete;
+  SourceFile& operator=(const SourceFile&) = delete;
+  SourceFile(SourceFile&&) = delete;
+  SourceFile& operator=(SourceFile&&) = delete;
+  ~SourceFile() = default;
+
+  [[nodiscard]] bool valid() const noexcept { return file_ >= 0; }
+  [[nodiscard]] hid_t id() const noexcept { return file_; }
+
+  /// Tells whether anything that was asked for came from another file.
+  [[nodiscard]] bool hasRefused() const noexcept { return hasRefused_; }
+
+  [[nodiscard]] DatasetId tryOpenDataset(const char* path) const noexcept;
+  [[nodiscard]] DatasetId tryOpenDataset(const Path& path) const noexcept {
+    return tryOpenDataset(path.c_str());
+  }
+  [[nodiscard]] GroupId tryOpenGroup(const Path& path) const noexcept;
+  [[nodiscard]] AttributeId tryOpenAttribute(const char* objectPath,
+                                             const char* name) const noexcept;
+
+ private:
+  hid_t file_;
+  mutable bool hasRefused_ = false;  // HDF5's callback sets it while an object is being opened
+  PropertyListId datasetAccess_;
+  PropertyListId groupAccess_;
+  PropertyListId linkAccess_;
+};
+
+}  // namespace orvml_io
