@@ -1,4 +1,5 @@
 // Exported functions of the exchange files.
+#include "hdf5/file_lock.h"
 #include "hdf5/kept_open.h"
 #include "hdf5/layout.h"
 #include "hdf5/probes.h"
@@ -26,6 +27,9 @@ namespace {
 
 /// Creates a file and marks it as an exchange file; invalid when either fails.
 FileId tryCreateMarkedFile(const char* fileName, const char* version) {
+  if (orvml_io::isHeldByAnother(fileName)) {
+    return FileId();
+  }
   FileId file(H5Fcreate(fileName, H5F_ACC_TRUNC, H5P_DEFAULT, H5P_DEFAULT));
   if (!file.valid()) {
     return FileId();
