@@ -1,16 +1,28 @@
 # Flags live on targets, never on the whole build, so that a project that embeds the library keeps
 # its own.
 
-# HDF5 as a system dependency: its headers are not ours to warn about.
-add_library(orvml_io_hdf5 INTERFACE)
-target_include_directories(orvml_io_hdf5 SYSTEM INTERFACE ${HDF5_INCLUDE_DIRS})
-target_link_libraries(orvml_io_hdf5 INTERFACE ${HDF5_C_HL_LIBRARIES} ${HDF5_C_LIBRARIES})
-
 add_library(orvml_io_warnings INTERFACE)
 target_compile_options(orvml_io_warnings INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast -Wcast-qual
   -Wcast-align -Wnon-virtual-dtor -Woverloaded-virtual -Wdouble-promotion -Wformat=2 -Wundef
   $<$<BOOL:${ORVML_IO_WARNINGS_AS_ERRORS}>:-Werror>)
+
+# Sanitizers and coverage reach whatever is built with the target in this tree, never its package.
+function(orvml_io_instrument target)
+  set(flags)
+  if(ORVML_IO_SANITIZERS)
+    list(APPEND flags -fsanitize=${ORVML_IO_SANITIZERS})
+    target_compile_options(${target} PRIVATE -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  endif()
+  if(ORVML_IO_COVERAGE)
+    list(APPEND flags --coverage)
+    target_compile_options(${target} PRIVATE -O0 -fno-inline)
+  endif()
+  foreach(flag IN LISTS flags)
+    target_compile_options(${target} PUBLIC "$<BUILD_INTERFACE:${flag}>")
+    target_link_options(${target} PUBLIC "$<BUILD_INTERFACE:${flag}>")
+  endforeach()
+endfunction()
 
 # What every object of the project is compiled with, tests included.
 function(orvml_io_compile_settings target)
@@ -22,20 +34,13 @@ function(orvml_io_compile_settings target)
     # other defaults.
     set_target_properties(${target} PROPERTIES CXX_STANDARD 17)
   endif()
-  if(ORVML_IO_SANITIZERS)
-    target_compile_options(${target} PUBLIC
-      -fsanitize=${ORVML_IO_SANITIZERS} -fno-sanitize-recover=all -fno-omit-frame-pointer)
-    target_link_options(${target} PUBLIC -fsanitize=${ORVML_IO_SANITIZERS})
-  endif()
-  if(ORVML_IO_COVERAGE)
-    target_compile_options(${target} PUBLIC --coverage -O0 -fno-inline)
-    target_link_options(${target} PUBLIC --coverage)
-  endif()
+  orvml_io_instrument(${target})
 endfunction()
 
 # The names and the symbols of the shared library. Hidden visibility alone still exports weak
 # instances of the standard library's templates; the version script keeps them in.
 function(orvml_io_library_settings target)
+  orvml_io_instrument(${target})
   set_target_properties(${target} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION})
   if(BUILD_SHARED_LIBS)
     set(script "${PROJECT_SOURCE_DIR}/cmake/exported_symbols.map")
