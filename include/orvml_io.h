@@ -15,10 +15,10 @@
 //     is never accepted.
 //  4. Arrays of the mesh (coordinates, connectivities, type group arrays). Setters adopt the
 //     caller's pointers, they copy nothing: the arrays must outlive the document and stay the
-//     caller's. A document that was read from a file owns its arrays, and the mesh setters leave
-//     such a document as it is. The Delete...Content functions release arrays with `delete[]`
-//     whoever made them: a caller who clears a document of its own hands its arrays over, so they
-//     must come from `new[]`.
+//     caller's. A document that was read from a file, or cloned, owns its arrays, and the mesh
+//     setters leave such a document as it is. The Delete...Content functions release arrays with
+//     `delete[]` whoever made them: a caller who clears a document of its own hands its arrays
+//     over, so they must come from `new[]`.
 //  5. Vectors (vector parameters, attributes). Setters copy the caller's values. Getters hand out
 //     the document's own block, never a copy: the caller must not free it; it is valid until the
 //     name is deleted, its store cleared or the document deleted. Replacing a vector under an
@@ -188,7 +188,8 @@ ORVML_IO_EXPORT void* OrvML_IO_NewOrvInputHandleWithVolumeElements(
 /// A document that was read from a file releases all it holds. Of a document made by a constructor
 /// the mesh arrays stay the caller's and untouched, and so do the blocks of its attributes: they
 /// stay allocated and readable, because the caller may hold them (release them first with
-/// OrvML_IO_DeleteAttributesEntitiesVector()). Vector parameters are always released.
+/// OrvML_IO_DeleteAttributesEntitiesVector()). Vector parameters are always released, and so are
+/// the group arrays of one entry that the library made for a single-shape setter.
 ///
 /// @param[in,out] handle  input or output document; null is left alone
 ORVML_IO_EXPORT void OrvML_IO_DeleteOrvInputHandle(void*& handle);
@@ -470,6 +471,9 @@ ORVML_IO_EXPORT void OrvML_IO_SetElements(void* handle, int numberOfElements, in
 ///                                    indices, cell after cell; null empties an existing container
 /// @param[in] elementType             shape of all cells
 /// @param[in] numberOfNodesByElement  nodes of each cell
+/// @note The library makes group arrays of one entry. Setting the kind again leaves the earlier
+/// ones
+///       allocated, because a getter may have handed them out.
 ORVML_IO_EXPORT void OrvML_IO_SetGenericElements(void* handle, ORVML_TYPE_OF_ENTITY entity,
                                                  int numberOfElements, int* connectivities,
                                                  ElemType elementType, int numberOfNodesByElement);
@@ -649,8 +653,8 @@ ORVML_IO_EXPORT int OrvML_IO_DeleteAttribute(void* handle, const char* name,
                                              ORVML_TYPE_OF_ENTITY entity);
 
 /// Returns the number of attributes of a kind whose must-be-transmitted flag is set; 0 when there
-/// is no container. Files do not bring the flag back: after a read the answer is 0 (files of
-/// formats older than 1.4 excepted, whose user attributes get the flag).
+/// is no container. Files of this library do not bring the flag back: after a read the answer is 0
+/// (files of formats older than 1.4 excepted, whose user attributes get the flag).
 ORVML_IO_EXPORT int OrvML_IO_GetNumberOfAttributesThatMustBeTransmitted(
     void* handle, ORVML_TYPE_OF_ENTITY entity);
 
@@ -696,12 +700,14 @@ ORVML_IO_EXPORT int OrvML_IO_WriteOrvInputAndOrvOutput(const char* fileName, voi
 ///                             OrvML_IO_DeleteOrvInputHandle()
 /// @return 0 when read, and also when the file cannot be opened or is not an exchange file (the
 ///         handle stays null: test the handle); 1 when the file holds no input document or one
-///         whose dimension is not 2 or 3 (the handle stays null), and when a step failed (the
-///         handle then holds a partly read document)
+///         whose dimension is not 2 or 3 (the handle stays null), and when a step or closing the
+///         file failed (the handle then holds what was read)
 /// @note A document without nodes, or without scalar parameters, counts as partly read: 1 with a
 ///       valid handle.
 /// @note Once a document was found, HDF5 keeps the file open: reading it again works, writing to
 ///       that path in this process gives 1.
+/// @note Everything is read from that one file: an external link, external raw storage or a
+///       virtual dataset counts as an object that failed to read.
 ORVML_IO_EXPORT int OrvML_IO_ReadOrvInput(const char* fileName, void*& inputHandle);
 
 /// Reads the output document of an exchange file.
@@ -720,8 +726,9 @@ ORVML_IO_EXPORT int OrvML_IO_ReadOrvOutput(const char* fileName, void*& outputHa
 ///                              OrvML_IO_ReadOrvInput()
 /// @param[in,out] outputHandle  must be null on entry, else -1; on return as for
 ///                              OrvML_IO_ReadOrvOutput()
-/// @return the input's result when it is not 0, and then the output is not read; otherwise the
-///         output's
+/// @return 0 with both handles null when the file cannot be opened or is not an exchange file;
+///         otherwise the input's result when it is not 0, and then the output is not read;
+///         otherwise the output's; a negative number when only closing the file failed
 ORVML_IO_EXPORT int OrvML_IO_ReadOrvInputAndOrvOutput(const char* fileName, void*& inputHandle,
                                                       void*& outputHandle);
 

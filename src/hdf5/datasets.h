@@ -17,7 +17,12 @@ void createGroupIfAbsent(hid_t file, const Path& path) noexcept;
 /// Reads a whole dataset, converted to native doubles.
 [[nodiscard]] int readValues(hid_t dataset, double* values) noexcept;
 
-/// Makes a dataset of rank 1 from `length` values; null values leave it filled with zeros.
+/// Makes a dataset of rank 2, row-major. Null values make one that is filled with zeros, in storage
+/// of its own: readers refuse large datasets that are not stored.
+[[nodiscard]] int makeTable(hid_t file, const Path& path, int rows, int columns,
+                            const double* values) noexcept;
+
+/// Makes a dataset of rank 1 from `length` values; null values as above.
 [[nodiscard]] int makeVector(hid_t file, const Path& path, int length, const int* values) noexcept;
 [[nodiscard]] int makeVector(hid_t file, const Path& path, int length,
                              const double* values) noexcept;

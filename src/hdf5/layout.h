@@ -2,8 +2,8 @@
 
 namespace orvml_io::layout {
 
-// Names in an exchange file, in the order in which docs/format.md tells them. Sub-paths begin with
-// a slash: they are glued to the path of their parent.
+// Names in an exchange file, in the order of its tree. Sub-paths begin with a slash: they are glued
+// to the path of their parent.
 
 inline constexpr char kRoot[] = "/";
 inline constexpr char kFormat[] = "FORMAT";

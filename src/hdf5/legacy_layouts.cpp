@@ -59,13 +59,14 @@ NewArray<T> tryReadVector(hid_t dataset, int length) {
 }
 
 /// The positions of a group that its "MAX_ID" covers; no answer when that is missing or below 1.
+/// Any object may carry it; one that is no group has no positions.
 std::optional<std::vector<int>> positionsOf(const SourceFile& file, const Path& groupPath) {
   const std::optional<int> maxId = readIntegerAttribute(file, groupPath.c_str(), layout::kMaxId);
-  const GroupId group = file.tryOpenGroup(groupPath);
-  if (!maxId || *maxId < 1 || !group.valid()) {
+  if (!maxId || *maxId < 1) {
     return std::nullopt;
   }
-  return positionsBelow(group.get(), *maxId);
+  const GroupId group = file.tryOpenGroup(groupPath);
+  return group.valid() ? positionsBelow(group.get(), *maxId) : std::vector<int>();
 }
 
 template <class T>
@@ -169,14 +170,11 @@ void storeVolumesSizes(OrvInputAndOrvOutput& document, const double* values, int
 /// Reads the vectors of "/GenericMarkers" or "/GenericAttributes"; a missing or empty position is
 /// skipped, one that cannot be read counts as a failure.
 template <class T, class NameOf>
-int readGenericVectors(const SourceFile& file, const Path& groupPath, OML_AttributesVector& store,
+int readGenericVectors(const SourceFile& file, const Path& groupPath,
+                       const std::vector<int>& positions, OML_AttributesVector& store,
                        NameOf nameOf) {
-  const std::optional<std::vector<int>> positions = positionsOf(file, groupPath);
-  if (!positions) {
-    return kFailed;
-  }
   AnyFailure any;
-  for (const int position : *positions) {
+  for (const int position : positions) {
     Path path = groupPath;
     if (!path.appendMember(std::to_string(position))) {
       any.add(kFailed);
@@ -298,20 +296,27 @@ int OrvInputAndOrvOutput::ReadParametersVectorOld(const SourceFile& file, const 
     return kFailed;
   }
   AnyFailure any;
+  // Contract: a group without a usable "MAX_ID" ends the reading; without one for the markers the
+  // attributes are not read.
   if (Orv_H5_GroupExists(file, markers.c_str())) {
-    // Contract: a group without a usable "MAX_ID" ends the reading before the attributes.
-    if (!positionsOf(file, markers)) {
+    const std::optional<std::vector<int>> positions = positionsOf(file, markers);
+    if (!positions) {
       return kFailed;
     }
-    any.add(readGenericVectors<int>(file, markers, parametersVector,
+    any.add(readGenericVectors<int>(file, markers, *positions, parametersVector,
                                     [](int position) { return std::to_string(position); }));
   }
   if (Orv_H5_GroupExists(file, attributes.c_str())) {
+    const std::optional<std::vector<int>> positions = positionsOf(file, attributes);
+    if (!positions) {
+      return kFailed;
+    }
     const char* module = namingModule(*this);
-    any.add(readGenericVectors<double>(file, attributes, parametersVector, [module](int position) {
+    const auto nameOf = [module](int position) {
       return nameOrPosition(GetParameterNameFromDeprecatedGenericAttributeIndex(module, position),
                             position);
-    }));
+    };
+    any.add(readGenericVectors<double>(file, attributes, *positions, parametersVector, nameOf));
   }
   return any.status();
 }

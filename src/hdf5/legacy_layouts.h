@@ -16,8 +16,8 @@ namespace orvml_io {
 [[nodiscard]] const char* GetParameterNameFromDeprecatedGenericAttributeIndex(
     const char* moduleName, int position);
 
-/// Contract: for user doubles and function doubles of volume elements and their user ints the
-/// answer is the empty text where the table says so: an empty name is a name, not null.
+/// Contract: position 0 of the user ints and of the function doubles of volume elements has the
+/// empty text as its name: an empty name is a name, not null.
 [[nodiscard]] const char* GetAttributeNameFromDeprecatedAttributeIndex(
     const char* moduleName, int position, ORVML_TYPE_OF_ENTITY entity,
     ORVML_TYPE_OF_ATTRIBUTE attributeType, ORVML_TYPE_OF_VALUE valueType);

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <charconv>
+#include <new>
+#include <utility>
 
 namespace orvml_io {
 
@@ -18,37 +20,47 @@ std::optional<int> positionOf(const std::string& text) {
   return position;
 }
 
-}  // namespace
+/// The names found so far. Exceptions must not cross HDF5's own frames, so running out of memory is
+/// kept until they are left.
+struct Collection {
+  std::vector<std::string> names;
+  bool isOutOfMemory = false;
+};
 
-std::optional<hsize_t> numberOfLinks(hid_t group) {
-  H5G_info_t info;
-  if (H5Gget_info(group, &info) < 0) {
-    return std::nullopt;
+herr_t collectName(hid_t /*group*/, const char* name, const H5L_info_t* /*info*/, void* data) {
+  auto* collection = static_cast<Collection*>(data);
+  try {
+    collection->names.emplace_back(name);
+  } catch (const std::bad_alloc&) {
+    collection->isOutOfMemory = true;
+    return -1;
   }
-  return info.nlinks;
+  return 0;
 }
 
-std::optional<std::string> linkName(hid_t group, hsize_t index) {
-  const ssize_t length =
-      H5Lget_name_by_idx(group, ".", H5_INDEX_NAME, H5_ITER_INC, index, nullptr, 0, H5P_DEFAULT);
-  if (length < 0) {
+}  // namespace
+
+std::optional<std::vector<std::string>> linkNames(hid_t group) {
+  Collection collection;
+  const herr_t status =
+      H5Literate(group, H5_INDEX_NAME, H5_ITER_INC, nullptr, collectName, &collection);
+  if (collection.isOutOfMemory) {
+    throw std::bad_alloc();
+  }
+  if (status < 0) {
     return std::nullopt;
   }
-  std::string name(static_cast<std::size_t>(length) + 1, '\0');
-  if (H5Lget_name_by_idx(group, ".", H5_INDEX_NAME, H5_ITER_INC, index, name.data(), name.size(),
-                         H5P_DEFAULT) < 0) {
-    return std::nullopt;
-  }
-  name.pop_back();
-  return name;
+  return std::move(collection.names);
 }
 
 std::vector<int> positionsBelow(hid_t group, int end) {
   std::vector<int> positions;
-  const hsize_t links = numberOfLinks(group).value_or(0);
-  for (hsize_t i = 0; i < links; ++i) {
-    const std::optional<std::string> name = linkName(group, i);
-    const std::optional<int> position = name ? positionOf(*name) : std::nullopt;
+  const std::optional<std::vector<std::string>> names = linkNames(group);
+  if (!names) {
+    return positions;
+  }
+  for (const std::string& name : *names) {
+    const std::optional<int> position = positionOf(name);
     if (position && *position >= 0 && *position < end) {
       positions.push_back(*position);
     }

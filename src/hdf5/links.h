@@ -8,11 +8,9 @@
 
 namespace orvml_io {
 
-/// Returns the number of links in a group; no answer when HDF5 cannot tell.
-[[nodiscard]] std::optional<hsize_t> numberOfLinks(hid_t group);
-
-/// Returns the name of the link at a position in ascending order of the names.
-[[nodiscard]] std::optional<std::string> linkName(hid_t group, hsize_t index);
+/// Returns the names of all links of a group in ascending order; no answer when HDF5 cannot tell.
+/// One pass: asking for one name after the other costs more the further the name.
+[[nodiscard]] std::optional<std::vector<std::string>> linkNames(hid_t group);
 
 /// Returns the positions 0 to `end` - 1 that exist as links named by their decimal text, ascending.
 /// The work is bounded by the links of the group, whatever `end` claims.

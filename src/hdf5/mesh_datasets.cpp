@@ -4,11 +4,10 @@
 #include "hdf5/extents.h"
 #include "hdf5/kept_open.h"
 #include "hdf5/layout.h"
+#include "hdf5/limits.h"
 #include "hdf5/source_file.h"
 #include "hdf5/status.h"
 #include "model/document.h"
-
-#include <hdf5_hl.h>
 
 #include <algorithm>
 
@@ -47,6 +46,14 @@ NewArray<ElemType> toShapes(const int* values, int length) {
   std::transform(values, values + length, shapes.get(),
                  [](int value) { return static_cast<ElemType>(value); });
   return shapes;
+}
+
+/// A table without columns stores nothing, whatever its rows. Padding makes up to three columns of
+/// it, so only a small one is taken.
+bool isPaddedInProportion(const TableExtents& extents) {
+  constexpr std::size_t kPaddedRowBytes = 3 * sizeof(double);
+  return extents.columns > 0 ||
+         static_cast<std::size_t>(extents.rows) <= kUnstoredBytesTolerated / kPaddedRowBytes;
 }
 
 /// Coordinates of fewer columns than the dimension are accepted. The values behind them are zeros,
@@ -98,13 +105,12 @@ int Nodes::Write(hid_t file, const char* path, int dimension) const {
   Path coordinatesPath(path);
   Path attributesPath(path);
   if (file < 0 || !coordinatesPath.append(layout::kCoordinates) ||
-      !attributesPath.append(layout::kAttributes) || !product32(numberOfNodes, dimension) ||
-      !holdsCoordinates(dimension)) {
+      !attributesPath.append(layout::kAttributes)) {
     return kFailed;
   }
   createGroupIfAbsent(file, Path(path));
-  const hsize_t extents[2] = {static_cast<hsize_t>(numberOfNodes), static_cast<hsize_t>(dimension)};
-  if (H5LTmake_dataset(file, coordinatesPath.c_str(), 2, extents, H5T_NATIVE_DOUBLE, coords) < 0) {
+  if (!product32(numberOfNodes, dimension) || !holdsCoordinates(dimension) ||
+      makeTable(file, coordinatesPath, numberOfNodes, dimension, coords) != kOk) {
     return kFailed;
   }
   return attributes.HDF5Write(file, attributesPath.c_str());
@@ -128,7 +134,7 @@ int Nodes::Read(const SourceFile& file, const char* path, const char* formatVers
   }
   const hid_t dataset = keepOpen(std::move(probe), KeptOpen::containerProbe);
   const std::optional<TableExtents> extents = tableExtents(dataset, sizeof(double));
-  if (!extents) {
+  if (!extents || !isPaddedInProportion(*extents)) {
     return kFailed;
   }
   if (extents->rows == 0) {

@@ -25,7 +25,8 @@ namespace orvml_io {
 [[nodiscard]] int Orv_H5_GetAttributeIfExists(const SourceFile& file, const char* objectPath,
                                               const char* name, std::string& text);
 
-/// The dataset has another rank than 1, or more values than a vector can hold.
+/// The dataset has another rank than 1, more values than a vector can hold, or values that are not
+/// stored.
 inline constexpr int kNotAVector = -2;
 
 /// Returns the length of a dataset of rank 1; -1 when it cannot be opened; kNotAVector when it is

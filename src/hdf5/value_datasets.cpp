@@ -36,17 +36,25 @@ constexpr int kNumberOfFields = 2;
 constexpr std::size_t kFieldOffsets[kNumberOfFields] = {offsetof(ParameterRecord, name),
                                                         offsetof(ParameterRecord, value)};
 
-DatatypeId makeNameType() {
+DatatypeId makeNameType(H5T_cset_t characterSet) {
   DatatypeId type(H5Tcopy(H5T_C_S1));
-  if (!type.valid() || H5Tset_size(type.get(), kNameBytes) < 0) {
+  if (!type.valid() || H5Tset_size(type.get(), kNameBytes) < 0 ||
+      H5Tset_cset(type.get(), characterSet) < 0) {
     return DatatypeId();
   }
   return type;
 }
 
+/// The character set of the names in a table. HDF5 converts no text from one set to another, so the
+/// type in memory has to have the file's.
+H5T_cset_t nameCharacterSet(hid_t fileRecordType) {
+  const DatatypeId type(H5Tget_member_type(fileRecordType, 0));
+  return type.valid() ? H5Tget_cset(type.get()) : H5T_CSET_ERROR;
+}
+
 /// The compound type of a record in memory.
-DatatypeId makeRecordType() {
-  const DatatypeId nameType = makeNameType();
+DatatypeId makeRecordType(H5T_cset_t characterSet) {
+  const DatatypeId nameType = makeNameType(characterSet);
   DatatypeId type(H5Tcreate(H5T_COMPOUND, sizeof(ParameterRecord)));
   if (!nameType.valid() || !type.valid() ||
       H5Tinsert(type.get(), layout::kParameterNameField, kFieldOffsets[0], nameType.get()) < 0 ||
@@ -69,13 +77,27 @@ bool isField(hid_t recordType, unsigned index, const char* name, H5T_class_t typ
          H5Tget_size(type.get()) == bytes && H5Tis_variable_str(type.get()) <= 0;
 }
 
-/// Tells whether a dataset is a table of exactly the two fields of a parameter record.
-bool isParameterTable(hid_t dataset) {
-  const DatatypeId type(H5Dget_type(dataset));
-  return type.valid() && H5Tget_class(type.get()) == H5T_COMPOUND &&
-         H5Tget_nmembers(type.get()) == kNumberOfFields &&
-         isField(type.get(), 0, layout::kParameterNameField, H5T_STRING, kNameBytes) &&
-         isField(type.get(), 1, layout::kParameterValueField, H5T_FLOAT, sizeof(double));
+/// Tells whether the records of a table have exactly the two fields of a parameter.
+bool isParameterRecord(hid_t type) {
+  return H5Tget_class(type) == H5T_COMPOUND && H5Tget_nmembers(type) == kNumberOfFields &&
+         isField(type, 0, layout::kParameterNameField, H5T_STRING, kNameBytes) &&
+         isField(type, 1, layout::kParameterValueField, H5T_FLOAT, sizeof(double));
+}
+
+/// Reads a table of parameters; no answer when it is none or cannot be read.
+std::optional<std::vector<ParameterRecord>> tryReadRecords(hid_t dataset) {
+  const std::optional<int> length = vectorLength(dataset, sizeof(ParameterRecord));
+  const DatatypeId fileType(H5Dget_type(dataset));
+  if (!length || !fileType.valid() || !isParameterRecord(fileType.get())) {
+    return std::nullopt;
+  }
+  const DatatypeId recordType = makeRecordType(nameCharacterSet(fileType.get()));
+  std::vector<ParameterRecord> records(static_cast<std::size_t>(*length));
+  if (!recordType.valid() ||
+      H5Dread(dataset, recordType.get(), H5S_ALL, H5S_ALL, H5P_DEFAULT, records.data()) < 0) {
+    return std::nullopt;
+  }
+  return records;
 }
 
 bool fitsName(const std::string& name) { return name.size() < kNameBytes; }
@@ -186,7 +208,7 @@ int OrvInputAndOrvOutput::WriteParametersScalar(hid_t file, const char* group,
     return kOk;
   }
   const std::optional<std::vector<ParameterRecord>> records = toRecords(parametersScalar);
-  const DatatypeId nameType = makeNameType();
+  const DatatypeId nameType = makeNameType(H5T_CSET_ASCII);
   if (!records || !nameType.valid()) {
     return kFailed;
   }
@@ -215,16 +237,11 @@ int OrvInputAndOrvOutput::ReadParametersScalar(const SourceFile& file, const cha
   if (!dataset.valid()) {
     return kFailed;  // Contract: a document without scalar parameters has no table and reports 1.
   }
-  const std::optional<int> length = vectorLength(dataset.get(), sizeof(ParameterRecord));
-  const DatatypeId recordType = makeRecordType();
-  if (!length || !recordType.valid() || !isParameterTable(dataset.get())) {
+  std::optional<std::vector<ParameterRecord>> records = tryReadRecords(dataset.get());
+  if (!records) {
     return kFailed;
   }
-  std::vector<ParameterRecord> records(static_cast<std::size_t>(*length));
-  if (H5Dread(dataset.get(), recordType.get(), H5S_ALL, H5S_ALL, H5P_DEFAULT, records.data()) < 0) {
-    return kFailed;
-  }
-  for (ParameterRecord& record : records) {
+  for (ParameterRecord& record : *records) {
     record.name[kNameBytes - 1] = '\0';  // other tools may fill the field to its last byte
     parametersScalar.Set(record.name, record.value);
   }
@@ -285,14 +302,13 @@ int OML_AttributesVector::HDF5Read(const SourceFile& file, const char* groupPath
   if (!group.valid()) {
     return kOk;
   }
-  const std::optional<hsize_t> links = numberOfLinks(group.get());
-  if (!links) {
+  const std::optional<std::vector<std::string>> names = linkNames(group.get());
+  if (!names) {
     return kFailed;
   }
   AnyFailure any;
-  for (hsize_t i = 0; i < *links; ++i) {
-    const std::optional<std::string> name = linkName(group.get(), i);
-    any.add(name ? readLinkedMember(file, groupPath, *name, *this) : kFailed);
+  for (const std::string& name : *names) {
+    any.add(readLinkedMember(file, groupPath, name, *this));
   }
   return any.status();
 }

@@ -10,21 +10,16 @@ namespace orvml_io {
 
 namespace {
 
-/// Copies an array that the source may lack; the copy is then missing too.
+/// Copies an array. Values that the source should have and lacks are missing in the copy too; an
+/// array of no values is an array all the same.
 template <class T>
 NewArray<T> copyArray(const T* values, long long length) {
-  if (values == nullptr) {
+  if (length > 0 && values == nullptr) {
     return nullptr;
   }
   NewArray<T> copy = makeNewArray<T>(length);
   std::copy_n(values, std::max(length, 0LL), copy.get());
   return copy;
-}
-
-/// Connectivities of no nodes at all are still an array; only those that are missing stay missing.
-NewArray<int> copyConnectivities(const Elems& source) {
-  const long long length = source.connectivityLength();
-  return length == 0 ? makeNewArray<int>(0) : copyArray(source.connectivities, length);
 }
 
 /// Stores the container before it is filled, so that the document releases what was copied so far
@@ -43,9 +38,10 @@ int Nodes::CopyFromOther(const Nodes* other, int dimension) {
   if (other->numberOfNodes == 0) {
     return 0;
   }
-  const long long length = other->heldCoordinates(dimension);
-  coords = copyArray(other->coords, length).release();
-  coordsLength = length;
+  if (other->coords != nullptr) {
+    coordsLength = other->heldCoordinates(dimension);
+    coords = copyArray(other->coords, coordsLength).release();
+  }
   numberOfNodes = other->numberOfNodes;
   return attributes.CopyFromOther(other->attributes);
 }
@@ -55,7 +51,7 @@ int Elems::CopyFromOther(const Elems* other) {
   NewArray<int> counts = copyArray(other->numberOfElementsByType, groups);
   NewArray<ElemType> shapes = copyArray(other->elementTypes, groups);
   NewArray<int> nodeCounts = copyArray(other->numberOfNodesByElement, groups);
-  NewArray<int> nodeIndices = copyConnectivities(*other);
+  NewArray<int> nodeIndices = copyArray(other->connectivities, other->connectivityLength());
 
   numberOfElements = other->numberOfElements;
   numberOfElementTypes = groups;

@@ -31,6 +31,22 @@ int nodeNumber(int nodeIndex) noexcept {
   return static_cast<int>(static_cast<unsigned>(nodeIndex) + 1U);
 }
 
+/// The rule of the counters is one of 32-bit integers; what outgrows them wraps.
+int wrapped(long long value) noexcept { return static_cast<int>(static_cast<unsigned>(value)); }
+
+void printElementLines(const Elems& elems, int position, int limit, int nodes, std::FILE* stream) {
+  const long long held = elems.connectivityLength();
+  int elementNumber = 1;
+  for (long long start = position; start < limit; start += nodes) {
+    std::fprintf(stream, "%d ", elementNumber++);
+    for (long long index = start; index < start + nodes; ++index) {
+      const bool isHeld = index >= 0 && index < held;
+      std::fprintf(stream, "%d ", isHeld ? nodeNumber(elems.connectivities[index]) : 0);
+    }
+    std::fputc('\n', stream);
+  }
+}
+
 /// Prints the blocks of one document. The node lines go into the first block alone.
 class MeshText {
  public:
@@ -41,8 +57,8 @@ class MeshText {
     if (elems == nullptr) {
       return;
     }
-    long long position = 0;
-    long long count = 0;
+    int position = 0;
+    int count = 0;
     for (int group = 0; group < elems->numberOfElementTypes; ++group) {
       printHeader(*elems, group);
       std::fputs("elements\n", stream_);
@@ -91,22 +107,14 @@ int PrintNodes(const Nodes& nodes, int dimension, std::FILE* stream) {
   return 0;
 }
 
-int PrintElements(const Elems& elems, int group, long long& position, long long& count,
-                  std::FILE* stream) {
+int PrintElements(const Elems& elems, int group, int& position, int& count, std::FILE* stream) {
   const int nodes = nodesPerElement(elems, group);
-  count += elementsOfGroup(elems, group);
-  const long long limit = nodes < 1 ? position : count * nodes;
-  const long long held = elems.connectivities == nullptr ? 0 : elems.connectivityLength();
-  int elementNumber = 1;
-  for (long long start = position; start < limit; start += nodes) {
-    std::fprintf(stream, "%d ", elementNumber++);
-    for (long long index = start; index < start + nodes; ++index) {
-      const bool isHeld = index >= 0 && index < held;
-      std::fprintf(stream, "%d ", isHeld ? nodeNumber(elems.connectivities[index]) : 0);
-    }
-    std::fputc('\n', stream);
+  count = wrapped(static_cast<long long>(count) + elementsOfGroup(elems, group));
+  const int limit = wrapped(static_cast<long long>(count) * nodes);
+  if (nodes > 0 && elems.connectivities != nullptr) {
+    printElementLines(elems, position, limit, nodes, stream);
   }
-  position += count;
+  position = wrapped(static_cast<long long>(position) + count);
   return 0;
 }
 

@@ -19,10 +19,8 @@ int PrintNodes(const Nodes& nodes, int dimension, std::FILE* stream);
 /// Contract: `position` and `count` start at 0 in each container and are advanced by each group's
 /// call. The position advances by the running number of elements, not by elements times nodes, so
 /// that with several groups other lines than the group's own are printed; the rule decides which
-/// lines a file holds and is kept. Node numbers behind the end of the connectivities print as 0.
-///
-/// The counters have 64 bits because the rule outgrows 32 before the mesh does.
-int PrintElements(const Elems& elems, int group, long long& position, long long& count,
-                  std::FILE* stream);
+/// lines a file holds and is kept, in the 32-bit arithmetic it is stated in. Node numbers behind
+/// the end of the connectivities print as 0; without connectivities there are no lines.
+int PrintElements(const Elems& elems, int group, int& position, int& count, std::FILE* stream);
 
 }  // namespace orvml_io
