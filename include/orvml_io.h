@@ -472,8 +472,7 @@ ORVML_IO_EXPORT void OrvML_IO_SetElements(void* handle, int numberOfElements, in
 /// @param[in] elementType             shape of all cells
 /// @param[in] numberOfNodesByElement  nodes of each cell
 /// @note The library makes group arrays of one entry. Setting the kind again leaves the earlier
-/// ones
-///       allocated, because a getter may have handed them out.
+///       ones allocated, because a getter may have handed them out.
 ORVML_IO_EXPORT void OrvML_IO_SetGenericElements(void* handle, ORVML_TYPE_OF_ENTITY entity,
                                                  int numberOfElements, int* connectivities,
                                                  ElemType elementType, int numberOfNodesByElement);

@@ -71,8 +71,6 @@ int writeDocuments(const char* fileName, const char* version, const OrvInputAndO
   return status != kOk ? status : closed;
 }
 
-bool isAcceptedDimension(int dimension) { return dimension == 2 || dimension == 3; }
-
 /// Creates a document and reads it. A document whose dimension is not accepted is deleted and the
 /// handle stays null; the result of the read is returned in either case.
 template <class Document>
@@ -80,7 +78,7 @@ int readDocument(const SourceFile& file, void*& handle) {
   auto document = std::make_unique<Document>();
   document->arraysOwnedByCaller = false;
   const int status = document->Read(file);
-  if (isAcceptedDimension(document->meshDimension)) {
+  if (orvml_io::isAcceptedDimension(document->meshDimension)) {
     handle = orvml_io::handleOf(document.release());
   }
   return status;

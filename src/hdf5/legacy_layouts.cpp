@@ -291,8 +291,7 @@ int OrvInputAndOrvOutput::ReadParametersScalarOld(const SourceFile& file, const 
 int OrvInputAndOrvOutput::ReadParametersVectorOld(const SourceFile& file, const char* group) {
   Path markers(group);
   Path attributes(group);
-  if (!file.valid() || !markers.append(layout::kGenericMarkers) ||
-      !attributes.append(layout::kGenericAttributes)) {
+  if (!markers.append(layout::kGenericMarkers) || !attributes.append(layout::kGenericAttributes)) {
     return kFailed;
   }
   AnyFailure any;

@@ -57,17 +57,24 @@ bool isPaddedInProportion(const TableExtents& extents) {
 }
 
 /// Coordinates of fewer columns than the dimension are accepted. The values behind them are zeros,
-/// so that whoever takes the document at its word stays inside the array.
-void padCoordinates(Nodes& nodes, int dimension) {
-  const std::optional<int> needed = product32(nodes.numberOfNodes, dimension);
-  if (nodes.coords == nullptr || !needed || *needed <= nodes.coordsLength) {
-    return;
+/// so that whoever takes the document at its word stays inside the array. Returns whether the array
+/// could be made as long as the document says. A dimension that readers reject pads nothing.
+bool padCoordinates(Nodes& nodes, int dimension) {
+  if (nodes.coords == nullptr || !isAcceptedDimension(dimension)) {
+    return true;
   }
-  NewArray<double> padded(new double[static_cast<std::size_t>(*needed)]());
-  std::copy_n(nodes.coords, nodes.coordsLength, padded.get());
-  const NewArray<double> released(nodes.coords);
-  nodes.coords = padded.release();
-  nodes.coordsLength = *needed;
+  const std::optional<int> needed = product32(nodes.numberOfNodes, dimension);
+  if (!needed) {
+    return false;
+  }
+  if (*needed > nodes.coordsLength) {
+    NewArray<double> padded(new double[static_cast<std::size_t>(*needed)]());
+    std::copy_n(nodes.coords, nodes.coordsLength, padded.get());
+    const NewArray<double> released(nodes.coords);
+    nodes.coords = padded.release();
+    nodes.coordsLength = *needed;
+  }
+  return true;
 }
 
 int writeElems(const Elems* elems, hid_t file, const char* group, const char* subPath) {
@@ -302,14 +309,13 @@ int OrvInputAndOrvOutput::ReadNodes(const SourceFile& file, const char* group) {
     nodes = std::make_unique<Nodes>().release();
   }
   const int status = nodes->Read(file, path.c_str(), fileFormatVersion);
-  if (nodes->numberOfNodes == 0) {
+  const bool isWhole = padCoordinates(*nodes, meshDimension);
+  if (nodes->numberOfNodes == 0 || !isWhole) {
     nodes->DeleteContent();
     const std::unique_ptr<Nodes> removed(nodes);
     nodes = nullptr;
-  } else {
-    padCoordinates(*nodes, meshDimension);
   }
-  return status;
+  return isWhole ? status : kFailed;
 }
 
 int OrvInputAndOrvOutput::ReadEdges(const SourceFile& file, const char* group) {

@@ -123,6 +123,9 @@ class OrvInputAndOrvOutput {
   [[nodiscard]] int ReadParametersVectorOld(const SourceFile& file, const char* group);
 };
 
+/// Tells whether a document that is read may have the dimension.
+inline bool isAcceptedDimension(int dimension) noexcept { return dimension == 2 || dimension == 3; }
+
 /// The document that a pre-processor sends to a meshing module.
 class OrvInput : public OrvInputAndOrvOutput {
  public:

@@ -1,6 +1,7 @@
 #include "model/elems.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace orvml_io {
 
@@ -8,9 +9,12 @@ long long Elems::connectivityLength() const noexcept {
   if (numberOfElementsByType == nullptr || numberOfNodesByElement == nullptr) {
     return 0;
   }
+  // No array is that long, and the next group's product still fits.
+  constexpr long long kLongest = std::numeric_limits<long long>::max() / 2;
   long long length = 0;
   for (int group = 0; group < numberOfElementTypes; ++group) {
     length += static_cast<long long>(numberOfElementsByType[group]) * numberOfNodesByElement[group];
+    length = std::clamp(length, -kLongest, kLongest);
   }
   return std::max(length, 0LL);
 }
