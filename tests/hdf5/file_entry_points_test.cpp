@@ -1,19 +1,14 @@
+// The shortest way through the file functions: what a caller does first.
 #include "orvml_io.h"
+#include "support/document_builder.h"
+#include "support/document_queries.h"
+#include "support/open_ids.h"
+#include "support/temp_file.h"
 
 #include <gtest/gtest.h>
 
-#include <unistd.h>
-
-#include <cstdio>
-#include <string>
-
+namespace orvml_io_tests {
 namespace {
-
-std::string freshPath() {
-  static int counter = 0;
-  return ::testing::TempDir() + "orvml_" + std::to_string(::getpid()) + "_" +
-         std::to_string(counter++) + ".h5";
-}
 
 TEST(ReadOrvInput, MissingFileGivesZeroAndNullHandle) {
   void* handle = nullptr;
@@ -25,28 +20,25 @@ TEST(ReadOrvInput, MissingFileGivesZeroAndNullHandle) {
 }
 
 TEST(WriteOrvInput, DocumentComesBackWithItsMeshAndParameters) {
-  const std::string path = freshPath();
+  const TempFile temp;
+  const OpenIds ids;
   double coords[] = {0, 0, 0, 1, 0, 0, 0, 1, 0};
   int triangle[] = {0, 1, 2};
-  void* written =
-      OrvML_IO_NewOrvInputHandleWithFaces("m", "v", "c", 3, 3, coords, 1, triangle, TRIANGLE, 3);
-  OrvML_IO_SetParameter(written, "size", 0.5);
-  ASSERT_EQ(OrvML_IO_WriteOrvInput(path.c_str(), written), 0);
+  const Handle written(
+      OrvML_IO_NewOrvInputHandleWithFaces("m", "v", "c", 3, 3, coords, 1, triangle, TRIANGLE, 3));
+  OrvML_IO_SetParameter(written.get(), "size", 0.5);
+  ASSERT_EQ(OrvML_IO_WriteOrvInput(temp.path(), written.get()), 0);
 
-  void* read = nullptr;
-  ASSERT_EQ(OrvML_IO_ReadOrvInput(path.c_str(), read), 0);
+  Handle read;
+  ASSERT_EQ(OrvML_IO_ReadOrvInput(temp.path(), read.out()), 0);
 
-  ASSERT_NE(read, nullptr);
-  EXPECT_EQ(OrvML_IO_GetNumberOfNodes(read), 3);
+  ASSERT_NE(read.get(), nullptr);
+  EXPECT_EQ(OrvML_IO_GetNumberOfNodes(read.get()), 3);
   int* connectivities = nullptr;
-  ASSERT_EQ(OrvML_IO_GetFaces(read, connectivities), 0);
+  ASSERT_EQ(OrvML_IO_GetFaces(read.get(), connectivities), 0);
   EXPECT_EQ(connectivities[2], 2);
-  double size = 0;
-  EXPECT_EQ(OrvML_IO_GetParameter(read, "size", size), 0);
-  EXPECT_EQ(size, 0.5);
-  OrvML_IO_DeleteOrvInputHandle(read);
-  OrvML_IO_DeleteOrvInputHandle(written);
-  std::remove(path.c_str());
+  EXPECT_EQ(scalarOf(read.get(), "size"), 0.5);
 }
 
 }  // namespace
+}  // namespace orvml_io_tests

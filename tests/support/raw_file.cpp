@@ -48,6 +48,12 @@ RawFile RawFile::open(const char* path) {
   return RawFile(file);
 }
 
+RawFile RawFile::openForWriting(const char* path) {
+  const hid_t file = H5Fopen(path, H5F_ACC_RDWR, H5P_DEFAULT);
+  EXPECT_GE(file, 0) << "cannot open " << path;
+  return RawFile(file);
+}
+
 RawFile RawFile::create(const char* path) {
   const hid_t file = H5Fcreate(path, H5F_ACC_TRUNC, H5P_DEFAULT, H5P_DEFAULT);
   EXPECT_GE(file, 0) << "cannot create " << path;
@@ -97,7 +103,7 @@ bool RawFile::isDataset(const std::string& path) const {
 
 std::vector<std::string> RawFile::members(const std::string& group) const {
   std::vector<std::string> names;
-  H5G_info_t info;
+  H5G_info_t info = {};
   EXPECT_GE(H5Gget_info_by_name(file_, group.c_str(), &info, H5P_DEFAULT), 0) << group;
   for (hsize_t i = 0; i < info.nlinks; ++i) {
     char name[1024] = {};

@@ -21,6 +21,8 @@ struct RawShape {
 class RawFile {
  public:
   static RawFile open(const char* path);
+  /// Opens a file that a test is going to change.
+  static RawFile openForWriting(const char* path);
   static RawFile create(const char* path);
   /// Makes an exchange file: the marker, and the version unless it is empty.
   static RawFile createMarked(const char* path, const std::string& version = "1.4");

@@ -1,0 +1,362 @@
+#include "hdf5/probes.h"
+
+#include "hdf5/document_file_test.h"
+
+#include <climits>
+#include <cstdio>
+
+namespace orvml_io_tests {
+namespace {
+
+using orvml_io::IsOrvMeshLibraryIOFormat;
+using orvml_io::OpenFileForReading;
+using orvml_io::Orv_H5_AttributeExists;
+using orvml_io::Orv_H5_GetAttributeIfExists;
+using orvml_io::Orv_H5_GetVectorDimension;
+using orvml_io::Orv_H5_GroupExists;
+using orvml_io::readIntegerAttribute;
+
+class Probes : public DocumentFileTest {};
+
+TEST_F(Probes, GroupExistsForAnyObject) {
+  file().intVector("/OrvInput/v", {1});
+
+  EXPECT_TRUE(Orv_H5_GroupExists(file().id(), "/OrvInput"));
+  EXPECT_TRUE(Orv_H5_GroupExists(file().id(), "/OrvInput/v"));
+}
+
+TEST_F(Probes, GroupExistsForALinkToNowhere) {
+  H5Lcreate_soft("/nowhere", file().id(), "/OrvInput/link", H5P_DEFAULT, H5P_DEFAULT);
+
+  EXPECT_TRUE(Orv_H5_GroupExists(file().id(), "/OrvInput/link"));
+}
+
+TEST_F(Probes, GroupDoesNotExistWithoutALink) {
+  EXPECT_FALSE(Orv_H5_GroupExists(file().id(), "/OrvInput/nothing"));
+  EXPECT_FALSE(Orv_H5_GroupExists(file().id(), "/nothing/nothing"));
+  EXPECT_FALSE(Orv_H5_GroupExists(-1, "/OrvInput"));
+}
+
+TEST_F(Probes, AttributeOfAFileIsThatOfItsRootGroup) {
+  file().textAttribute("/OrvInput", "ofTheGroup", "x");
+
+  EXPECT_TRUE(Orv_H5_AttributeExists(file().id(), "FORMAT"));
+  EXPECT_FALSE(Orv_H5_AttributeExists(file().id(), "ofTheGroup"));
+}
+
+TEST_F(Probes, AttributeExistsWhenTheSearchFails) {
+  EXPECT_TRUE(Orv_H5_AttributeExists(-1, "FORMAT"));
+}
+
+/// Reads a text attribute of the document's group that the root group has too.
+class TextProbes : public Probes {
+ protected:
+  /// Tells the location that the attribute exists, whatever the group's is.
+  TextProbes() { file().textAttribute("/", "text", "of the root"); }
+
+  int readText() { return Orv_H5_GetAttributeIfExists(file().id(), "/OrvInput", "text", text_); }
+
+  void addText(hid_t type, const std::vector<hsize_t>& extents, const void* data) {
+    file().attribute("/OrvInput", "text", type, extents, data);
+    H5Tclose(type);
+  }
+
+  static hid_t textType(std::size_t bytes, H5T_str_t padding) {
+    const hid_t type = H5Tcopy(H5T_C_S1);
+    H5Tset_size(type, bytes);
+    H5Tset_strpad(type, padding);
+    return type;
+  }
+
+  [[nodiscard]] const std::string& text() const { return text_; }
+
+ private:
+  std::string text_ = "untouched";
+};
+
+TEST_F(TextProbes, TextIsThatOfTheObject) {
+  file().textAttribute("/OrvInput", "text", "of the group");
+
+  EXPECT_EQ(readText(), 0);
+
+  EXPECT_EQ(text(), "of the group");
+}
+
+TEST_F(TextProbes, TextOfTheObjectAloneIsMissing) {
+  file().removeAttribute("/", "text");
+  file().textAttribute("/OrvInput", "text", "of the group");
+
+  EXPECT_EQ(readText(), -1);
+
+  EXPECT_EQ(text(), "untouched");
+}
+
+TEST_F(TextProbes, TextOfTheLocationAloneCannotBeRead) {
+  EXPECT_LT(readText(), 0);
+
+  EXPECT_EQ(text(), "untouched");
+}
+
+TEST_F(TextProbes, TextOfAMissingObjectCannotBeRead) {
+  std::string text;
+
+  EXPECT_LT(Orv_H5_GetAttributeIfExists(file().id(), "/nothing", "text", text), 0);
+}
+
+TEST_F(TextProbes, EmptyTextIsRead) {
+  file().textAttribute("/OrvInput", "text", "");
+
+  EXPECT_EQ(readText(), 0);
+
+  EXPECT_EQ(text(), "");
+}
+
+TEST_F(TextProbes, LongTextIsReadWhole) {
+  const std::string longText(5000, 'x');
+  file().textAttribute("/OrvInput", "text", longText);
+
+  EXPECT_EQ(readText(), 0);
+
+  EXPECT_EQ(text(), longText);
+}
+
+TEST_F(TextProbes, TextThatFillsItsTypeIsReadWhole) {
+  addText(textType(3, H5T_STR_NULLPAD), {}, "abc");
+
+  EXPECT_EQ(readText(), 0);
+
+  EXPECT_EQ(text(), "abc");
+}
+
+TEST_F(TextProbes, PaddingBlanksAreNotPartOfTheText) {
+  addText(textType(6, H5T_STR_SPACEPAD), {}, "abc   ");
+
+  EXPECT_EQ(readText(), 0);
+
+  EXPECT_EQ(text(), "abc");
+}
+
+TEST_F(TextProbes, TextOfVariableLengthIsRead) {
+  const char* value = "of any length";
+  addText(textType(H5T_VARIABLE, H5T_STR_NULLTERM), {}, &value);
+
+  EXPECT_EQ(readText(), 0);
+
+  EXPECT_EQ(text(), "of any length");
+}
+
+TEST_F(TextProbes, TextOfVariableLengthThatWasNeverWrittenIsEmpty) {
+  addText(textType(H5T_VARIABLE, H5T_STR_NULLTERM), {}, nullptr);
+
+  EXPECT_EQ(readText(), 0);
+
+  EXPECT_EQ(text(), "");
+}
+
+TEST_F(TextProbes, TextInUtf8IsReadByteByByte) {
+  const hid_t type = textType(3, H5T_STR_NULLTERM);
+  H5Tset_cset(type, H5T_CSET_UTF8);
+  addText(type, {}, "\xC3\xA9");
+
+  EXPECT_EQ(readText(), 0);
+
+  EXPECT_EQ(text(), "\xC3\xA9");
+}
+
+TEST_F(TextProbes, TextInAVectorOfOneIsRead) {
+  addText(textType(4, H5T_STR_NULLTERM), {1}, "abc");
+
+  EXPECT_EQ(readText(), 0);
+
+  EXPECT_EQ(text(), "abc");
+}
+
+TEST_F(TextProbes, SeveralTextsCountAsMissing) {
+  addText(textType(2, H5T_STR_NULLTERM), {2}, "a\0b");
+
+  EXPECT_LT(readText(), 0);
+}
+
+TEST_F(TextProbes, NumberCountsAsMissing) {
+  file().intAttributeValue("/OrvInput", "text", 1);
+
+  EXPECT_LT(readText(), 0);
+}
+
+TEST_F(TextProbes, LeaveNoIdentifierOpen) {
+  const char* value = "of any length";
+  addText(textType(H5T_VARIABLE, H5T_STR_NULLTERM), {}, &value);
+  const IdCounts before = opened();
+
+  (void)readText();
+
+  EXPECT_EQ(opened(), before);
+}
+
+TEST_F(Probes, VectorDimensionIsTheLength) {
+  file().doubleVector("/OrvInput/v", {1, 2, 3});
+
+  EXPECT_EQ(Orv_H5_GetVectorDimension(file().id(), "/OrvInput/v", sizeof(double)), 3);
+}
+
+TEST_F(Probes, VectorDimensionOfAnEmptyVectorIsZero) {
+  file().doubleVector("/OrvInput/v", {});
+
+  EXPECT_EQ(Orv_H5_GetVectorDimension(file().id(), "/OrvInput/v", sizeof(double)), 0);
+}
+
+TEST_F(Probes, VectorDimensionOfNoDatasetIsMinusOne) {
+  EXPECT_EQ(Orv_H5_GetVectorDimension(file().id(), "/OrvInput/v", sizeof(int)), -1);
+  EXPECT_EQ(Orv_H5_GetVectorDimension(file().id(), "/OrvInput", sizeof(int)), -1);
+  EXPECT_EQ(Orv_H5_GetVectorDimension(-1, "/OrvInput", sizeof(int)), -1);
+}
+
+TEST_F(Probes, VectorDimensionOfATableIsNotAVector) {
+  file().doubleTable("/OrvInput/v", 2, 2, {1, 2, 3, 4});
+
+  EXPECT_EQ(Orv_H5_GetVectorDimension(file().id(), "/OrvInput/v", sizeof(double)),
+            orvml_io::kNotAVector);
+}
+
+TEST_F(Probes, VectorDimensionBeyondThirtyTwoBitsIsNotAVector) {
+  file().dataset("/OrvInput/v", H5T_NATIVE_SCHAR, {hsize_t{1} << 32}, nullptr);
+
+  EXPECT_EQ(Orv_H5_GetVectorDimension(file().id(), "/OrvInput/v", 1), orvml_io::kNotAVector);
+}
+
+TEST_F(Probes, VectorDimensionLeavesTheDatasetOpen) {
+  file().intVector("/OrvInput/v", {1});
+
+  (void)Orv_H5_GetVectorDimension(file().id(), "/OrvInput/v", sizeof(int));
+
+  EXPECT_EQ(opened(), (IdCounts{1, 0, 1, 0, 0}));
+}
+
+TEST_F(Probes, IntegerAttributeIsRead) {
+  file().intAttributeValue("/OrvInput", "MAX_ID", -7);
+
+  EXPECT_EQ(readIntegerAttribute(file().id(), "/OrvInput", "MAX_ID"), -7);
+}
+
+TEST_F(Probes, IntegerAttributeWithoutExtentsIsRead) {
+  const int value = 7;
+  file().attribute("/OrvInput", "MAX_ID", H5T_NATIVE_INT, {}, &value);
+
+  EXPECT_EQ(readIntegerAttribute(file().id(), "/OrvInput", "MAX_ID"), 7);
+}
+
+TEST_F(Probes, LongIntegerAttributeEndsAtTheLargestInteger) {
+  const long long value = 1LL << 40;
+  file().attribute("/OrvInput", "MAX_ID", H5T_NATIVE_LLONG, {1}, &value);
+
+  EXPECT_EQ(readIntegerAttribute(file().id(), "/OrvInput", "MAX_ID"), INT_MAX);
+}
+
+TEST_F(Probes, IntegerAttributeOfAnotherKindHasNoValue) {
+  const int two[2] = {1, 2};
+  file().attribute("/OrvInput", "two", H5T_NATIVE_INT, {2}, two);
+  file().attribute("/OrvInput", "none", H5T_NATIVE_INT, {0}, nullptr);
+  file().textAttribute("/OrvInput", "text", "1");
+
+  EXPECT_EQ(readIntegerAttribute(file().id(), "/OrvInput", "two"), std::nullopt);
+  EXPECT_EQ(readIntegerAttribute(file().id(), "/OrvInput", "none"), std::nullopt);
+  EXPECT_EQ(readIntegerAttribute(file().id(), "/OrvInput", "text"), std::nullopt);
+}
+
+TEST_F(Probes, IntegerAttributeThatIsMissingHasNoValue) {
+  EXPECT_EQ(readIntegerAttribute(file().id(), "/OrvInput", "MAX_ID"), std::nullopt);
+  EXPECT_EQ(readIntegerAttribute(file().id(), "/nothing", "MAX_ID"), std::nullopt);
+}
+
+/// The bytes of a "FORMAT" attribute, and whether they mark an exchange file.
+struct MarkerCase {
+  const char* name;
+  std::string bytes;
+  bool marks;
+};
+
+std::ostream& operator<<(std::ostream& stream, const MarkerCase& row) { return stream << row.name; }
+
+class Markers : public Probes, public ::testing::WithParamInterface<MarkerCase> {
+ protected:
+  Markers() {
+    file().removeAttribute("/", "FORMAT");
+    const hid_t type = H5Tcopy(H5T_C_S1);
+    H5Tset_size(type, GetParam().bytes.size());
+    file().attribute("/", "FORMAT", type, {}, GetParam().bytes.data());
+    H5Tclose(type);
+  }
+};
+
+TEST_P(Markers, MustBeExact) { EXPECT_EQ(IsOrvMeshLibraryIOFormat(file().id()), GetParam().marks); }
+
+TEST_P(Markers, DecideWhetherAFileIsOpened) {
+  file().close();
+
+  EXPECT_EQ(OpenFileForReading(path()).valid(), GetParam().marks);
+}
+
+TEST_P(Markers, LeaveNothingOpen) {
+  file().close();
+  const IdCounts before = opened();
+
+  { const orvml_io::FileId file = OpenFileForReading(path()); }
+
+  EXPECT_EQ(opened(), before);
+}
+
+const MarkerCase kMarkers[] = {{"Exact", {"ORVMESHLIBRARY\0", 15}, true},
+                               {"ExactBeforeOtherBytes", {"ORVMESHLIBRARY\0XY", 17}, true},
+                               {"OneCharacterMore", {"ORVMESHLIBRARYX\0", 16}, false},
+                               {"OneBlankMore", {"ORVMESHLIBRARY \0", 16}, false},
+                               {"OneCharacterLess", {"ORVMESHLIBRAR\0", 14}, false},
+                               {"OtherCase", {"OrvMESHLIBRARY\0", 15}, false},
+                               {"Empty", {"\0", 1}, false}};
+
+INSTANTIATE_TEST_SUITE_P(Texts, Markers, ::testing::ValuesIn(kMarkers), RowName());
+
+TEST_F(Probes, FileWithoutAMarkerIsNoExchangeFile) {
+  file().removeAttribute("/", "FORMAT");
+
+  EXPECT_FALSE(IsOrvMeshLibraryIOFormat(file().id()));
+}
+
+TEST_F(Probes, FileWithANumberAsMarkerIsNoExchangeFile) {
+  file().removeAttribute("/", "FORMAT");
+  file().intAttributeValue("/", "FORMAT", 1);
+
+  EXPECT_FALSE(IsOrvMeshLibraryIOFormat(file().id()));
+}
+
+TEST_F(Probes, MissingFileIsNotOpened) {
+  const TempFile nothing;
+
+  EXPECT_FALSE(OpenFileForReading(nothing.path()).valid());
+}
+
+TEST_F(Probes, FileThatIsNotHdf5IsNotOpened) {
+  const TempFile text;
+  std::FILE* stream = std::fopen(text.path(), "w");
+  ASSERT_NE(stream, nullptr);
+  std::fputs("ORVMESHLIBRARY", stream);
+  std::fclose(stream);
+
+  EXPECT_FALSE(OpenFileForReading(text.path()).valid());
+}
+
+TEST_F(Probes, FolderIsNotOpened) {
+  EXPECT_FALSE(OpenFileForReading(::testing::TempDir().c_str()).valid());
+}
+
+TEST_F(Probes, FileIsOpenedForReadingOnly) {
+  file().close();
+
+  const orvml_io::FileId opened = OpenFileForReading(path());
+
+  unsigned intent = H5F_ACC_RDWR;
+  ASSERT_GE(H5Fget_intent(opened.get(), &intent), 0);
+  EXPECT_EQ(intent, static_cast<unsigned>(H5F_ACC_RDONLY));
+}
+
+}  // namespace
+}  // namespace orvml_io_tests

@@ -1,0 +1,96 @@
+#include "hostile/reading.h"
+
+#include "hostile/every_accessor.h"
+#include "support/captured_output.h"
+#include "support/document_builder.h"
+#include "support/open_ids.h"
+#include "support/temp_file.h"
+
+#include <gtest/gtest.h>
+
+namespace orvml_io_tests {
+
+namespace {
+
+using Reader = int (*)(const char* path, void*& handle);
+
+void expectStated(int status) { EXPECT_TRUE(status == 0 || status == 1) << status; }
+
+/// Writes a document and, when that succeeds, expects its counts to come back.
+void rewrite(void* document) {
+  const TempFile temp;
+  const int written = OrvML_IO_WriteOrvInput(temp.path(), document);
+  expectStated(written);
+  if (written != 0) {
+    return;
+  }
+  Handle copy;
+  (void)OrvML_IO_ReadOrvInput(temp.path(), copy.out());
+  ASSERT_NE(copy.get(), nullptr);
+  EXPECT_EQ(countsOf(copy.get()), countsOf(document));
+}
+
+void use(void* document) {
+  const int dimension = OrvML_IO_GetMeshDimension(document);
+  EXPECT_TRUE(dimension == 2 || dimension == 3) << dimension;
+  callEveryAccessor(document);
+  rewrite(document);
+}
+
+Reading readWith(Reader reader, const char* path) {
+  Handle document;
+  Reading reading;
+  reading.status = reader(path, document.out());
+  expectStated(reading.status);
+  if (document.get() != nullptr) {
+    reading.hasDocument = true;
+    reading.counts = countsOf(document.get());
+    use(document.get());
+  }
+  return reading;
+}
+
+ReadingOfBoth readBoth(const char* path) {
+  Handle input;
+  Handle output;
+  const int status = OrvML_IO_ReadOrvInputAndOrvOutput(path, input.out(), output.out());
+  expectStated(status);
+  return {status, input.get() != nullptr, output.get() != nullptr};
+}
+
+/// The reader of both documents ends with the first failure.
+void expectAgreement(const Readings& readings) {
+  const bool reachesOutput = readings.input.status == 0;
+  EXPECT_EQ(readings.both.status, reachesOutput ? readings.output.status : readings.input.status);
+  EXPECT_EQ(readings.both.hasInput, readings.input.hasDocument);
+  EXPECT_EQ(readings.both.hasOutput, reachesOutput && readings.output.hasDocument);
+}
+
+}  // namespace
+
+Readings readInEveryWay(const char* path) {
+  const OpenIds ids;
+  Readings readings;
+  readings.input = readWith(OrvML_IO_ReadOrvInput, path);
+  readings.output = readWith(OrvML_IO_ReadOrvOutput, path);
+  readings.both = readBoth(path);
+  return readings;
+}
+
+Readings readInSilence(const char* path) {
+  CapturedOutput captured;
+  const Readings readings = readInEveryWay(path);
+  EXPECT_EQ(captured.stop(), "");
+  expectAgreement(readings);
+  return readings;
+}
+
+Reading readInputInSilence(const char* path) {
+  const OpenIds ids;
+  CapturedOutput captured;
+  const Reading reading = readWith(OrvML_IO_ReadOrvInput, path);
+  EXPECT_EQ(captured.stop(), "");
+  return reading;
+}
+
+}  // namespace orvml_io_tests
