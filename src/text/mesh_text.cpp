@@ -38,16 +38,19 @@ void printElementLines(const Elems& elems, int position, int limit, int nodes, s
   const long long held = elems.connectivityLength();
   int elementNumber = 1;
   for (long long start = position; start < limit; start += nodes) {
-    std::fprintf(stream, "%d ", elementNumber++);
+    (void)std::fprintf(stream, "%d ", elementNumber++);
     for (long long index = start; index < start + nodes; ++index) {
       const bool isHeld = index >= 0 && index < held;
-      std::fprintf(stream, "%d ", isHeld ? nodeNumber(elems.connectivities[index]) : 0);
+      (void)std::fprintf(stream, "%d ", isHeld ? nodeNumber(elems.connectivities[index]) : 0);
     }
-    std::fputc('\n', stream);
+    (void)std::fputc('\n', stream);
   }
 }
 
 /// Prints the blocks of one document. The node lines go into the first block alone.
+///
+/// Contract: write errors of the stream are not looked at, here and below; the export reports only
+/// a file that cannot be opened.
 class MeshText {
  public:
   MeshText(const OrvInputAndOrvOutput& document, std::FILE* stream)
@@ -61,21 +64,22 @@ class MeshText {
     int count = 0;
     for (int group = 0; group < elems->numberOfElementTypes; ++group) {
       printHeader(*elems, group);
-      std::fputs("elements\n", stream_);
+      (void)std::fputs("elements\n", stream_);
       PrintElements(*elems, group, position, count, stream_);
-      std::fputs("end elements\n", stream_);
+      (void)std::fputs("end elements\n", stream_);
     }
   }
 
  private:
   void printHeader(const Elems& elems, int group) {
-    std::fprintf(stream_, "mesh dimension = %d elemtype %s nNode = %d\ncoordinates\n",
-                 document_.meshDimension, shapeName(elems, group), nodesPerElement(elems, group));
+    (void)std::fprintf(stream_, "mesh dimension = %d elemtype %s nNode = %d\ncoordinates\n",
+                       document_.meshDimension, shapeName(elems, group),
+                       nodesPerElement(elems, group));
     if (!nodesArePrinted_) {
       PrintNodes(*document_.nodes, document_.meshDimension, stream_);
       nodesArePrinted_ = true;
     }
-    std::fputs("end coordinates\n", stream_);
+    (void)std::fputs("end coordinates\n", stream_);
   }
 
   const OrvInputAndOrvOutput& document_;
@@ -102,7 +106,7 @@ int PrintNodes(const Nodes& nodes, int dimension, std::FILE* stream) {
         values[static_cast<std::size_t>(column)] = nodes.coords[index];
       }
     }
-    std::fprintf(stream, "%d %f %f %f\n", nodeNumber(node), values[0], values[1], values[2]);
+    (void)std::fprintf(stream, "%d %f %f %f\n", nodeNumber(node), values[0], values[1], values[2]);
   }
   return 0;
 }
@@ -134,6 +138,6 @@ int OrvML_IO_WriteMeshInOrvFormat(const char* fileName, void* handle) {
   text.printContainer(document->edges);
   text.printContainer(document->faces);
   text.printContainer(document->elements);
-  std::fclose(stream);
+  (void)std::fclose(stream);
   return 0;
 }
