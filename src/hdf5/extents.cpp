@@ -1,7 +1,7 @@
 #include "hdf5/extents.h"
 
 #include "hdf5/id.h"
-#include "hdf5/limits.h"
+#include "model/limits.h"
 
 #include <array>
 

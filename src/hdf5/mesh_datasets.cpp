@@ -4,10 +4,10 @@
 #include "hdf5/extents.h"
 #include "hdf5/kept_open.h"
 #include "hdf5/layout.h"
-#include "hdf5/limits.h"
 #include "hdf5/source_file.h"
 #include "hdf5/status.h"
 #include "model/document.h"
+#include "model/limits.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "hdf5/limits.h"
+#include "model/limits.h"
 
 #include <cstddef>
 #include <cstring>

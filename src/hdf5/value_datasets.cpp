@@ -6,12 +6,12 @@
 #include "hdf5/extents.h"
 #include "hdf5/layout.h"
 #include "hdf5/legacy_layouts.h"
-#include "hdf5/limits.h"
 #include "hdf5/links.h"
 #include "hdf5/probes.h"
 #include "hdf5/source_file.h"
 #include "hdf5/status.h"
 #include "model/document.h"
+#include "model/limits.h"
 
 #include <hdf5_hl.h>
 

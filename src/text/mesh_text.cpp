@@ -1,7 +1,9 @@
 #include "text/mesh_text.h"
 
+#include "model/limits.h"
 #include "orvml_io.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 
@@ -34,10 +36,22 @@ int nodeNumber(int nodeIndex) noexcept {
 /// The rule of the counters is one of 32-bit integers; what outgrows them wraps.
 int wrapped(long long value) noexcept { return static_cast<int>(static_cast<unsigned>(value)); }
 
+/// How many of the indices from `start` to `start` + `length` - 1 lie outside of an array.
+long long unheldIndices(long long start, long long length, long long held) noexcept {
+  const long long first = std::clamp(start, 0LL, held);
+  const long long last = std::clamp(start + length, 0LL, held);
+  return length - (last - first);
+}
+
 void printElementLines(const Elems& elems, int position, int limit, int nodes, std::FILE* stream) {
   const long long held = elems.connectivityLength();
+  long long unheldLeft = kUnheldPrintedPerHeld * held + kUnheldPrinted;
   int elementNumber = 1;
   for (long long start = position; start < limit; start += nodes) {
+    unheldLeft -= unheldIndices(start, nodes, held);
+    if (unheldLeft < 0) {
+      return;
+    }
     (void)std::fprintf(stream, "%d ", elementNumber++);
     for (long long index = start; index < start + nodes; ++index) {
       const bool isHeld = index >= 0 && index < held;

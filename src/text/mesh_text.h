@@ -20,7 +20,8 @@ int PrintNodes(const Nodes& nodes, int dimension, std::FILE* stream);
 /// call. The position advances by the running number of elements, not by elements times nodes, so
 /// that with several groups other lines than the group's own are printed; the rule decides which
 /// lines a file holds and is kept, in the 32-bit arithmetic it is stated in. Node numbers behind
-/// the end of the connectivities print as 0; without connectivities there are no lines.
+/// the end of the connectivities print as 0; without connectivities there are no lines, and none
+/// beyond the limit of such numbers that model/limits.h sets.
 int PrintElements(const Elems& elems, int group, int& position, int& count, std::FILE* stream);
 
 }  // namespace orvml_io

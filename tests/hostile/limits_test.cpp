@@ -1,5 +1,5 @@
 // Every limit of the library, one below, at and one above.
-#include "hdf5/limits.h"
+#include "model/limits.h"
 
 #include "hdf5/extents.h"
 #include "hdf5/id.h"

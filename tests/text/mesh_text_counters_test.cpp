@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <memory>
 #include <string>
@@ -121,6 +122,33 @@ TEST(ElementLines, OfAGroupWithoutNodesAdvanceThePositionAllTheSame) {
 TEST(ElementLines, AreMissingWhenTheLimitWrapsAround) {
   EXPECT_EQ(elementLinesOf(withCells({1 << 30}, {2}, {0})), "end elements\n");
   EXPECT_EQ(elementLinesOf(withCells({1 << 30}, {4}, {0})), "end elements\n");
+}
+
+std::size_t linesOf(const std::string& text) {
+  return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
+}
+
+// Cells of no nodes take no place in a file. Two million of them let a second group of one triangle
+// print four million node numbers behind the array: 2^20 of them, and 32 for each one held, may be.
+TEST(ElementLines, BehindTheArrayAreBoundedWhateverTheCountsSay) {
+  constexpr std::size_t kSectionEnds = 2;
+  constexpr std::size_t kBounded = ((std::size_t{1} << 20) + 32 * 3) / 3;
+
+  const std::string text = elementLinesOf(withCells({0, 3}, {2'000'000, 1}, {7, 8, 9}));
+
+  EXPECT_EQ(linesOf(text), kBounded + kSectionEnds);
+}
+
+TEST(ElementLines, BehindTheArrayStandUpToTheBound) {
+  const std::string text = elementLinesOf(withCells({0, 2}, {500'000, 1}, {7, 8}));
+
+  EXPECT_EQ(linesOf(text), 500'002U / 2 + 2);
+}
+
+// One cell of a billion nodes, of which none is there, would be one line of two gigabytes.
+TEST(ElementLines, LongerThanTheBoundAreMissing) {
+  EXPECT_EQ(elementLinesOf(withCells({1, 1 << 30}, {1, 0}, {7})),
+            "1 8 \nend elements\nend elements\n");
 }
 
 /// Cells of no or a negative number of nodes would never reach the limit.

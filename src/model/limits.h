@@ -23,4 +23,10 @@ inline constexpr std::size_t kUnstoredBytesTolerated = std::size_t{1} << 20;
 /// The best that deflate can do: no honest dataset stores less than its size divided by this.
 inline constexpr std::size_t kBestCompressionRatio = 1100;
 
+/// Node numbers behind the end of the connectivities that one block of the text export may print:
+/// so many for each one held, and some for small meshes. Meshes of cells of up to 32 nodes, none of
+/// which has no nodes, stay below; counts that nothing is stored for would print for hours.
+inline constexpr long long kUnheldPrintedPerHeld = 32;
+inline constexpr long long kUnheldPrinted = 1LL << 20;
+
 }  // namespace orvml_io
