@@ -173,7 +173,7 @@ int readLinkedMember(const SourceFile& file, const char* groupPath, const std::s
   const int length =
       Orv_H5_GetVectorDimension(file, path.c_str(), isInteger ? sizeof(int) : sizeof(double));
   if (!isInteger && typeClass != H5T_FLOAT) {
-    return kOk;
+    return typeClass == H5T_NO_CLASS ? kFailed : kOk;
   }
   const bool mustBeTransmitted = readMustBeTransmitted(file, groupPath);
   return isInteger ? readMember<int>(dataset.get(), name, length, mustBeTransmitted, store)

@@ -49,13 +49,18 @@ void printVectors(std::ostream& out, const char* label, const OML_AttributesVect
   }
 }
 
+/// A document that was read only in part may lack arrays.
+template <class T>
+std::string entryOf(const T* values, int index) {
+  return values == nullptr ? "none" : std::to_string(static_cast<int>(values[index]));
+}
+
 void printNodes(std::ostream& out, const orvml_io::OrvInputAndOrvOutput& document) {
   if (document.nodes == nullptr || document.nodes->numberOfNodes == 0) {
     return;
   }
   out << "nodes " << document.nodes->numberOfNodes << ":";
-  printValues(out, document.nodes->coords,
-              static_cast<long long>(document.nodes->numberOfNodes) * document.meshDimension);
+  printValues(out, document.nodes->coords, document.nodes->heldCoordinates(document.meshDimension));
   printVectors(out, "node attribute", document.nodes->attributes);
 }
 
@@ -64,14 +69,13 @@ void printElems(std::ostream& out, const std::string& label, const Elems* elems)
     return;
   }
   out << label << " " << elems->numberOfElements << ":";
-  long long total = 0;
   for (int i = 0; i < elems->numberOfElementTypes; ++i) {
-    const int cells = elems->numberOfElementsByType[i];
-    const int nodes = elems->numberOfNodesByElement[i];
-    out << " " << cells << " of shape " << elems->elementTypes[i] << " on " << nodes << " nodes;";
-    total += static_cast<long long>(cells) * nodes;
+    out << " " << entryOf(elems->numberOfElementsByType, i) << " of shape "
+        << entryOf(elems->elementTypes, i) << " on " << entryOf(elems->numberOfNodesByElement, i)
+        << " nodes;";
   }
-  printValues(out, elems->connectivities, total);
+  printValues(out, elems->connectivities,
+              elems->connectivities == nullptr ? 0 : elems->connectivityLength());
   printVectors(out, (label + " attribute").c_str(), elems->attributes);
 }
 
