@@ -7,8 +7,6 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
-
-#include <cerrno>
 #endif
 
 namespace orvml_io {
@@ -40,13 +38,14 @@ bool isRegularFile(const char* fileName) noexcept {
   return ::stat(fileName, &status) == 0 && S_ISREG(status.st_mode);
 }
 
-/// Asks for the lock that HDF5 asks for, on an identifier that goes away at once.
+/// Asks for the lock that HDF5 asks for, on an identifier that goes away at once. Whatever keeps it
+/// from being given may keep HDF5 from getting it.
 bool isLocked(const char* fileName) noexcept {
   if (!isRegularFile(fileName)) {
     return false;
   }
   const Descriptor file(::open(fileName, O_RDWR | O_CLOEXEC));
-  return file.get() >= 0 && ::flock(file.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+  return file.get() >= 0 && ::flock(file.get(), LOCK_EX | LOCK_NB) != 0;
 }
 
 #else

@@ -1,19 +1,37 @@
 #pragma once
 
-#include <set>
+#include "support/document_builder.h"
+
 #include <string>
 
 namespace orvml_io_tests {
 
-/// What of a document is missing from another description of it (files/described_document.h), in
-/// words: "nodes", "face attribute", "parameter"; "module" stands for all identification. Empty
-/// when nothing is. What was made up, and is no changed part, is named with a "+".
-std::set<std::string> lostParts(const std::string& whole, const std::string& found);
+/// What a call of an exported function gave: its result, and the documents that came with it, as
+/// files/described_document.h describes them.
+struct Outcome {
+  int status = 0;
+  std::string documents;
+};
 
-std::string joined(const std::set<std::string>& parts, const char* separator);
+// The readers. They call every accessor of what comes back, and delete it.
+Outcome readInput(const char* path);
+Outcome readOutput(const char* path);
+Outcome readBoth(const char* path);
 
-/// Calls every accessor of a document that came back from a reader, describes it, and deletes it.
-/// Null has an empty description.
-std::string describeAndDelete(void* document);
+/// The documents that the writers write.
+struct Sources {
+  BuiltDocument input = fullDocument();
+  BuiltDocument output = documentWithMixedShapes();
+};
+
+// The writers. Both of one document write the input.
+int writeInput(const char* path, const Sources& sources);
+int writeOutput(const char* path, const Sources& sources);
+int writeBoth(const char* path, const Sources& sources);
+
+/// What of documents is missing from another description of them, in words and separated by commas:
+/// "nodes", "face attribute", "parameter"; "module" stands for all identification, "everything" for
+/// all. Empty when nothing is missing. What was made up, and is no changed part, has a "+".
+std::string lostParts(const std::string& whole, const std::string& found);
 
 }  // namespace orvml_io_tests
