@@ -30,3 +30,7 @@ string(JOIN " " private_libraries ${HDF5_C_HL_LIBRARIES} ${HDF5_C_LIBRARIES})
 configure_file("${PROJECT_SOURCE_DIR}/cmake/orvml_io.pc.in" "${PROJECT_BINARY_DIR}/orvml_io.pc" @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/orvml_io.pc"
   DESTINATION "${pkgconfig_dir}" COMPONENT development)
+
+if(ORVML_IO_PACKAGE)
+  include(OrvmlPackage)
+endif()

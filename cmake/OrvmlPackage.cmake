@@ -1,0 +1,79 @@
+# Debian packages: `cpack -G DEB` in a build whose prefix is /usr (scripts/package makes one). Each
+# install component is a package.
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME liborvml-io)
+set(CPACK_PACKAGE_VERSION "${PROJECT_VERSION}")
+set(CPACK_PACKAGE_CONTACT "liborvml_io authors <maintainers@liborvml-io.example>")
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_STRIP_FILES ON)
+
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
+set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
+set(CPACK_COMPONENTS_ALL runtime development)
+
+set(about "Carries a mesh, its meshing parameters and named attributes between a
+pre-processing application and a meshing module, in memory and in HDF5
+exchange files of one fixed format.
+")
+
+# A program asks for the library by its SONAME, so each SONAME has a package of its own and two of
+# them can be installed side by side.
+set(runtime_package "liborvml-io${PROJECT_VERSION}")
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME "${runtime_package}")
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_RUNTIME_DESCRIPTION
+"exchange of meshes and meshing parameters (library)
+${about}
+This package holds the shared library.")
+
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME liborvml-io-dev)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
+  "${runtime_package} (= ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})")
+set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION
+"exchange of meshes and meshing parameters (development files)
+${about}
+This package holds the header, the CMake package and the pkg-config file.")
+
+# What Debian wants beside the files of a package: its terms and its history.
+function(orvml_io_debian_documents component package)
+  set(folder "${CMAKE_INSTALL_DATAROOTDIR}/doc/${package}")
+  set(changelog "${PROJECT_BINARY_DIR}/debian/${package}.changelog")
+  string(TIMESTAMP RELEASE_DATE "%a, %d %b %Y %H:%M:%S +0000" UTC)
+  configure_file("${PROJECT_SOURCE_DIR}/cmake/debian/changelog.in" "${changelog}" @ONLY)
+  execute_process(COMMAND gzip -9nc "${changelog}" OUTPUT_FILE "${changelog}.gz"
+    COMMAND_ERROR_IS_FATAL ANY)
+  install(FILES "${changelog}.gz" RENAME changelog.Debian.gz DESTINATION "${folder}"
+    COMPONENT ${component})
+  install(FILES "${PROJECT_SOURCE_DIR}/cmake/debian/copyright" DESTINATION "${folder}"
+    COMPONENT ${component})
+endfunction()
+
+orvml_io_debian_documents(runtime "${runtime_package}")
+orvml_io_debian_documents(development liborvml-io-dev)
+
+# The loader's cache has to learn of the library, and other packages which package has its SONAME.
+set(triggers "${PROJECT_BINARY_DIR}/debian/triggers")
+file(WRITE "${triggers}" "activate-noawait ldconfig\n")
+set(shlibs "${PROJECT_BINARY_DIR}/debian/shlibs")
+file(WRITE "${shlibs}" "liborvml_io ${PROJECT_VERSION} ${runtime_package} (>= ${PROJECT_VERSION})\n")
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA "${triggers};${shlibs}")
+
+if(ORVML_IO_DOCUMENTATION)
+  list(APPEND CPACK_COMPONENTS_ALL documentation)
+  set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_NAME liborvml-io-doc)
+  set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_SECTION doc)
+  set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_ARCHITECTURE all)
+  set(CPACK_DEBIAN_DOCUMENTATION_DESCRIPTION
+"exchange of meshes and meshing parameters (documentation)
+${about}
+This package holds the guides and the reference as static pages.")
+  orvml_io_debian_documents(documentation liborvml-io-doc)
+  install(DIRECTORY "${ORVML_IO_DOCUMENTATION}/"
+    DESTINATION "${CMAKE_INSTALL_DATAROOTDIR}/doc/liborvml-io-doc/html" COMPONENT documentation)
+endif()
+
+include(CPack)

@@ -1,0 +1,68 @@
+#!/usr/bin/env bash
+# Installs the Debian packages in a root that has nothing but a compiler, builds and runs the README's
+# example there, removes the packages and compares the root with what it was. Arguments: the folder of
+# the packages, README.md, and a scratch folder, where the archive of the clean root is kept for the
+# next run. Ends with 77 where such a root cannot be made.
+set -euo pipefail
+packages=$1
+readme=$2
+scratch=$3
+
+skip() {
+  echo "skipped: $1" >&2
+  exit 77
+}
+
+[ "$(id -u)" -eq 0 ] || skip "only root can enter another root"
+command -v mmdebstrap >/dev/null || skip "there is no mmdebstrap"
+unshare --mount true 2>/dev/null || skip "this machine grants no mount namespace"
+
+mkdir -p "$scratch"
+archive="$scratch/clean-root.tar"
+root="$scratch/root"
+sources=/etc/apt/sources.list.d/debian.sources
+[ -e "$sources" ] || sources=/etc/apt/sources.list
+
+# Manuals and translations would only cost time. The lists of packages stay for the installation.
+if [ ! -s "$archive" ]; then
+  mmdebstrap --quiet --variant=apt --include=g++,pkg-config --skip=cleanup/apt/lists \
+    --aptopt='Acquire::Languages "none"' --dpkgopt=force-unsafe-io \
+    --dpkgopt='path-exclude=/usr/share/man/*' --dpkgopt='path-exclude=/usr/share/locale/*' \
+    "$(. /etc/os-release && echo "$VERSION_CODENAME")" "$scratch/new.tar" <"$sources" >&2
+  mv "$scratch/new.tar" "$archive"
+fi
+
+rm -rf "$root"
+mkdir "$root"
+tar -C "$root" -xf "$archive"
+cp /etc/resolv.conf "$root/etc/resolv.conf"
+cp "$packages"/*.deb "$root/tmp/"
+sed -n '/^```cpp$/,/^```$/p' "$readme" | sed '1d;$d' >"$root/tmp/example.cpp"
+
+# What apt and the loader note for themselves is no trace of a package.
+cat >"$root/tmp/list" <<'LIST'
+find / -xdev \( -path /var/lib/dpkg -o -path /var/lib/apt -o -path /var/cache -o -path /var/log \
+  -o -path /tmp -o -path /etc/ld.so.cache \) -prune -o -printf '%p %l %s\n' | LC_ALL=C sort
+LIST
+cat >"$root/tmp/steps" <<'STEPS'
+set -eu
+cd /tmp
+sh list >before
+export DEBIAN_FRONTEND=noninteractive
+apt-get install -y -qq --no-install-recommends ./*.deb >apt.log 2>&1 || { cat apt.log; exit 1; }
+dpkg-query -W -f='${Package} ${Version}\n' '*orvml*'
+g++ -std=c++11 example.cpp -o example $(pkg-config --cflags --libs orvml_io)
+./example
+apt-get purge -y -qq --autoremove '*orvml*' >apt.log 2>&1 || { cat apt.log; exit 1; }
+sh list >after
+diff before after
+! ldconfig -p | grep orvml
+STEPS
+unshare --mount chroot "$root" sh /tmp/steps >"$scratch/steps.log" 2>&1 || {
+  cat "$scratch/steps.log" >&2
+  exit 1
+}
+cat "$scratch/steps.log"
+grep -qx '4 nodes, 1 tetrahedron, mesh size 0.25' "$scratch/steps.log"
+rm -rf "$root"
+echo "the packages install, serve a program and leave no trace"
