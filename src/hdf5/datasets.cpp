@@ -1,5 +1,4 @@
 #include "hdf5/datasets.h"
-
 #include "hdf5/status.h"
 
 #include <hdf5_hl.h>
@@ -12,23 +11,9 @@ int readAs(hid_t dataset, hid_t nativeType, void* values) noexcept {
   return H5Dread(dataset, nativeType, H5S_ALL, H5S_ALL, H5P_DEFAULT, values) < 0 ? kFailed : kOk;
 }
 
-int makeZeros(hid_t file, const Path& path, hid_t nativeType, const DataspaceId& space) noexcept {
-  const PropertyListId creation(H5Pcreate(H5P_DATASET_CREATE));
-  if (!creation.valid() || H5Pset_alloc_time(creation.get(), H5D_ALLOC_TIME_EARLY) < 0) {
-    return kFailed;
-  }
-  const DatasetId made(H5Dcreate2(file, path.c_str(), nativeType, space.get(), H5P_DEFAULT,
-                                  creation.get(), H5P_DEFAULT));
-  return made.valid() ? kOk : kFailed;
-}
-
 template <std::size_t Rank>
 int makeDataset(hid_t file, const Path& path, hid_t nativeType, const hsize_t (&extents)[Rank],
                 const void* values) noexcept {
-  if (values == nullptr) {
-    const DataspaceId space(H5Screate_simple(static_cast<int>(Rank), extents, nullptr));
-    return space.valid() ? makeZeros(file, path, nativeType, space) : kFailed;
-  }
   return H5LTmake_dataset(file, path.c_str(), static_cast<int>(Rank), extents, nativeType, values) <
                  0
              ? kFailed

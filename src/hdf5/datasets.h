@@ -17,8 +17,9 @@ void createGroupIfAbsent(hid_t file, const Path& path) noexcept;
 /// Reads a whole dataset, converted to native doubles.
 [[nodiscard]] int readValues(hid_t dataset, double* values) noexcept;
 
-/// Makes a dataset of rank 2, row-major. Null values make one that is filled with zeros, in storage
-/// of its own: readers refuse large datasets that are not stored.
+/// Makes a dataset of rank 2, row-major. Null values make one of which nothing is stored: it
+/// reads as zeros while it is small, and readers refuse it when it is large, so that a count
+/// without an array behind it costs neither disk nor memory.
 [[nodiscard]] int makeTable(hid_t file, const Path& path, int rows, int columns,
                             const double* values) noexcept;
 

@@ -34,6 +34,7 @@ struct Scene {
 struct Call {
   const char* name;
   int (*run)(Scene& scene);
+  bool allocates = true;
 
   friend std::ostream& operator<<(std::ostream& stream, const Call& call) {
     return stream << call.name;
@@ -113,11 +114,11 @@ int setParameters(Scene& /*scene*/) {
   return status;
 }
 
-const Call kCalls[] = {{"ReadInput", readCurrent}, {"ReadOutput", readOutput},
-                       {"ReadBoth", readBoth},     {"ReadLegacy", readLegacy},
-                       {"Write", write},           {"Clone", clone},
-                       {"Compare", compare},       {"Print", print},
-                       {"Create", create},         {"SetParameters", setParameters}};
+const Call kCalls[] = {
+    {"ReadInput", readCurrent},      {"ReadOutput", readOutput}, {"ReadBoth", readBoth},
+    {"ReadLegacy", readLegacy},      {"Write", write},           {"Clone", clone},
+    {"Compare", compare, false},     {"Print", print},           {"Create", create},
+    {"SetParameters", setParameters}};
 
 using Row = std::tuple<Call, Failing>;
 
@@ -165,7 +166,7 @@ TEST_P(OutOfMemory, IsReportedOrBorneAndLosesNothing) {
 
   EXPECT_EQ(describe(scene.sources.input.handle()), before);
   RecordProperty("allocations", n - 2);
-  EXPECT_GT(n, 2);
+  EXPECT_EQ(n > 2, call().allocates);
 }
 
 std::string testName(const ::testing::TestParamInfo<Row>& info) {

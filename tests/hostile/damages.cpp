@@ -2,11 +2,15 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
 namespace orvml_io_tests {
 
 namespace {
 
 using Dims = std::vector<hsize_t>;
+
+constexpr hsize_t kMostInts = 0x7fffffff;
 
 /// The values of a dataset as doubles; ones when it holds no numbers.
 std::vector<double> valuesOf(const RawFile& file, const std::string& path) {
@@ -107,22 +111,52 @@ void makeHuge(RawFile& file, const std::string& path, hsize_t firstExtent, hid_t
   makeUnstored(file, path, extents, properties);
 }
 
-void makeHugeInOneBlock(RawFile& file, const std::string& path) {
-  makeHuge(file, path, hsize_t{1} << 40, H5P_DEFAULT);
+template <hsize_t FirstExtent>
+void makeUnstoredInOneBlock(RawFile& file, const std::string& path) {
+  makeHuge(file, path, FirstExtent, H5P_DEFAULT);
 }
 
-void makeHugeInChunks(RawFile& file, const std::string& path) {
+template <hsize_t FirstExtent>
+void makeUnstoredInChunks(RawFile& file, const std::string& path) {
   Dims chunk = file.shape(path).extents;
   chunk[0] = 1024;
   const hid_t properties = H5Pcreate(H5P_DATASET_CREATE);
   H5Pset_chunk(properties, static_cast<int>(chunk.size()), chunk.data());
-  makeHuge(file, path, hsize_t{1} << 40, properties);
+  makeHuge(file, path, FirstExtent, properties);
   H5Pclose(properties);
 }
 
 /// Cut to 32 bits, the extent is the old one.
 void makeHugeAndAlike(RawFile& file, const std::string& path) {
   makeHuge(file, path, (hsize_t{1} << 32) + file.shape(path).extents[0], H5P_DEFAULT);
+}
+
+/// Replaces a dataset by one of the same values in another numeric type.
+void convert(RawFile& file, const std::string& path, hid_t type) {
+  replaceByNumbers(file, path, type, file.shape(path).extents);
+}
+
+void makeBytes(RawFile& file, const std::string& path) { convert(file, path, H5T_STD_I8LE); }
+void makeUnsignedBytes(RawFile& file, const std::string& path) {
+  convert(file, path, H5T_STD_U8LE);
+}
+void makeShorts(RawFile& file, const std::string& path) { convert(file, path, H5T_STD_I16BE); }
+void makeBigEndianInts(RawFile& file, const std::string& path) {
+  convert(file, path, H5T_STD_I32BE);
+}
+void makeLongs(RawFile& file, const std::string& path) { convert(file, path, H5T_STD_I64LE); }
+void makeBigEndianDoubles(RawFile& file, const std::string& path) {
+  convert(file, path, H5T_IEEE_F64BE);
+}
+
+/// Numbers of 16 bits with a sign, 5 bits of exponent and 10 of mantissa.
+void makeHalves(RawFile& file, const std::string& path) {
+  const hid_t type = H5Tcopy(H5T_IEEE_F32LE);
+  H5Tset_fields(type, 15, 10, 5, 0, 10);
+  H5Tset_size(type, 2);
+  H5Tset_ebias(type, 15);
+  convert(file, path, type);
+  H5Tclose(type);
 }
 
 void swapNumericType(RawFile& file, const std::string& path) {
@@ -159,6 +193,14 @@ void makeTextsOfVariableLength(RawFile& file, const std::string& path) {
 void makeRecords(RawFile& file, const std::string& path) {
   const hid_t type = H5Tcreate(H5T_COMPOUND, sizeof(int));
   H5Tinsert(type, "value", 0, H5T_NATIVE_INT);
+  retypeAndClose(file, path, type);
+}
+
+void makeEnumeration(RawFile& file, const std::string& path) {
+  const hid_t type = H5Tenum_create(H5T_NATIVE_INT);
+  for (const auto& [name, value] : {std::pair("zero", 0), std::pair("one", 1)}) {
+    H5Tenum_insert(type, name, &value);
+  }
   retypeAndClose(file, path, type);
 }
 
@@ -243,6 +285,13 @@ const std::vector<Damage>& damages() {
   static const std::vector<Damage> all = {
       {"LinkToItsNewPlace", Finding::moved, makeLinkToItsNewPlace},
       {"OtherNumericType", Finding::converted, swapNumericType},
+      {"Bytes", Finding::converted, makeBytes},
+      {"UnsignedBytes", Finding::converted, makeUnsignedBytes},
+      {"BigEndianShorts", Finding::converted, makeShorts},
+      {"BigEndianInts", Finding::converted, makeBigEndianInts},
+      {"Longs", Finding::converted, makeLongs},
+      {"Halves", Finding::converted, makeHalves},
+      {"BigEndianDoubles", Finding::converted, makeBigEndianDoubles},
       {"Missing", Finding::nothing, makeMissing},
       {"Group", Finding::nothing, makeGroup},
       {"NamedType", Finding::nothing, makeNamedType},
@@ -259,12 +308,20 @@ const std::vector<Damage>& damages() {
       {"Empty", Finding::empty, makeEmpty},
       {"OneMoreValue", Finding::longer, makeLonger},
       {"OneValueLess", Finding::shorter, makeShorter},
-      {"HugeInOneBlock", Finding::huge, makeHugeInOneBlock},
-      {"HugeInChunks", Finding::huge, makeHugeInChunks},
+      {"Unstored46341", Finding::unstored,
+       makeUnstoredInOneBlock<46341>},  // its square needs 32 bits
+      {"Unstored65536", Finding::unstored, makeUnstoredInOneBlock<65536>},
+      {"Unstored65536InChunks", Finding::unstored, makeUnstoredInChunks<65536>},
+      {"MostInts", Finding::huge, makeUnstoredInOneBlock<kMostInts>},
+      {"OneMoreThanMostInts", Finding::huge, makeUnstoredInOneBlock<kMostInts + 1>},
+      {"HugeInOneBlock", Finding::huge, makeUnstoredInOneBlock<hsize_t{1} << 40>},
+      {"HugeInChunks", Finding::huge, makeUnstoredInChunks<hsize_t{1} << 40>},
+      {"HugestInChunks", Finding::huge, makeUnstoredInChunks<hsize_t{1} << 62>},
       {"HugeButAlikeIn32Bits", Finding::huge, makeHugeAndAlike},
       {"Texts", Finding::noNumbers, makeTexts},
       {"TextsOfVariableLength", Finding::noNumbers, makeTextsOfVariableLength},
       {"Records", Finding::noNumbers, makeRecords},
+      {"Enumeration", Finding::enumerated, makeEnumeration},
       {"Sequences", Finding::noNumbers, makeSequences},
       {"Arrays", Finding::noNumbers, makeArrays},
       {"Opaque", Finding::noNumbers, makeOpaque},

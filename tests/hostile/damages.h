@@ -19,7 +19,9 @@ enum class Finding {
   empty,        ///< a first extent of 0
   longer,       ///< a first extent of one more
   shorter,      ///< a first extent of one less
-  huge,         ///< an extent beyond 32 bits, with nothing stored
+  unstored,     ///< an extent of some 10000, with nothing stored
+  huge,         ///< an extent that needs 32 bits and more, with nothing stored
+  enumerated,   ///< the same extents, and an enumeration's zeros, which HDF5 converts to numbers
   noNumbers     ///< the same extents, and values that cannot be converted to numbers
 };
 

@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
 namespace orvml_io_tests {
 
 namespace {
@@ -30,22 +32,57 @@ void rewrite(void* document) {
   EXPECT_EQ(countsOf(copy.get()), countsOf(document));
 }
 
-void use(void* document) {
-  const int dimension = OrvML_IO_GetMeshDimension(document);
-  EXPECT_TRUE(dimension == 2 || dimension == 3) << dimension;
-  callEveryAccessor(document);
-  rewrite(document);
+using Clone = void* (*)(void* source);
+using Compare = bool (*)(void* first, void* second);
+
+/// The functions of one kind of document.
+struct Kind {
+  Reader read;
+  Clone clone;
+  Compare areEqual;
+};
+
+constexpr Kind kInput = {OrvML_IO_ReadOrvInput, OrvML_IO_NewOrvInputHandle,
+                         OrvML_IO_OrvInputsAreEqual};
+constexpr Kind kOutput = {OrvML_IO_ReadOrvOutput, OrvML_IO_NewOrvOutputHandle,
+                          OrvML_IO_OrvOutputsAreEqual};
+
+/// Clones a document, compares the two both ways, and uses the clone when the document is gone.
+void cloneAndCompare(const Kind& kind, Handle document) {
+  Handle copy(kind.clone(document.get()));
+  ASSERT_NE(copy.get(), nullptr);
+  EXPECT_EQ(countsOf(copy.get()), countsOf(document.get()));
+  (void)kind.areEqual(document.get(), copy.get());
+  (void)kind.areEqual(copy.get(), document.get());
+  EXPECT_TRUE(kind.areEqual(document.get(), document.get()));
+  { const Handle released(std::move(document)); }
+  callEveryAccessor(copy.get());
 }
 
-Reading readWith(Reader reader, const char* path) {
+void print(void* document) {
+  const TempFile text;
+  EXPECT_EQ(OrvML_IO_WriteMeshInOrvFormat(text.path(), document), 0);
+}
+
+/// Hands a document to every exported function that takes one, and deletes it.
+void use(const Kind& kind, Handle document) {
+  const int dimension = OrvML_IO_GetMeshDimension(document.get());
+  EXPECT_TRUE(dimension == 2 || dimension == 3) << dimension;
+  callEveryAccessor(document.get());
+  rewrite(document.get());
+  print(document.get());
+  cloneAndCompare(kind, std::move(document));
+}
+
+Reading readWith(const Kind& kind, const char* path) {
   Handle document;
   Reading reading;
-  reading.status = reader(path, document.out());
+  reading.status = kind.read(path, document.out());
   expectStated(reading.status);
   if (document.get() != nullptr) {
     reading.hasDocument = true;
     reading.counts = countsOf(document.get());
-    use(document.get());
+    use(kind, std::move(document));
   }
   return reading;
 }
@@ -71,8 +108,8 @@ void expectAgreement(const Readings& readings) {
 Readings readInEveryWay(const char* path) {
   const OpenIds ids;
   Readings readings;
-  readings.input = readWith(OrvML_IO_ReadOrvInput, path);
-  readings.output = readWith(OrvML_IO_ReadOrvOutput, path);
+  readings.input = readWith(kInput, path);
+  readings.output = readWith(kOutput, path);
   readings.both = readBoth(path);
   return readings;
 }
@@ -88,7 +125,7 @@ Readings readInSilence(const char* path) {
 Reading readInputInSilence(const char* path) {
   const OpenIds ids;
   CapturedOutput captured;
-  const Reading reading = readWith(OrvML_IO_ReadOrvInput, path);
+  const Reading reading = readWith(kInput, path);
   EXPECT_EQ(captured.stop(), "");
   return reading;
 }

@@ -28,8 +28,8 @@ struct Readings {
 
 /// Reads a file in every way that the library offers. Whatever is in the file, each reader has to
 /// give one of its stated results, and a document that came back has to bear every call: all its
-/// accessors, being written to a file of its own, and being deleted. What fails adds a test
-/// failure.
+/// accessors, being written to a file of its own, printed, cloned, compared and deleted. What fails
+/// adds a test failure.
 Readings readInEveryWay(const char* path);
 
 /// Does the same, and expects that nothing was printed and that the reader of both documents did
