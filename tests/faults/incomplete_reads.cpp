@@ -1,5 +1,7 @@
 #include "faults/incomplete_reads.h"
 
+#include "faults/finding.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -38,6 +40,9 @@ void expectListed(const std::set<std::string>& found, const std::string& beginni
   const Rows listed = listedRows(beginning);
   for (const std::string& row : difference(found, listed)) {
     ADD_FAILURE() << "not in the list: " << row;
+  }
+  if (kFailureStep > 1) {
+    return;  // what was not tried cannot be missed
   }
   for (const std::string& row : difference(listed, found)) {
     ADD_FAILURE() << "to be taken out of the list: " << row;

@@ -1,6 +1,7 @@
 // A writer that is killed leaves a file that readers take for no exchange file, or one that is
 // complete: HDF5 writes what makes a file readable last. A part of a document never comes back.
 #include "faults/child.h"
+#include "faults/finding.h"
 #include "faults/outcome.h"
 #include "faults/transfers.h"
 #include "support/row_name.h"
@@ -63,6 +64,7 @@ BuiltDocument withManyAttributes() {
   return document;
 }
 
+constexpr int kLargeWriters = kFailureStep > 1 ? 2 : 5;
 constexpr int kManyNodes = 100 * 1000 * 1000 / 24;  // of 24 bytes each: 100 MB
 
 BuiltDocument withManyNodes() {
@@ -94,14 +96,14 @@ class KilledWriter : public ::testing::TestWithParam<Mishap> {};
 TEST_P(KilledWriter, LeavesNothingOrAWholeSmallDocument) {
   const BuiltDocument document = fullDocument();
   const std::string whole = wholeOf(document);
-  int kills = 0;
-  for (std::string found; found != kNothingLeft; ++kills) {
-    found = readAfterKilling(document, kills + 1, GetParam());
+  int n = 1;
+  for (std::string found; found != kNothingLeft; n += kFailureStep) {
+    found = readAfterKilling(document, n, GetParam());
     EXPECT_TRUE(found.empty() || found == whole || found == kNothingLeft)
-        << "write " << kills + 1 << ": " << lostParts(whole, found);
+        << "write " << n << ": " << lostParts(whole, found);
   }
 
-  EXPECT_GT(kills, 10);
+  EXPECT_GT(n, 10);
 }
 
 // The first writes, the last ones, and some between.
@@ -111,7 +113,7 @@ TEST_P(KilledWriter, LeavesNothingOrAWholeDocumentOfManyAttributes) {
   const int writes = numberOfWrites(document);
   constexpr int kEnds = 20;
   const int step = std::max(1, writes / 60);
-  for (int n = 1; n <= writes; n += n < kEnds || n > writes - kEnds ? 1 : step) {
+  for (int n = 1; n <= writes; n += n < kEnds || n > writes - kEnds ? kFailureStep : step) {
     const std::string found = readAfterKilling(document, n, GetParam());
     EXPECT_TRUE(found.empty() || found == whole)
         << "write " << n << " of " << writes << ": " << lostParts(whole, found);
@@ -122,7 +124,7 @@ TEST_P(KilledWriter, LeavesNothingOrAWholeLargeDocument) {
   const BuiltDocument document = withManyNodes();
   const int writes = numberOfWrites(document);
   std::mt19937 random(2026);
-  for (int i = 0; i < 5; ++i) {
+  for (int i = 0; i < kLargeWriters; ++i) {
     const int n = 1 + static_cast<int>(random() % static_cast<unsigned>(writes));
     const std::string found = readAfterKilling(document, n, GetParam(), manyNodesIn);
     EXPECT_TRUE(found.empty() || found == "whole") << "write " << n << " of " << writes;
