@@ -46,6 +46,7 @@ hid_t createInMemory(bool latestFormat) {
 void setUpHdf5() {
   ::setenv("TEST_TMPDIR", "/dev/shm/", 0);  // where the files of TempFile lie, unless it is said
   H5dont_atexit();
+  H5PLset_loading_state(0);  // an input may name a filter, and no library is to be looked for
   H5Eset_auto2(H5E_DEFAULT, nullptr, nullptr);
   // Every file takes the same tables of some hundred kilobytes: HDF5 may keep them for the next.
   constexpr int kKeptBytes = 4 << 20;
