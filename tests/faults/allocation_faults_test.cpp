@@ -165,7 +165,7 @@ TEST_P(OutOfMemory, IsReportedOrBorneAndLosesNothing) {
   }
 
   EXPECT_EQ(describe(scene.sources.input.handle()), before);
-  RecordProperty("allocations", n - 2);
+  RecordProperty("failures", n - 2);
   EXPECT_EQ(n > 2, call().allocates);
 }
 

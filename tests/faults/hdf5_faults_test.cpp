@@ -76,6 +76,7 @@ TEST_P(FailingReads, AreReportedExceptWhereAbsenceIsNoFailure) {
         }
       });
 
+  RecordProperty("failures", failures);
   EXPECT_GT(failures, 30);
   expectListed(rows, rowBeginning());
 }
@@ -169,6 +170,7 @@ TEST_P(FailingWrites, AreReportedOrTheFileIsComplete) {
                                         EXPECT_EQ(finding.lostAgain, "") << finding.function;
                                       });
 
+  RecordProperty("failures", failures);
   EXPECT_GT(failures, 30);
 }
 
@@ -181,6 +183,7 @@ TEST_P(FailingWrites, FollowedByReadingInventNothing) {
                                             << finding.function << ": " << finding.lost;
                                       });
 
+  RecordProperty("failures", failures);
   EXPECT_GT(failures, 30);
 }
 

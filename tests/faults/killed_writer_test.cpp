@@ -103,6 +103,7 @@ TEST_P(KilledWriter, LeavesNothingOrAWholeSmallDocument) {
         << "write " << n << ": " << lostParts(whole, found);
   }
 
+  RecordProperty("failures", n - 1);
   EXPECT_GT(n, 10);
 }
 
@@ -113,6 +114,7 @@ TEST_P(KilledWriter, LeavesNothingOrAWholeDocumentOfManyAttributes) {
   const int writes = numberOfWrites(document);
   constexpr int kEnds = 20;
   const int step = std::max(1, writes / 60);
+  RecordProperty("writes", writes);
   for (int n = 1; n <= writes; n += n < kEnds || n > writes - kEnds ? kFailureStep : step) {
     const std::string found = readAfterKilling(document, n, GetParam());
     EXPECT_TRUE(found.empty() || found == whole)
@@ -123,6 +125,7 @@ TEST_P(KilledWriter, LeavesNothingOrAWholeDocumentOfManyAttributes) {
 TEST_P(KilledWriter, LeavesNothingOrAWholeLargeDocument) {
   const BuiltDocument document = withManyNodes();
   const int writes = numberOfWrites(document);
+  RecordProperty("writes", writes);
   std::mt19937 random(2026);
   for (int i = 0; i < kLargeWriters; ++i) {
     const int n = 1 + static_cast<int>(random() % static_cast<unsigned>(writes));

@@ -90,6 +90,7 @@ TEST_P(FailedWrites, AreReported) {
                                         EXPECT_EQ(finding.lostAgain, "");
                                       });
 
+  RecordProperty("failures", failures);
   EXPECT_GT(failures, 0);
 }
 
@@ -113,6 +114,7 @@ TEST_P(BearableWrites, WriteTheWholeFile) {
                                         EXPECT_EQ(finding.lost, "");
                                       });
 
+  RecordProperty("failures", failures);
   EXPECT_GT(failures, 10);
 }
 
@@ -142,6 +144,7 @@ TEST_P(FailedReads, AreReportedExceptWhereAbsenceIsNoFailure) {
         }
       });
 
+  RecordProperty("failures", failures);
   EXPECT_GT(failures, 0);
   expectListed(rows, beginning);
 }
@@ -167,6 +170,7 @@ TEST_P(BearableReads, ReadTheWholeFile) {
                                         EXPECT_EQ(finding.lost, "");
                                       });
 
+  RecordProperty("failures", failures);
   EXPECT_GT(failures, 10);
 }
 
