@@ -1,0 +1,103 @@
+#!/usr/bin/env python3
+"""Checks the built site: every link leads somewhere, every exported symbol is documented.
+
+    check_pages.py [--browser] SITE EXPORTED_SYMBOLS
+
+With --browser each page is also loaded in headless Chromium, which must show its heading and report
+no error.
+"""
+import collections
+import html
+import html.parser
+import pathlib
+import re
+import sys
+import urllib.parse
+
+
+class Page(html.parser.HTMLParser):
+    """The targets of a page, and the places in it that can be linked to."""
+
+    def __init__(self, path):
+        super().__init__()
+        self.path = path
+        self.targets, self.places = [], set()
+        self.feed(path.read_text())
+
+    def handle_starttag(self, tag, attributes):
+        named = dict(attributes)
+        self.places.update(named[key] for key in ("id", "name") if named.get(key))
+        self.targets.extend(named[key] for key in ("href", "src") if named.get(key))
+
+
+def dead_links(site, pages):
+    for page in pages.values():
+        for target in page.targets:
+            parts = urllib.parse.urlsplit(target)
+            if parts.scheme or parts.netloc:
+                continue
+            path = page.path
+            if parts.path:
+                path = (page.path.parent / urllib.parse.unquote(parts.path)).resolve()
+            if not path.exists():
+                yield f"{page.path.relative_to(site)}: {target} does not exist"
+            elif parts.fragment and path in pages:
+                if urllib.parse.unquote(parts.fragment) not in pages[path].places:
+                    yield f"{page.path.relative_to(site)}: {target} has no such place"
+
+
+def undocumented(pages, symbols):
+    """A function is documented where its signature has a place, once for each overload."""
+    exported = collections.Counter(line.partition("(")[0]
+                                   for line in symbols.read_text().splitlines())
+    places = [place for page in pages.values() for place in page.places]
+    for name, overloads in exported.items():
+        # A place is the mangled signature: the length of the name, the name, the parameters.
+        signature = re.compile(rf"_CPPv4\w*?{len(name)}{name}")
+        documented = sum(1 for place in places if signature.match(place))
+        if documented != overloads:
+            yield f"{name} is documented {documented} times and exported {overloads} times"
+
+
+def failures_in_browser(site, paths):
+    from selenium import webdriver  # only this needs it
+
+    options = webdriver.ChromeOptions()
+    for argument in ("--headless", "--no-sandbox", "--disable-gpu", "--disable-dev-shm-usage"):
+        options.add_argument(argument)
+    options.set_capability("goog:loggingPrefs", {"browser": "ALL"})
+    browser = webdriver.Chrome(options=options)
+    try:
+        for path in paths:
+            browser.get(path.as_uri())
+            heading = re.search(r"<h1>(.*?)<", path.read_text(), re.S)
+            shown = browser.find_elements("css selector", "h1")
+            if heading and (not shown or html.unescape(heading.group(1)) not in shown[0].text):
+                yield f"{path.relative_to(site)}: the browser does not show its heading"
+            for image in browser.find_elements("css selector", "article img"):
+                if not browser.execute_script("return arguments[0].naturalWidth > 0", image):
+                    yield f"{path.relative_to(site)}: {image.get_attribute('src')} is not shown"
+            for entry in browser.get_log("browser"):
+                yield f"{path.relative_to(site)}: the browser says {entry['message']}"
+    finally:
+        browser.quit()
+
+
+def main(arguments):
+    use_browser = "--browser" in arguments
+    site, symbols = (pathlib.Path(argument).resolve() for argument in arguments
+                     if argument != "--browser")
+    paths = sorted(site.rglob("*.html"))
+    pages = {path: Page(path) for path in paths}
+    failures = list(dead_links(site, pages))
+    failures.extend(undocumented(pages, symbols))
+    if use_browser:
+        failures.extend(failures_in_browser(site, paths))
+    print("\n".join(failures), file=sys.stderr, end="\n" if failures else "")
+    print(f"{len(paths)} pages, {sum(len(page.targets) for page in pages.values())} links, "
+          f"{len(failures)} failures")
+    return 1 if failures or not paths else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(sys.argv[1:]))

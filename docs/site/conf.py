@@ -1,0 +1,109 @@
+"""Sphinx turns the pages of docs/ and Doxygen's XML of the header into the site (scripts/docs)."""
+import os
+import pathlib
+import re
+
+version_line = re.search(r"VERSION (\d+\.\d+\.\d+)", open(os.environ["ORVML_IO_CMAKE_LISTS"]).read())
+
+project = "liborvml_io"
+author = "the liborvml_io authors"
+copyright = "2026, the liborvml_io authors"
+version = release = version_line.group(1)
+
+extensions = ["myst_parser", "breathe", "sphinx_copybutton"]
+source_suffix = {".md": "markdown"}
+exclude_patterns = ["site", "README.md"]
+nitpicky = True
+# Types of the language itself have no page.
+nitpick_ignore_regex = [("cpp:identifier", "size_t")]
+
+myst_heading_anchors = 3
+myst_enable_extensions = ["colon_fence", "deflist"]
+breathe_projects = {"header": os.environ["ORVML_IO_XML"]}
+breathe_default_project = "header"
+primary_domain = "cpp"
+highlight_language = "none"
+cpp_id_attributes = ["ORVML_IO_EXPORT"]
+copybutton_prompt_text = r"\$ |>>> |\.\.\. "
+copybutton_prompt_is_regexp = True
+
+html_theme = "furo"
+html_title = f"liborvml_io {release}"
+html_static_path = ["static"]
+html_css_files = ["site.css"]
+html_favicon = "static/mark.svg"
+html_show_sphinx = False
+html_copy_source = False
+html_theme_options = {
+    "sidebar_hide_name": True,
+    "light_logo": "name-light.svg",
+    "dark_logo": "name-dark.svg",
+    "light_css_variables": {
+        "color-brand-primary": "#0b6e6e",
+        "color-brand-content": "#0b6e6e",
+        "color-api-name": "#0b6e6e",
+        "color-api-pre-name": "#5b6f6f",
+        "font-stack": "'Inter', 'DejaVu Sans', system-ui, sans-serif",
+        "font-stack--monospace": "'JetBrains Mono', 'DejaVu Sans Mono', monospace",
+    },
+    "dark_css_variables": {
+        "color-brand-primary": "#5cc8c2",
+        "color-brand-content": "#5cc8c2",
+        "color-api-name": "#5cc8c2",
+        "color-api-pre-name": "#9fb5b3",
+    },
+}
+
+# The pages are also read in the repository, where they link to its other files and to pages that
+# other changes bring. Here a link is a link only when its page is part of the site.
+LINK = re.compile(r"(?<!!)\[([^\]]+)\]\((?!https?:|#)([^)#\s]+)(#[^)\s]*)?\)")
+TOCTREE = re.compile(r"(```\{toctree\}\n(?::.*\n)*)((?:.*\n)*?)(```)")
+
+
+def page_of(target):
+    """The name of a page in the site for a path in the repository."""
+    name = re.sub(r"^(\.\./|\./|docs/)+", "", target)
+    return name.lower() if name.isupper() or name[:-3].isupper() else name
+
+
+def keep_links_within_the_site(app, docname, source):
+    def exists(page):
+        return os.path.exists(os.path.join(app.srcdir, os.path.dirname(docname), page))
+
+    def link(match):
+        text, target, anchor = match.groups()
+        page = page_of(target) if target.startswith((".", "docs/")) or target.isupper() else target
+        return f"[{text}]({page}{anchor or ''})" if exists(page) else text
+
+    def toctree(match):
+        entries = [line for line in match.group(2).splitlines()
+                   if not line or exists(re.sub(r".*<(.*)>", r"\1", line) + ".md")]
+        return match.group(1) + "\n".join(entries) + "\n" + match.group(3)
+
+    source[0] = TOCTREE.sub(toctree, LINK.sub(link, source[0]))
+
+
+def replace_in(path, old, new):
+    text = path.read_text()
+    if old in text:
+        path.write_text(text.replace(old, new))
+
+
+def make_theme_whole(app, failure):
+    """Debian ships parts of the theme apart: a style that only its own web server finds, and a script
+    that imports another, which a browser takes from a server alone. Pages on a disk need both whole."""
+    if failure is not None:
+        return
+    static = pathlib.Path(app.outdir) / "_static"
+    shared = pathlib.Path("/usr/share")
+    style = "/javascript/normalize.css/normalize.css"
+    if (shared / style[1:]).exists():
+        replace_in(static / "styles/furo.css", f"@import url({style});",
+                   (shared / style[1:]).read_text())
+    replace_in(static / "scripts/furo.js", 'import Gumshoe from "./gumshoe-patched.js";',
+               (static / "scripts/gumshoe-patched.js").read_text())
+
+
+def setup(app):
+    app.connect("source-read", keep_links_within_the_site)
+    app.connect("build-finished", make_theme_whole)
