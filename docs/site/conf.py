@@ -21,6 +21,7 @@ myst_heading_anchors = 3
 myst_enable_extensions = ["colon_fence", "deflist"]
 breathe_projects = {"header": os.environ["ORVML_IO_XML"]}
 breathe_default_project = "header"
+breathe_show_enumvalue_initializer = True
 primary_domain = "cpp"
 highlight_language = "none"
 cpp_id_attributes = ["ORVML_IO_EXPORT"]
