@@ -87,6 +87,17 @@ TEST_F(OpenAfterWriting, NothingThatBelongsToNoFile) {
   EXPECT_EQ(others.left(), 0);
 }
 
+// Datasets of missing arrays are made in another way than those of values.
+TEST_F(OpenAfterWriting, NothingThatBelongsToNoFileOfMissingArrays) {
+  OrvML_IO_SetNodesCoords(document_.handle(), 5, nullptr);
+  ASSERT_EQ(OrvML_IO_WriteOrvInput(path(), document_.handle()), 0);
+  const OtherIds others;
+
+  ASSERT_EQ(OrvML_IO_WriteOrvInput(path(), document_.handle()), 0);
+
+  EXPECT_EQ(others.left(), 0);
+}
+
 class OpenAfterReading : public ExchangeFileTest {};
 
 TEST_F(OpenAfterReading, GroupOfAnEmptyDocument) {

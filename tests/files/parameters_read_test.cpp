@@ -290,5 +290,19 @@ TEST_F(ReadParameters, PathThatIsTooLongGivesOne) {
   EXPECT_EQ(document.ReadParametersVector(file_.id(), group.c_str()), 1);
 }
 
+// What fits of such a path names an object that is there: it must not be read instead.
+TEST_F(ReadParameters, PathThatIsTooLongIsNotCut) {
+  const BuiltDocument built = BuiltDocument::input(3);
+  orvml_io::OrvInputAndOrvOutput& document = *orvml_io::documentOf(built.handle());
+  std::strcpy(document.fileFormatVersion, "1.4");
+  const std::string table = std::string(1000, '/') + "OrvInput/parameters";
+  const std::string root(1007, '/');
+
+  EXPECT_EQ(document.ReadParametersScalar(file_.id(), table.c_str()), 1);
+  EXPECT_EQ(document.ReadParametersVector(file_.id(), root.c_str()), 1);
+
+  EXPECT_EQ(OrvML_IO_GetNumberOfParameters(built.handle()), 0U);
+}
+
 }  // namespace
 }  // namespace orvml_io_tests

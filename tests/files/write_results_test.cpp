@@ -58,6 +58,7 @@ TEST_P(ImpossiblePath, GivesOneFromEachWriter) {
   EXPECT_EQ(OrvML_IO_WriteOrvInput(GetParam(), document.handle()), 1);
   EXPECT_EQ(OrvML_IO_WriteOrvOutput(GetParam(), document.handle()), 1);
   EXPECT_EQ(OrvML_IO_WriteOrvInputAndOrvOutput(GetParam(), document.handle(), nullptr), 1);
+  EXPECT_EQ(OrvML_IO_WriteOrvInputAndOrvOutput(GetParam(), nullptr, nullptr), 1);
 }
 
 INSTANTIATE_TEST_SUITE_P(Each, ImpossiblePath,

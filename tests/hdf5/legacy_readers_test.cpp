@@ -91,5 +91,12 @@ TEST_F(LegacyReaders, PathsThatDoNotFitGiveOne) {
   EXPECT_EQ(orvml_io::ReadAttributesOld(file().id(), group.c_str(), 1, attributes, ORVML_NODES), 1);
 }
 
+// "/GenericMarkers" fits and the longer "/GenericAttributes" does not.
+TEST_F(LegacyReaders, PathThatFitsForMarkersAloneGivesOne) {
+  const std::string group = "/" + std::string(1022 - 15, 'g');
+
+  EXPECT_EQ(document().ReadParametersVectorOld(file().id(), group.c_str()), 1);
+}
+
 }  // namespace
 }  // namespace orvml_io_tests

@@ -175,6 +175,16 @@ TEST_F(LegacyWriters, PathsThatDoNotFitGiveOne) {
   EXPECT_EQ(document().WriteParametersVectorOld(file().id(), group.c_str()), 1);
 }
 
+// "/GenericMarkers" fits and the longer "/GenericAttributes" does not.
+TEST_F(LegacyWriters, PathThatFitsForMarkersAloneGivesOneAndNothingIsWritten) {
+  built().vector("i", Ints{1});
+  const std::string group(1023 - 15, '/');
+
+  EXPECT_EQ(document().WriteParametersVectorOld(file().id(), group.c_str()), 1);
+
+  EXPECT_EQ(file().members("/"), std::vector<std::string>{"OrvInput"});
+}
+
 TEST_F(LegacyWriters, LeaveNoIdentifierOpen) {
   built().scalar("s", 1).vector("i", Ints{1}).vector("d", Doubles{1});
   const IdCounts before = opened();

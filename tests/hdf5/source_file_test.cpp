@@ -41,6 +41,12 @@ class SourceFiles : public DocumentFileTest {
   TempFile other_;
 };
 
+// HDF5 reports a failure by a negative identifier and by nothing else.
+TEST_F(SourceFiles, AreInvalidForANegativeIdentifierAlone) {
+  EXPECT_FALSE(SourceFile(-1).valid());
+  EXPECT_TRUE(SourceFile(0).valid());
+}
+
 TEST_F(SourceFiles, OpenTheirDatasets) {
   file().intVector("/OrvInput/v", {1});
   const SourceFile source(file().id());

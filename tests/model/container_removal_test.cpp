@@ -75,6 +75,15 @@ TEST_P(RemoveContainer, DoesNothingWithoutAContainer) {
   EXPECT_EQ(containersOf(empty.get()), kNoContainers);
 }
 
+TEST_P(RemoveContainer, DoesNothingWithoutAContainerInADocumentThatOwnsItsArrays) {
+  const Handle empty(OrvML_IO_NewOrvInputHandle());
+  const Handle clone(OrvML_IO_NewOrvInputHandle(empty.get()));
+
+  GetParam().remove(clone.get());
+
+  EXPECT_EQ(containersOf(clone.get()), kNoContainers);
+}
+
 TEST_P(RemoveContainer, DoesNothingForANullHandle) {
   GetParam().remove(nullptr);
 

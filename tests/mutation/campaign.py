@@ -13,6 +13,7 @@ from dataclasses import dataclass, field
 SEED = "orvml_io"
 FEWEST_PER_FILE = 3
 PATIENCE_SECONDS = 20
+LONGEST_SUITE_SECONDS = 30  # longer ones walk through every byte and every failure: for other days
 
 
 def picked(mutants, count):
@@ -38,6 +39,11 @@ class Suite:
     reached: set = field(default_factory=set)
 
 
+def patience_for(suites):
+    """A mutant that lets a test run for ever is caught too."""
+    return PATIENCE_SECONDS + 5 * sum(suite.seconds for suite in suites)
+
+
 class Runner:
     def __init__(self, tree, work):
         self.programs = {target: (path, arguments) for target, path, arguments in tree.programs()}
@@ -47,7 +53,7 @@ class Runner:
         self.temporary = work / "temporary"
 
     def run(self, program, suites, seconds, **environment):
-        """Returns whether all tests of the suites pass in time."""
+        """Returns whether all tests of the suites pass; None when that takes too long."""
         path, arguments = self.programs[program]
         if suites != [""]:
             arguments = ["--gtest_fail_fast", "--gtest_brief=1",
@@ -59,9 +65,9 @@ class Runner:
             stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
             env={**os.environ, "TEST_TMPDIR": str(self.temporary), **environment})
         try:
-            return process.wait(PATIENCE_SECONDS + 5 * seconds) == 0
+            return process.wait(seconds) == 0
         except subprocess.TimeoutExpired:
-            return False
+            return None
         finally:
             # Children of a test that was stopped go with it.
             try:
@@ -80,21 +86,25 @@ class Runner:
                 if line and not line.startswith((" ", "Running"))]
 
     def measure(self, program):
-        """Runs the suites without a mutant, one by one and together; all must pass."""
+        """Runs the suites without a mutant, one by one and then together. One that fails or takes too
+        long could not tell a mutant from the library and is left out."""
         suites = []
         for name in self.suites_of(program):
             self.reached_file.write_bytes(bytes(self.number_of_mutants))
             start = time.monotonic()
-            self.require(program, [name], ORVML_IO_REACHED=str(self.reached_file))
+            passed = self.run(program, [name], LONGEST_SUITE_SECONDS,
+                              ORVML_IO_REACHED=str(self.reached_file))
             seconds = time.monotonic() - start
+            if not passed:
+                reason = "takes too long" if passed is None else "fails without a mutant"
+                print(f"mutate: {program} {name} {reason} and is left out", flush=True)
+                continue
             reached = {n for n, byte in enumerate(self.reached_file.read_bytes()) if byte}
             suites.append(Suite(program, name, seconds, reached))
-        self.require(program, [suite.name for suite in suites])
+        names = [suite.name for suite in suites]
+        if suites and not self.run(program, names, patience_for(suites)):
+            raise RuntimeError(f"{program} fails without a mutant when its suites run together")
         return suites
-
-    def require(self, program, suites, **environment):
-        if not self.run(program, suites, 600, **environment):
-            raise RuntimeError(f"{program} fails without a mutant: {' '.join(suites)}")
 
     def measured(self):
         """What measure() found, for each program that was built anew; the rest is remembered."""
@@ -117,10 +127,14 @@ def catcher_of(runner, suites, mutant):
     for suite in suites:
         if mutant.number in suite.reached:
             by_program[suite.program].append(suite)
-    costs = {program: sum(suite.seconds for suite in of_program)
-             for program, of_program in by_program.items()}
-    for program in sorted(costs, key=costs.get):
-        names = [suite.name for suite in by_program[program]]
-        if not runner.run(program, names, costs[program], ORVML_IO_MUTANT=str(mutant.number)):
+
+    def cost(program):
+        return sum(suite.seconds for suite in by_program[program])
+
+    for program in sorted(by_program, key=cost):
+        of_program = by_program[program]
+        names = [suite.name for suite in of_program]
+        if not runner.run(program, names, patience_for(of_program),
+                          ORVML_IO_MUTANT=str(mutant.number)):
             return program
     return None
