@@ -10,8 +10,6 @@
 #include "hdf5/status.h"
 #include "model/document.h"
 
-#include <hdf5_hl.h>
-
 namespace orvml_io {
 
 namespace {
@@ -21,7 +19,7 @@ constexpr char kOctreeMesherOldSpelling[] = "OrvML_OCTREE_MESHER";
 constexpr char kOctreeMesher[] = "ORVML_OCTREE_MESHER";
 
 int writeRootText(hid_t file, const char* name, const char* text) {
-  return H5LTset_attribute_string(file, layout::kRoot, name, text) < 0 ? kFailed : kOk;
+  return setText(file, name, text);
 }
 
 bool readRootText(const SourceFile& file, const char* name, std::string& text) {
@@ -91,7 +89,7 @@ int OrvInputAndOrvOutput::ReadSpatialDimension(const SourceFile& file, const cha
 
 int OrvInputAndOrvOutput::WriteCommonPart(hid_t file, const char* group,
                                           const char* version) const {
-  createGroupIfAbsent(file, Path(group));
+  (void)createGroupIfAbsent(file, Path(group));
   if (WriteIOCreator(file) != kOk || WriteModuleNameAndVersion(file) != kOk ||
       writeDimension(file, group, meshDimension) != kOk) {
     return kFailed;
@@ -107,12 +105,10 @@ int OrvInputAndOrvOutput::WriteCommonPart(hid_t file, const char* group,
 }
 
 int OrvInputAndOrvOutput::ReadCommonPart(const SourceFile& file, const char* group) {
-  GroupId opened = file.tryOpenGroup(Path(group));
-  if (!opened.valid()) {
+  if (!file.tryKeepGroup(Path(group), KeptOpen::documentGroup)) {
     // Contract: no error here; the dimension stays as it was, which readers test.
     return file.hasRefused() ? kFailed : kOk;
   }
-  (void)keepOpen(std::move(opened), KeptOpen::documentGroup);
   // The version comes first: the readers of attributes and parameters select their layout by it.
   (void)ReadFormatVersion(file);
   (void)ReadIOCreator(file);

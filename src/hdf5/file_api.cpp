@@ -1,4 +1,5 @@
 // Exported functions of the exchange files.
+#include "hdf5/datasets.h"
 #include "hdf5/file_lock.h"
 #include "hdf5/kept_open.h"
 #include "hdf5/layout.h"
@@ -8,8 +9,6 @@
 #include "hdf5/status.h"
 #include "model/document.h"
 #include "orvml_io.h"
-
-#include <hdf5_hl.h>
 
 using orvml_io::documentOf;
 using orvml_io::FileId;
@@ -34,9 +33,8 @@ FileId tryCreateMarkedFile(const char* fileName, const char* version) {
   if (!file.valid()) {
     return FileId();
   }
-  if (H5LTset_attribute_string(file.get(), layout::kRoot, layout::kFormat, layout::kFormatMarker) <
-          0 ||
-      H5LTset_attribute_string(file.get(), layout::kRoot, layout::kFormatVersion, version) < 0) {
+  if (orvml_io::setText(file.get(), layout::kFormat, layout::kFormatMarker) != kOk ||
+      orvml_io::setText(file.get(), layout::kFormatVersion, version) != kOk) {
     (void)orvml_io::keepOpen(std::move(file), orvml_io::KeptOpen::fileAfterMarkerFailure);
     return FileId();
   }

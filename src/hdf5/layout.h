@@ -35,6 +35,13 @@ inline constexpr char kParameters[] = "/parameters";
 inline constexpr char kParametersTableTitle[] = "parameters";
 inline constexpr char kParameterNameField[] = "name";
 inline constexpr char kParameterValueField[] = "value";
+inline constexpr char kTableClass[] = "CLASS";
+inline constexpr char kTableClassName[] = "TABLE";
+inline constexpr char kTableVersion[] = "VERSION";
+inline constexpr char kTableVersionText[] = "3.0";
+inline constexpr char kTableTitle[] = "TITLE";
+inline constexpr char kTableFirstField[] = "FIELD_0_NAME";
+inline constexpr char kTableSecondField[] = "FIELD_1_NAME";
 inline constexpr char kParametersVector[] = "/ParametersVector";
 
 // Positional layouts of formats older than 1.4.

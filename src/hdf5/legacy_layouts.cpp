@@ -55,7 +55,7 @@ void storeUnseen(OML_AttributesVector& store, const std::string& name, const T* 
 template <class T>
 NewArray<T> tryReadVector(hid_t dataset, int length) {
   NewArray<T> values = makeNewArray<T>(length);
-  return readValues(dataset, values.get()) == kOk ? std::move(values) : nullptr;
+  return readFresh(dataset, values.get(), length) == kOk ? std::move(values) : nullptr;
 }
 
 /// The positions of a group that its "MAX_ID" covers; no answer when that is missing or below 1.

@@ -15,14 +15,41 @@ namespace orvml_io {
 
 namespace {
 
-/// Makes one of the three datasets that hold a value for each type group.
-int makeGroupArray(hid_t file, const char* containerPath, const char* subPath, int length,
-                   const int* values) {
-  Path path(containerPath);
-  if (!path.append(subPath)) {
+/// The open group of a container that is written. Its members are made relative to it, which spares
+/// the way from the root; the limit of paths holds for their absolute ones.
+struct WrittenGroup {
+  const char* path;
+  GroupId id;
+
+  [[nodiscard]] bool fits(const char* subPath) const { return Path(path).append(subPath); }
+};
+
+/// The path of a member as seen from its group. Sub-paths begin with a slash.
+Path memberPath(const char* subPath) { return Path(subPath + 1); }
+
+int makeInts(const WrittenGroup& group, const char* subPath, int length, const int* values) {
+  return group.fits(subPath) ? makeVector(group.id.get(), memberPath(subPath), length, values)
+                             : kFailed;
+}
+
+int writeElementTypes(const Elems& elems, const WrittenGroup& group) {
+  const int length = elems.numberOfElementTypes;
+  if (makeInts(group, layout::kNumberOfElementsByType, length, elems.numberOfElementsByType) !=
+      kOk) {
     return kFailed;
   }
-  return makeVector(file, path, length, values);
+  // ElemType has the size and the values of an int (asserted in names.cpp).
+  if (makeInts(group, layout::kElementTypes, length,
+               reinterpret_cast<const int*>(elems.elementTypes)) != kOk) {
+    return kFailed;
+  }
+  return makeInts(group, layout::kNumberOfNodesByElement, length, elems.numberOfNodesByElement);
+}
+
+int writeConnectivities(const Elems& elems, const WrittenGroup& group) {
+  const std::optional<int> size = connectivitySize32(
+      elems.numberOfElementsByType, elems.numberOfNodesByElement, elems.numberOfElementTypes);
+  return size ? makeInts(group, layout::kConnectivities, *size, elems.connectivities) : kFailed;
 }
 
 /// Reads a dataset that must hold exactly `length` ints; null when it does not or cannot be read.
@@ -37,7 +64,7 @@ NewArray<int> tryReadInts(const SourceFile& file, const char* containerPath, con
     return nullptr;
   }
   NewArray<int> values = makeNewArray<int>(length);
-  return readValues(dataset.get(), values.get()) == kOk ? std::move(values) : nullptr;
+  return readFresh(dataset.get(), values.get(), length) == kOk ? std::move(values) : nullptr;
 }
 
 /// Shapes lie in files as ints; any value is taken.
@@ -115,9 +142,10 @@ int Nodes::Write(hid_t file, const char* path, int dimension) const {
       !attributesPath.append(layout::kAttributes)) {
     return kFailed;
   }
-  createGroupIfAbsent(file, Path(path));
+  const GroupId group = createGroupIfAbsent(file, Path(path));
   if (!product32(numberOfNodes, dimension) || !holdsCoordinates(dimension) ||
-      makeTable(file, coordinatesPath, numberOfNodes, dimension, coords) != kOk) {
+      makeTable(group.get(), memberPath(layout::kCoordinates), numberOfNodes, dimension, coords) !=
+          kOk) {
     return kFailed;
   }
   return attributes.HDF5Write(file, attributesPath.c_str());
@@ -128,11 +156,9 @@ int Nodes::Read(const SourceFile& file, const char* path, const char* formatVers
   if (!file.valid() || !coordinatesPath.append(layout::kCoordinates)) {
     return kFailed;
   }
-  GroupId group = file.tryOpenGroup(Path(path));
-  if (!group.valid()) {
+  if (!file.tryKeepGroup(Path(path), KeptOpen::containerGroup)) {
     return kFailed;  // Contract: the writer leaves the group out when there are no nodes.
   }
-  (void)keepOpen(std::move(group), KeptOpen::containerGroup);
   DatasetId probe = file.tryOpenDataset(coordinatesPath);
   if (!probe.valid()) {
     coords = nullptr;
@@ -149,7 +175,7 @@ int Nodes::Read(const SourceFile& file, const char* path, const char* formatVers
   }
   NewArray<double> values = makeNewArray<double>(extents->numberOfValues());
   numberOfNodes = extents->rows;
-  if (readValues(dataset, values.get()) != kOk) {
+  if (readFresh(dataset, values.get(), extents->numberOfValues()) != kOk) {
     return kFailed;  // Contract: the count just read stays, without coordinates.
   }
   coords = values.release();
@@ -165,36 +191,20 @@ int Elems::Write(hid_t file, const char* path) const {
   if (numberOfElementTypes == 0) {
     return kOk;
   }
+  const WrittenGroup group{path, createGroupIfAbsent(file, Path(path))};
   AnyFailure any;
-  any.add(WriteElementTypes(file, path));
-  any.add(WriteConnectivities(file, path));
+  any.add(writeElementTypes(*this, group));
+  any.add(writeConnectivities(*this, group));
   any.add(attributes.HDF5Write(file, attributesPath.c_str()));
   return any.status();
 }
 
 int Elems::WriteElementTypes(hid_t file, const char* path) const {
-  createGroupIfAbsent(file, Path(path));
-  if (makeGroupArray(file, path, layout::kNumberOfElementsByType, numberOfElementTypes,
-                     numberOfElementsByType) != kOk) {
-    return kFailed;
-  }
-  // ElemType has the size and the values of an int (asserted in names.cpp).
-  if (makeGroupArray(file, path, layout::kElementTypes, numberOfElementTypes,
-                     reinterpret_cast<const int*>(elementTypes)) != kOk) {
-    return kFailed;
-  }
-  return makeGroupArray(file, path, layout::kNumberOfNodesByElement, numberOfElementTypes,
-                        numberOfNodesByElement);
+  return writeElementTypes(*this, {path, createGroupIfAbsent(file, Path(path))});
 }
 
 int Elems::WriteConnectivities(hid_t file, const char* path) const {
-  const std::optional<int> size =
-      connectivitySize32(numberOfElementsByType, numberOfNodesByElement, numberOfElementTypes);
-  Path connectivitiesPath(path);
-  if (!size || !connectivitiesPath.append(layout::kConnectivities)) {
-    return kFailed;
-  }
-  return makeVector(file, connectivitiesPath, *size, connectivities);
+  return writeConnectivities(*this, {path, GroupId(H5Gopen2(file, path, H5P_DEFAULT))});
 }
 
 int Elems::Read(const SourceFile& file, const char* path, const char* formatVersion,
@@ -202,11 +212,9 @@ int Elems::Read(const SourceFile& file, const char* path, const char* formatVers
   if (!file.valid()) {
     return kFailed;
   }
-  GroupId group = file.tryOpenGroup(Path(path));
-  if (!group.valid()) {
+  if (!file.tryKeepGroup(Path(path), KeptOpen::containerGroup)) {
     return kOk;  // Contract: unlike for nodes, a missing container is no error.
   }
-  (void)keepOpen(std::move(group), KeptOpen::containerGroup);
   const int status = ReadElementTypes(file, path);
   if (status != kOk || numberOfElements == 0 || numberOfElementTypes == 0) {
     return status;
@@ -251,7 +259,7 @@ int Elems::ReadElementTypes(const SourceFile& file, const char* path) {
 
 int Elems::readShapesAndNodeCounts(const SourceFile& file, const char* path, hid_t typesDataset) {
   const NewArray<int> shapes = makeNewArray<int>(numberOfElementTypes);
-  if (readValues(typesDataset, shapes.get()) != kOk) {
+  if (readFresh(typesDataset, shapes.get(), numberOfElementTypes) != kOk) {
     return kFailed;
   }
   elementTypes = toShapes(shapes.get(), numberOfElementTypes).release();

@@ -4,28 +4,33 @@
 #include "hdf5/kept_open.h"
 #include "hdf5/layout.h"
 
-#include <hdf5_hl.h>
-
+#include <utility>
 #include <vector>
 
 namespace orvml_io {
 
 namespace {
 
-/// Opens an attribute that holds exactly one value of the type class; invalid otherwise.
-AttributeId tryOpenSingleValue(const SourceFile& file, const char* objectPath, const char* name,
-                               H5T_class_t typeClass) {
+/// An attribute that holds exactly one value, and its type in the file.
+struct SingleValue {
+  AttributeId attribute;
+  DatatypeId type;
+};
+
+/// Opens an attribute that holds exactly one value of the type class; no answer otherwise.
+std::optional<SingleValue> tryOpenSingleValue(const SourceFile& file, const char* objectPath,
+                                              const char* name, H5T_class_t typeClass) {
   AttributeId attribute = file.tryOpenAttribute(objectPath, name);
   if (!attribute.valid()) {
-    return AttributeId();
+    return std::nullopt;
   }
-  const DatatypeId type(H5Aget_type(attribute.get()));
+  DatatypeId type(H5Aget_type(attribute.get()));
   const DataspaceId space(H5Aget_space(attribute.get()));
   if (!type.valid() || !space.valid() || H5Tget_class(type.get()) != typeClass ||
       H5Sget_simple_extent_npoints(space.get()) != 1) {
-    return AttributeId();
+    return std::nullopt;
   }
-  return attribute;
+  return SingleValue{std::move(attribute), std::move(type)};
 }
 
 /// The type in memory of one string: null-terminated, of the character set of the file. HDF5 takes
@@ -71,11 +76,12 @@ std::optional<std::string> readFixedLengthText(hid_t attribute, hid_t fileType) 
 }  // namespace
 
 bool Orv_H5_GroupExists(const SourceFile& file, const char* path) {
-  return H5Gget_objinfo(file.id(), path, false, nullptr) == 0;
+  const SourceFile::Place place = file.placeOf(path);
+  return H5Gget_objinfo(place.location, place.path, false, nullptr) == 0;
 }
 
 bool Orv_H5_AttributeExists(hid_t location, const char* name) {
-  return H5LTfind_attribute(location, name) != 0;
+  return H5Aexists(location, name) != 0;
 }
 
 int Orv_H5_GetAttributeIfExists(const SourceFile& file, const char* objectPath, const char* name,
@@ -83,14 +89,15 @@ int Orv_H5_GetAttributeIfExists(const SourceFile& file, const char* objectPath, 
   if (!Orv_H5_AttributeExists(file.id(), name)) {
     return -1;
   }
-  const AttributeId attribute = tryOpenSingleValue(file, objectPath, name, H5T_STRING);
-  if (!attribute.valid()) {
+  const std::optional<SingleValue> value = tryOpenSingleValue(file, objectPath, name, H5T_STRING);
+  if (!value) {
     return -1;
   }
-  const DatatypeId type(H5Aget_type(attribute.get()));
-  std::optional<std::string> found = H5Tis_variable_str(type.get()) > 0
-                                         ? readVariableLengthText(attribute.get(), type.get())
-                                         : readFixedLengthText(attribute.get(), type.get());
+  const hid_t attribute = value->attribute.get();
+  const hid_t type = value->type.get();
+  std::optional<std::string> found = H5Tis_variable_str(type) > 0
+                                         ? readVariableLengthText(attribute, type)
+                                         : readFixedLengthText(attribute, type);
   if (!found) {
     return -1;
   }
@@ -109,9 +116,9 @@ int Orv_H5_GetVectorDimension(const SourceFile& file, const char* path, std::siz
 
 std::optional<int> readIntegerAttribute(const SourceFile& file, const char* objectPath,
                                         const char* name) {
-  const AttributeId attribute = tryOpenSingleValue(file, objectPath, name, H5T_INTEGER);
+  const std::optional<SingleValue> found = tryOpenSingleValue(file, objectPath, name, H5T_INTEGER);
   int value = 0;
-  if (!attribute.valid() || H5Aread(attribute.get(), H5T_NATIVE_INT, &value) < 0) {
+  if (!found || H5Aread(found->attribute.get(), H5T_NATIVE_INT, &value) < 0) {
     return std::nullopt;
   }
   return value;

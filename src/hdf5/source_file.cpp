@@ -1,5 +1,9 @@
 #include "hdf5/source_file.h"
 
+#include "hdf5/layout.h"
+
+#include <cstring>
+
 namespace orvml_io {
 
 namespace {
@@ -29,6 +33,17 @@ bool isVirtual(hid_t creation) noexcept {
 #endif
 }
 
+/// What follows the path of a group in the path of an object in it; null when the object is
+/// elsewhere, or the group itself.
+const char* pathBelow(const std::string& group, const char* path) noexcept {
+  if (std::strncmp(path, group.c_str(), group.size()) != 0 || path[group.size()] != '/') {
+    return nullptr;
+  }
+  const char* rest = path + group.size();
+  rest += std::strspn(rest, "/");
+  return *rest == '\0' ? nullptr : rest;
+}
+
 /// Tells whether the values of a dataset lie in its own file.
 bool isSelfContained(hid_t dataset) noexcept {
   if (H5Dget_offset(dataset) != HADDR_UNDEF) {
@@ -44,15 +59,23 @@ bool isSelfContained(hid_t dataset) noexcept {
 SourceFile::SourceFile(hid_t file) noexcept
     : file_(file),
       datasetAccess_(makeAccess(H5P_DATASET_ACCESS, hasRefused_)),
-      groupAccess_(makeAccess(H5P_GROUP_ACCESS, hasRefused_)),
-      linkAccess_(makeAccess(H5P_LINK_ACCESS, hasRefused_)) {
-  if (!datasetAccess_.valid() || !groupAccess_.valid() || !linkAccess_.valid()) {
+      groupAccess_(makeAccess(H5P_GROUP_ACCESS, hasRefused_)) {
+  if (!datasetAccess_.valid() || !groupAccess_.valid()) {
     file_ = -1;
   }
 }
 
 DatasetId SourceFile::tryOpenDataset(const char* path) const noexcept {
-  DatasetId dataset(H5Dopen2(file_, path, datasetAccess_.get()));
+  return tryOpenDataset(placeOf(path));
+}
+
+DatasetId SourceFile::tryOpenMember(hid_t group, const std::string& name) const {
+  // A name that begins with a slash, or is empty, still means a member of the group.
+  return tryOpenDataset(Place{group, ("./" + name).c_str()});
+}
+
+DatasetId SourceFile::tryOpenDataset(const Place& place) const noexcept {
+  DatasetId dataset(H5Dopen2(place.location, place.path, datasetAccess_.get()));
   if (dataset.valid() && !isSelfContained(dataset.get())) {
     hasRefused_ = true;
     return DatasetId();
@@ -61,11 +84,36 @@ DatasetId SourceFile::tryOpenDataset(const char* path) const noexcept {
 }
 
 GroupId SourceFile::tryOpenGroup(const Path& path) const noexcept {
-  return GroupId(H5Gopen2(file_, path.c_str(), groupAccess_.get()));
+  const Place place = placeOf(path.c_str());
+  return GroupId(H5Gopen2(place.location, place.path, groupAccess_.get()));
+}
+
+bool SourceFile::tryKeepGroup(const Path& path, KeptOpen why) const {
+  keptGroups_.reserve(keptGroups_.size() + 1);
+  std::string prefix(path.c_str());
+  GroupId group = tryOpenGroup(path);
+  if (!group.valid()) {
+    return false;
+  }
+  keptGroups_.push_back({std::move(prefix), keepOpen(std::move(group), why)});
+  return true;
+}
+
+SourceFile::Place SourceFile::placeOf(const char* path) const noexcept {
+  for (auto group = keptGroups_.rbegin(); group != keptGroups_.rend(); ++group) {
+    const char* rest = pathBelow(group->path, path);
+    if (rest != nullptr) {
+      return {group->id, rest};
+    }
+  }
+  return {file_, path};
 }
 
 AttributeId SourceFile::tryOpenAttribute(const char* objectPath, const char* name) const noexcept {
-  return AttributeId(H5Aopen_by_name(file_, objectPath, name, H5P_DEFAULT, linkAccess_.get()));
+  if (std::strcmp(objectPath, layout::kRoot) == 0) {
+    return AttributeId(H5Aopen(file_, name, H5P_DEFAULT));  // asking is cheaper without a path
+  }
+  return AttributeId(H5Aopen_by_name(file_, objectPath, name, H5P_DEFAULT, groupAccess_.get()));
 }
 
 }  // namespace orvml_io

@@ -1,7 +1,11 @@
 #pragma once
 
 #include "hdf5/id.h"
+#include "hdf5/kept_open.h"
 #include "hdf5/path.h"
+
+#include <string>
+#include <vector>
 
 namespace orvml_io {
 
@@ -31,16 +35,35 @@ class SourceFile {
   [[nodiscard]] DatasetId tryOpenDataset(const Path& path) const noexcept {
     return tryOpenDataset(path.c_str());
   }
+  /// Opens a dataset by the name of its link in an open group.
+  [[nodiscard]] DatasetId tryOpenMember(hid_t group, const std::string& name) const;
   [[nodiscard]] GroupId tryOpenGroup(const Path& path) const noexcept;
+  /// Opens a group that stays open by contract. Returns whether it could be opened. Everything
+  /// below it is looked up from there from then on, which spares the way from the root.
+  [[nodiscard]] bool tryKeepGroup(const Path& path, KeptOpen why) const;
   [[nodiscard]] AttributeId tryOpenAttribute(const char* objectPath,
                                              const char* name) const noexcept;
 
+  /// The same object as an absolute path names, as seen from the nearest group that is kept open.
+  struct Place {
+    hid_t location;
+    const char* path;
+  };
+  [[nodiscard]] Place placeOf(const char* path) const noexcept;
+
  private:
+  struct KeptGroup {
+    std::string path;
+    hid_t id;
+  };
+
+  [[nodiscard]] DatasetId tryOpenDataset(const Place& place) const noexcept;
+
   hid_t file_;
+  mutable std::vector<KeptGroup> keptGroups_;  // a group comes after the ones around it
   mutable bool hasRefused_ = false;  // HDF5's callback sets it while an object is being opened
   PropertyListId datasetAccess_;
-  PropertyListId groupAccess_;
-  PropertyListId linkAccess_;
+  PropertyListId groupAccess_;  // also that of links, of whose lists it is one
 };
 
 }  // namespace orvml_io

@@ -2,6 +2,7 @@
 
 #include "model/limits.h"
 #include "orvml_io.h"
+#include "text/text_writer.h"
 
 #include <algorithm>
 #include <array>
@@ -47,17 +48,20 @@ void printElementLines(const Elems& elems, int position, int limit, int nodes, s
   const long long held = elems.connectivityLength();
   long long unheldLeft = kUnheldPrintedPerHeld * held + kUnheldPrinted;
   int elementNumber = 1;
+  TextWriter writer(stream);
   for (long long start = position; start < limit; start += nodes) {
     unheldLeft -= unheldIndices(start, nodes, held);
     if (unheldLeft < 0) {
       return;
     }
-    (void)std::fprintf(stream, "%d ", elementNumber++);
+    writer.integer(elementNumber++);
+    writer.character(' ');
     for (long long index = start; index < start + nodes; ++index) {
       const bool isHeld = index >= 0 && index < held;
-      (void)std::fprintf(stream, "%d ", isHeld ? nodeNumber(elems.connectivities[index]) : 0);
+      writer.integer(isHeld ? nodeNumber(elems.connectivities[index]) : 0);
+      writer.character(' ');
     }
-    (void)std::fputc('\n', stream);
+    writer.character('\n');
   }
 }
 
@@ -112,6 +116,7 @@ int PrintNodes(const Nodes& nodes, int dimension, std::FILE* stream) {
     return 0;
   }
   const long long held = nodes.heldCoordinates(dimension);
+  TextWriter writer(stream);
   for (int node = 0; node < nodes.numberOfNodes; ++node) {
     std::array<double, kValuesPerNodeLine> values = {};
     for (int column = 0; column < kValuesPerNodeLine; ++column) {
@@ -120,7 +125,12 @@ int PrintNodes(const Nodes& nodes, int dimension, std::FILE* stream) {
         values[static_cast<std::size_t>(column)] = nodes.coords[index];
       }
     }
-    (void)std::fprintf(stream, "%d %f %f %f\n", nodeNumber(node), values[0], values[1], values[2]);
+    writer.integer(nodeNumber(node));
+    for (const double value : values) {
+      writer.character(' ');
+      writer.decimal(value);
+    }
+    writer.character('\n');
   }
   return 0;
 }

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <iterator>
 #include <map>
 #include <string>
 #include <string_view>
@@ -16,8 +17,22 @@ class OML_AttributesScalar {
 
   /// Inserts the name or overwrites its value. Returns 0.
   int Set(const char* name, T value) {
-    values_[std::string(name)] = value;
+    const std::string_view key(name);
+    // Names often come in their order: the end is looked at before the tree is searched.
+    const bool isLast = values_.empty() || std::prev(values_.end())->first < key;
+    const auto position = isLast ? values_.end() : values_.lower_bound(key);
+    if (position != values_.end() && position->first == key) {
+      position->second = value;
+    } else {
+      values_.emplace_hint(position, key, value);
+    }
     return 0;
+  }
+
+  /// Inserts the names of another store or overwrites their values.
+  void SetAll(OML_AttributesScalar&& other) {
+    other.values_.merge(values_);
+    values_.swap(other.values_);
   }
 
   /// Returns the value of a name, valid until the store changes; null when the name is absent.

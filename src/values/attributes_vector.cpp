@@ -1,6 +1,8 @@
 #include "values/attributes_vector.h"
 
 #include <cstring>
+#include <iterator>
+#include <utility>
 
 namespace orvml_io {
 
@@ -8,18 +10,29 @@ namespace {
 
 template <class T>
 MallocBlock copyToBlock(const T* values, int n) {
-  MallocBlock block = makeZeroedBlock(n, sizeof(T));
+  MallocBlock block = makeBlock(n, sizeof(T));
   if (n > 0) {
     std::memcpy(block.get(), values, static_cast<std::size_t>(n) * sizeof(T));
   }
   return block;
 }
 
+/// The entry of a name, created empty when there is none. Names often come in their order: the end
+/// is looked at before the tree is searched.
+OML_AttributesVector::Entry& entryOf(OML_AttributesVector::Entries& entries,
+                                     std::string_view name) {
+  const bool isLast = entries.empty() || std::prev(entries.end())->first < name;
+  const auto position = isLast ? entries.end() : entries.lower_bound(name);
+  const bool isFound = position != entries.end() && position->first == name;
+  return isFound ? position->second
+                 : entries.emplace_hint(position, name, OML_AttributesVector::Entry())->second;
+}
+
 /// Hands a block over to the entry of a name. The entry is made first, so that nothing can fail
 /// once the block has left its owner.
 void* store(OML_AttributesVector::Entries& entries, const char* name, MallocBlock block, char code,
             int n, bool mustBeTransmitted) {
-  OML_AttributesVector::Entry& entry = entries[std::string(name)];
+  OML_AttributesVector::Entry& entry = entryOf(entries, name);
   entry.data = block.release();
   entry.length = n > 0 ? n : 0;
   entry.code = code;
@@ -38,6 +51,11 @@ int OML_AttributesVector::Set(const char* name, const double* values, int n,
                               bool mustBeTransmitted) {
   store(entries_, name, copyToBlock(values, n), kDoubleCode, n, mustBeTransmitted);
   return 0;
+}
+
+void OML_AttributesVector::SetBlock(const char* name, MallocBlock block, char code, int n,
+                                    bool mustBeTransmitted) {
+  store(entries_, name, std::move(block), code, n, mustBeTransmitted);
 }
 
 void* OML_AttributesVector::SetZeros(const char* name, char code, int n, bool mustBeTransmitted) {

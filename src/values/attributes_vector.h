@@ -39,6 +39,10 @@ class OML_AttributesVector {
   int Set(const char* name, const int* values, int n, bool mustBeTransmitted);
   int Set(const char* name, const double* values, int n, bool mustBeTransmitted);
 
+  /// Does what Set does, with a block that the caller has filled with `n` values and hands over.
+  /// The code is kIntCode or kDoubleCode.
+  void SetBlock(const char* name, MallocBlock block, char code, int n, bool mustBeTransmitted);
+
   /// Does what Set does with `n` zeros and returns the new block. The code is kIntCode or
   /// kDoubleCode.
   void* SetZeros(const char* name, char code, int n, bool mustBeTransmitted);

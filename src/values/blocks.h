@@ -1,5 +1,7 @@
 #pragma once
 
+#include "values/fresh_memory.h"
+
 #include <cstddef>
 #include <cstdlib>
 #include <memory>
@@ -11,11 +13,14 @@ namespace orvml_io {
 template <class T>
 using NewArray = std::unique_ptr<T[]>;
 
-/// Allocates an array without setting its values; a count that is not positive gives an empty
-/// array.
+/// Allocates an array without setting its values, all of which the caller sets; a count that is not
+/// positive gives an empty array.
 template <class T>
 NewArray<T> makeNewArray(long long length) {
-  return NewArray<T>(new T[length > 0 ? static_cast<std::size_t>(length) : 0]);
+  const std::size_t count = length > 0 ? static_cast<std::size_t>(length) : 0;
+  NewArray<T> array(new T[count]);
+  willBeWrittenWhole(array.get(), count * sizeof(T));
+  return array;
 }
 
 struct FreeBlock {
@@ -25,8 +30,20 @@ struct FreeBlock {
 /// A data block of a vector, released with `free`.
 using MallocBlock = std::unique_ptr<void, FreeBlock>;
 
-/// Allocates a block of `length` values filled with zero bytes. It is never null, so that a caller
-/// can tell an empty vector from a missing one; a negative length is taken as 0.
+/// Allocates a block of `length` values without setting them, all of which the caller sets. It is
+/// never null, so that a caller can tell an empty vector from a missing one; a negative length is
+/// taken as 0.
+inline MallocBlock makeBlock(int length, std::size_t valueBytes) {
+  const std::size_t bytes = (length > 0 ? static_cast<std::size_t>(length) : 1) * valueBytes;
+  MallocBlock block(std::malloc(bytes));
+  if (!block) {
+    throw std::bad_alloc();
+  }
+  willBeWrittenWhole(block.get(), bytes);
+  return block;
+}
+
+/// Allocates a block as above, filled with zero bytes.
 inline MallocBlock makeZeroedBlock(int length, std::size_t valueBytes) {
   MallocBlock block(std::calloc(length > 0 ? static_cast<std::size_t>(length) : 1, valueBytes));
   if (!block) {

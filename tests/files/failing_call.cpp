@@ -35,6 +35,19 @@ bool mustFail(Hdf5Function function, std::string_view name) {
   return true;
 }
 
+/// The path from the root of what is named relative to a location.
+std::string absolutePath(hid_t location, std::string_view path) {
+  if (path.substr(0, 1) == "/") {
+    return std::string(path);
+  }
+  if (path.substr(0, 2) == "./") {
+    path.remove_prefix(2);
+  }
+  char parent[1024] = {};
+  (void)H5Iget_name(location, parent, sizeof parent);
+  return std::string(parent) + "/" + std::string(path);
+}
+
 }  // namespace
 
 FailingCall::FailingCall(Hdf5Function function, std::string target, herr_t result) {
@@ -49,28 +62,38 @@ int FailingCall::hits() const noexcept { return plan().hits; }
 // assembler alone, because C++ reserves them.
 extern "C" {
 
+hid_t realCreateAttribute(hid_t object, const char* name, hid_t type, hid_t space, hid_t creation,
+                          hid_t access) __asm__("__real_H5Acreate2");
+hid_t wrappedCreateAttribute(hid_t object, const char* name, hid_t type, hid_t space,
+                             hid_t creation, hid_t access) __asm__("__wrap_H5Acreate2");
+hid_t realCreateDataset(hid_t location, const char* path, hid_t type, hid_t space, hid_t link,
+                        hid_t creation, hid_t access) __asm__("__real_H5Dcreate2");
+hid_t wrappedCreateDataset(hid_t location, const char* path, hid_t type, hid_t space, hid_t link,
+                           hid_t creation, hid_t access) __asm__("__wrap_H5Dcreate2");
 herr_t realCloseFile(hid_t file) __asm__("__real_H5Fclose");
 herr_t wrappedCloseFile(hid_t file) __asm__("__wrap_H5Fclose");
 herr_t realMakeDataset(hid_t location, const char* path, int rank, const hsize_t* extents,
                        hid_t type, const void* values) __asm__("__real_H5LTmake_dataset");
 herr_t wrappedMakeDataset(hid_t location, const char* path, int rank, const hsize_t* extents,
                           hid_t type, const void* values) __asm__("__wrap_H5LTmake_dataset");
-herr_t realMakeTable(const char* title, hid_t location, const char* path, hsize_t fields,
-                     hsize_t records, size_t recordBytes, const char* names[],
-                     const size_t* offsets, const hid_t* types, hsize_t chunk, void* fill,
-                     int compress, const void* values) __asm__("__real_H5TBmake_table");
-herr_t wrappedMakeTable(const char* title, hid_t location, const char* path, hsize_t fields,
-                        hsize_t records, size_t recordBytes, const char* names[],
-                        const size_t* offsets, const hid_t* types, hsize_t chunk, void* fill,
-                        int compress, const void* values) __asm__("__wrap_H5TBmake_table");
 herr_t realSetInt(hid_t location, const char* object, const char* name, const int* values,
                   size_t count) __asm__("__real_H5LTset_attribute_int");
 herr_t wrappedSetInt(hid_t location, const char* object, const char* name, const int* values,
                      size_t count) __asm__("__wrap_H5LTset_attribute_int");
-herr_t realSetString(hid_t location, const char* object, const char* name,
-                     const char* text) __asm__("__real_H5LTset_attribute_string");
-herr_t wrappedSetString(hid_t location, const char* object, const char* name,
-                        const char* text) __asm__("__wrap_H5LTset_attribute_string");
+
+hid_t wrappedCreateAttribute(hid_t object, const char* name, hid_t type, hid_t space,
+                             hid_t creation, hid_t access) {
+  return mustFail(Hdf5Function::setStringAttribute, name)
+             ? H5I_INVALID_HID
+             : realCreateAttribute(object, name, type, space, creation, access);
+}
+
+hid_t wrappedCreateDataset(hid_t location, const char* path, hid_t type, hid_t space, hid_t link,
+                           hid_t creation, hid_t access) {
+  return mustFail(Hdf5Function::makeTable, absolutePath(location, path))
+             ? H5I_INVALID_HID
+             : realCreateDataset(location, path, type, space, link, creation, access);
+}
 
 herr_t wrappedCloseFile(hid_t file) {
   const herr_t result = realCloseFile(file);
@@ -79,19 +102,9 @@ herr_t wrappedCloseFile(hid_t file) {
 
 herr_t wrappedMakeDataset(hid_t location, const char* path, int rank, const hsize_t* extents,
                           hid_t type, const void* values) {
-  return mustFail(Hdf5Function::makeDataset, path)
+  return mustFail(Hdf5Function::makeDataset, absolutePath(location, path))
              ? plan().result
              : realMakeDataset(location, path, rank, extents, type, values);
-}
-
-herr_t wrappedMakeTable(const char* title, hid_t location, const char* path, hsize_t fields,
-                        hsize_t records, size_t recordBytes, const char* names[],
-                        const size_t* offsets, const hid_t* types, hsize_t chunk, void* fill,
-                        int compress, const void* values) {
-  return mustFail(Hdf5Function::makeTable, path)
-             ? plan().result
-             : realMakeTable(title, location, path, fields, records, recordBytes, names, offsets,
-                             types, chunk, fill, compress, values);
 }
 
 herr_t wrappedSetInt(hid_t location, const char* object, const char* name, const int* values,
@@ -99,12 +112,6 @@ herr_t wrappedSetInt(hid_t location, const char* object, const char* name, const
   return mustFail(Hdf5Function::setIntAttribute, name)
              ? plan().result
              : realSetInt(location, object, name, values, count);
-}
-
-herr_t wrappedSetString(hid_t location, const char* object, const char* name, const char* text) {
-  return mustFail(Hdf5Function::setStringAttribute, name)
-             ? plan().result
-             : realSetString(location, object, name, text);
 }
 
 }  // extern "C"

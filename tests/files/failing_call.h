@@ -11,9 +11,9 @@ namespace orvml_io_tests {
 enum class Hdf5Function {
   closeFile,           ///< H5Fclose; the file is closed all the same
   makeDataset,         ///< H5LTmake_dataset, by the end of the path
-  makeTable,           ///< H5TBmake_table
+  makeTable,           ///< H5Dcreate2, which makes the table of parameters
   setIntAttribute,     ///< H5LTset_attribute_int, by the name of the attribute
-  setStringAttribute,  ///< H5LTset_attribute_string, by the name of the attribute
+  setStringAttribute,  ///< H5Acreate2, by the name of the attribute
 };
 
 /// Makes calls of one HDF5 function fail while it lives. One may live at a time.

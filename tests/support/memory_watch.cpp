@@ -43,12 +43,13 @@ bool mustFail() noexcept {
 
 }  // namespace
 
-// The linker sends the program's calls of operator new, new[] and delete[], calloc and free (the
-// names after the second pair of underscores) to the functions that begin with __wrap_.
+// The linker sends the program's calls of operator new, new[] and delete[], malloc, calloc and free
+// (the names after the second pair of underscores) to the functions that begin with __wrap_.
 // NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp): the linker chose them.
 extern "C" {
 void* __real__Znwm(std::size_t size);
 void* __real__Znam(std::size_t size);
+void* __real_malloc(std::size_t size);
 void* __real_calloc(std::size_t count, std::size_t size);
 void __real__ZdaPv(void* block);
 void __real_free(void* block);
@@ -66,6 +67,8 @@ void* __wrap__Znam(std::size_t size) {
   }
   return __real__Znam(size);
 }
+
+void* __wrap_malloc(std::size_t size) { return mustFail() ? nullptr : __real_malloc(size); }
 
 void* __wrap_calloc(std::size_t count, std::size_t size) {
   return mustFail() ? nullptr : __real_calloc(count, size);

@@ -16,13 +16,13 @@ void requireModest(std::size_t bytes) noexcept {
 
 }  // namespace
 
-// The linker sends the program's calls of operator new, new[] and calloc (the names after the
-// second pair of underscores) to the functions that begin with __wrap_. The sanitizers see them all
-// the same.
-// NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
+// The linker sends the program's calls of operator new, new[], malloc and calloc (the names after
+// the second pair of underscores) to the functions that begin with __wrap_. The sanitizers see them
+// all the same. NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
 extern "C" {
 void* __real__Znwm(std::size_t size);
 void* __real__Znam(std::size_t size);
+void* __real_malloc(std::size_t size);
 void* __real_calloc(std::size_t count, std::size_t size);
 
 void* __wrap__Znwm(std::size_t size) {
@@ -33,6 +33,11 @@ void* __wrap__Znwm(std::size_t size) {
 void* __wrap__Znam(std::size_t size) {
   requireModest(size);
   return __real__Znam(size);
+}
+
+void* __wrap_malloc(std::size_t size) {
+  requireModest(size);
+  return __real_malloc(size);
 }
 
 void* __wrap_calloc(std::size_t count, std::size_t size) {
