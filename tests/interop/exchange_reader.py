@@ -28,10 +28,11 @@ def version_number(text):
 
 
 def as_vector(dataset):
-    """Integers of any size become INT, floats of any size DOUBLE; None for any other type."""
+    """Integers of any size become INT, floats of any size DOUBLE, as HDF5 converts them; None for any
+    other type."""
     if dataset.dtype.kind in "iu":
-        return dataset[()].astype(INT)
-    return dataset[()].astype(DOUBLE) if dataset.dtype.kind == "f" else None
+        return dataset.astype(INT)[()]
+    return dataset.astype(DOUBLE)[()] if dataset.dtype.kind == "f" else None
 
 
 def read_vectors(parent, path):
@@ -50,7 +51,7 @@ def read_cells(group):
     numbers_of_cells = group["number_of_elements_by_type"][()]
     groups = [TypeGroup(int(shape), int(nodes), int(cells))
               for shape, nodes, cells in zip(shapes, nodes_per_cell, numbers_of_cells)]
-    return Cells(groups, group["connectivities"][()].astype(INT))
+    return Cells(groups, group["connectivities"].astype(INT)[()])
 
 
 def read_parameters(document_group):
@@ -71,7 +72,7 @@ def read_document(file, group_name):
     if document.module == b"OrvML_OCTREE_MESHER":
         document.module = b"ORVML_OCTREE_MESHER"
     if "Nodes/coordinates" in group:
-        document.coordinates = group["Nodes/coordinates"][()].astype(DOUBLE)
+        document.coordinates = group["Nodes/coordinates"].astype(DOUBLE)[()]
     for kind in CELL_KINDS:
         if kind in group:
             document.cells[kind] = read_cells(group[kind])

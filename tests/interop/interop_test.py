@@ -123,6 +123,17 @@ class Format14(Exchange):
         self.assertEqual(record.of_documents(exchange_reader.read_file(self.path)),
                          record.of_documents(written))
 
+    def test_integers_beyond_32_bits_read_as_the_nearest_that_fits(self):
+        written = {"OrvInput": documents.plane_document()}
+        exchange_writer.write_file(self.path, written)
+        with h5py.File(self.path, "r+") as file:
+            vectors = file.create_group("OrvInput/ParametersVector")
+            vectors.create_dataset("wide", data=np.array([2**40, -2**40, 7], "int64"))
+        written["OrvInput"].vectors[b"wide"] = documents.ints(2**31 - 1, -2**31, 7)
+        self.assert_library_reads(written)
+        self.assertEqual(record.of_documents(exchange_reader.read_file(self.path)),
+                         record.of_documents(written))
+
     def test_a_file_without_the_marker_is_none_for_either(self):
         exchange_writer.write_file(self.path, {"OrvInput": documents.plane_document()})
         with h5py.File(self.path, "r+") as file:

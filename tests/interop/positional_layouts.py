@@ -50,7 +50,7 @@ def members(parent, path, value_type):
     group = parent[path]
     for position in range(int(group.attrs["MAX_ID"][0])):
         if str(position) in group:
-            yield position, group[str(position)][()].astype(value_type)
+            yield position, group[str(position)].astype(value_type)[()]
 
 
 def read_scalars(group, document, names):
