@@ -1,0 +1,17 @@
+#pragma once
+
+#include "harness/results.h"
+
+namespace orvml_io_bench {
+
+// Each function registers the contests of one subject.
+
+void registerMeshFiles(const Options& options);
+void registerSmallFiles(const Options& options);
+void registerValueFiles(const Options& options);
+void registerMemory(const Options& options);
+void registerStores(const Options& options);
+void registerText(const Options& options);
+void registerGrowth(const Options& options);
+
+}  // namespace orvml_io_bench

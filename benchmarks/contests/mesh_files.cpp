@@ -1,0 +1,96 @@
+// Meshes written to and read from one file.
+#include "contests/contests.h"
+#include "contests/file_runs.h"
+#include "inputs/document.h"
+#include "orvml_io.h"
+#include "references/exchange_files.h"
+#include "references/other_formats.h"
+#include "references/posix_files.h"
+
+#include <sys/prctl.h>
+
+#include <memory>
+
+namespace orvml_io_bench {
+
+namespace {
+
+using SharedContent = std::shared_ptr<Content>;
+
+Run withoutHugePages(const Run& run) {
+  return [run](Measurement& measurement) {
+    require(::prctl(PR_SET_THP_DISABLE, 1, 0, 0, 0) == 0, "switching huge pages off");
+    run(measurement);
+  };
+}
+
+Contest writeContest(const Options& options, const SharedContent& content, double atMost) {
+  const std::string path = options.folder + "written";
+  const auto document = std::make_shared<Document>(*content);
+  Contest contest(creating(path, [=] {
+    require(OrvML_IO_WriteOrvInput(path.c_str(), document->handle()) == 0, "writing a file");
+  }));
+  contest.addGoal("raw HDF5", atMost, creating(path, [=] { raw_hdf5::write(path, *content); }));
+  contest.add("Lite and Table", creating(path, [=] { lite_library::write(path, *content); }));
+  contest.add("POSIX write", creating(path, [=] { posix_files::write(path, *content); }));
+  for (const OtherFormat& format : otherFormats()) {
+    contest.add(format.name, creating(path, [=] { format.write(path, *content); }));
+  }
+  return contest;
+}
+
+Contest readContest(const Options& options, const SharedContent& content, double atMost) {
+  const auto files = std::make_shared<KeptFiles>(options.folder + "read_");
+  const std::string exchange =
+      files->add([&](const std::string& path) { lite_library::write(path, *content); });
+  const std::string bytes =
+      files->add([&](const std::string& path) { posix_files::write(path, *content); });
+  const Run library = reading([=, kept = files] { return Document::read(exchange); });
+  const Run raw = reading([=] { return raw_hdf5::read(exchange, *content); });
+  Contest contest(library);
+  contest.addGoal("raw HDF5", atMost, raw);
+  contest.add("the library without huge pages", withoutHugePages(library));
+  contest.add("Lite and Table", reading([=] { return lite_library::read(exchange, *content); }));
+  contest.add("POSIX read", reading([=] { return posix_files::read(bytes, *content); }));
+  for (const OtherFormat& format : otherFormats()) {
+    const std::string path =
+        files->add([&](const std::string& name) { format.write(name, *content); });
+    contest.add(format.name, reading([=] { return format.read(path, *content); }));
+  }
+  return contest;
+}
+
+struct Size {
+  const char* name;
+  int nodes;
+  double writeAtMost;
+  double readAtMost;
+};
+constexpr Size kSizes[] = {{"0.1 M nodes, tets", 100000, 1.30, 1.10},
+                           {"2 M nodes, tets", 2000000, 1.10, 0.75},
+                           {"10 M nodes, tets", 10000000, 1.05, 0.75}};
+constexpr int kLargest = 10000000;
+constexpr int kSurfaceNodes = 2000000;
+
+}  // namespace
+
+void registerMeshFiles(const Options& options) {
+  for (const Size& size : kSizes) {
+    if (size.nodes == kLargest && options.quick) {
+      continue;
+    }
+    registerContest("write", size.name, options, [=] {
+      return writeContest(options, std::make_shared<Content>(tetrahedralMesh(size.nodes)),
+                          size.writeAtMost);
+    });
+    registerContest("read", size.name, options, [=] {
+      return readContest(options, std::make_shared<Content>(tetrahedralMesh(size.nodes)),
+                         size.readAtMost);
+    });
+  }
+  registerContest("write", "mixed surface, 2 M nodes", options, [=] {
+    return writeContest(options, std::make_shared<Content>(mixedSurface(kSurfaceNodes)), 1.15);
+  });
+}
+
+}  // namespace orvml_io_bench

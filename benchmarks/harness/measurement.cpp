@@ -1,0 +1,95 @@
+#include "harness/measurement.h"
+
+#include <hdf5.h>
+
+#include <sys/wait.h>
+#include <time.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <string>
+
+namespace orvml_io_bench {
+
+namespace {
+
+Clock chosenClock = Clock::wall;
+
+double secondsNow() {
+  timespec now = {};
+  const clockid_t clock = chosenClock == Clock::wall ? CLOCK_MONOTONIC : CLOCK_PROCESS_CPUTIME_ID;
+  require(::clock_gettime(clock, &now) == 0, "reading the clock");
+  return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
+}
+
+/// Sets the peak of the resident memory back to what is resident now (Linux).
+void resetPeak() { std::ofstream("/proc/self/clear_refs") << 5; }
+
+double megabytesOf(const std::string& key) {
+  std::ifstream status("/proc/self/status");
+  for (std::string line; std::getline(status, line);) {
+    if (line.compare(0, key.size(), key) == 0) {
+      constexpr double kKilobytesOfOne = 1024;
+      return std::stod(line.substr(key.size())) / kKilobytesOfOne;
+    }
+  }
+  return 0;
+}
+
+Sample received(int channel, pid_t child) {
+  Sample sample;
+  const bool isWhole = ::read(channel, &sample, sizeof sample) == sizeof sample;
+  int status = 0;
+  (void)::waitpid(child, &status, 0);
+  require(isWhole && WIFEXITED(status) && WEXITSTATUS(status) == 0, "a run in a child process");
+  return sample;
+}
+
+}  // namespace
+
+void Measurement::start() {
+  resetPeak();
+  residentMegabytes_ = megabytesOf("VmRSS:");
+  started_ = secondsNow();
+}
+
+void Measurement::stop() {
+  const double taken = secondsNow() - started_;
+  sample_ = {taken, megabytesOf("VmHWM:") - residentMegabytes_};
+}
+
+void measureWith(Clock clock) { chosenClock = clock; }
+
+Sample measuredInChild(const Run& run) {
+  require(H5open() >= 0, "starting HDF5");  // once here, and not again in every child
+  int channel[2] = {};
+  require(::pipe(channel) == 0, "a pipe");
+  const pid_t child = ::fork();
+  require(child >= 0, "a child process");
+  if (child == 0) {
+    Measurement measurement;
+    run(measurement);
+    const Sample& sample = measurement.sample();
+    const bool isSent = ::write(channel[1], &sample, sizeof sample) == sizeof sample;
+    ::_exit(isSent ? EXIT_SUCCESS : EXIT_FAILURE);
+  }
+  (void)::close(channel[1]);
+  const Sample sample = received(channel[0], child);
+  (void)::close(channel[0]);
+  return sample;
+}
+
+void preparedInChild(const std::function<void()>& preparation) {
+  (void)measuredInChild([&](Measurement&) { preparation(); });
+}
+
+void require(bool holds, const char* what) {
+  if (!holds) {
+    std::fprintf(stderr, "benchmark: failed: %s\n", what);
+    std::_Exit(EXIT_FAILURE);
+  }
+}
+
+}  // namespace orvml_io_bench
