@@ -21,11 +21,10 @@ def output_of(*command, **options):
 def mutated_files(root):
     """Headers first: their mutants keep their numbers when a source file changes, and the tests that
     include them need not be built again."""
-    files = [path for folder in MUTATED_FOLDERS for path in (root / folder).iterdir()
-             if path.suffix in (".h", ".cpp")]
-    return sorted(path.relative_to(root).as_posix() for path in sorted(files)
-                  if path.suffix == ".h") + sorted(
-                      path.relative_to(root).as_posix() for path in files if path.suffix == ".cpp")
+    files = sorted(path.relative_to(root).as_posix() for folder in MUTATED_FOLDERS
+                   for path in (root / folder).iterdir() if path.suffix in (".h", ".cpp"))
+    headers = [path for path in files if path.endswith(".h")]
+    return headers + [path for path in files if path not in headers]
 
 
 def compiler_arguments(root):
