@@ -7,6 +7,8 @@
 #include <sys/file.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <cstdio>
 #include <fstream>
 
@@ -151,6 +153,27 @@ TEST_F(FileThatStaysOpen, IsStillReadAfterARefusedWriting) {
   const ReadDocument second = readInput(path());
 
   EXPECT_EQ(describe(second.handle()), describe(first.handle()));
+}
+
+/// Closes what is open in a file, as programs may that use HDF5 themselves.
+void closeEverythingIn(const char* path) {
+  const hid_t file = H5Fopen(path, H5F_ACC_RDONLY, H5P_DEFAULT);
+  std::array<hid_t, 8> ids = {};
+  ssize_t count = 0;
+  while ((count = H5Fget_obj_ids(file, H5F_OBJ_ALL & ~H5F_OBJ_FILE, ids.size(), ids.data())) > 0) {
+    const auto found = std::min(static_cast<std::size_t>(count), ids.size());
+    std::for_each(ids.begin(), ids.begin() + found, [](hid_t id) { H5Oclose(id); });
+  }
+  H5Fclose(file);
+}
+
+TEST_F(FileThatStaysOpen, IsClosedByACallerWhoClosesWhatWasLeft) {
+  const ReadDocument document = readInput(path());
+
+  closeEverythingIn(path());
+
+  EXPECT_EQ(opened(), IdCounts{});
+  EXPECT_EQ(OrvML_IO_WriteOrvInput(path(), document.handle()), 0);
 }
 
 /// Holds a file as a program does that has it open in HDF5: locks belong to the descriptor, so
