@@ -3,12 +3,12 @@ import os
 import pathlib
 import re
 
-version_line = re.search(r"VERSION (\d+\.\d+\.\d+)", open(os.environ["ORVML_IO_CMAKE_LISTS"]).read())
+cmake_lists = pathlib.Path(os.environ["ORVML_IO_CMAKE_LISTS"]).read_text()
 
 project = "liborvml_io"
 author = "the liborvml_io authors"
 copyright = "2026, the liborvml_io authors"
-version = release = version_line.group(1)
+version = release = re.search(r"VERSION (\d+\.\d+\.\d+)", cmake_lists).group(1)
 
 extensions = ["myst_parser", "breathe", "sphinx_copybutton"]
 source_suffix = {".md": "markdown"}
@@ -64,7 +64,7 @@ TOCTREE = re.compile(r"(```\{toctree\}\n(?::.*\n)*)((?:.*\n)*?)(```)")
 def page_of(target):
     """The name of a page in the site for a path in the repository."""
     name = re.sub(r"^(\.\./|\./|docs/)+", "", target)
-    return name.lower() if name.isupper() or name[:-3].isupper() else name
+    return name.lower() if pathlib.PurePath(name).stem.isupper() else name
 
 
 def keep_links_within_the_site(app, docname, source):
@@ -73,7 +73,7 @@ def keep_links_within_the_site(app, docname, source):
 
     def link(match):
         text, target, anchor = match.groups()
-        page = page_of(target) if target.startswith((".", "docs/")) or target.isupper() else target
+        page = page_of(target)
         return f"[{text}]({page}{anchor or ''})" if exists(page) else text
 
     def toctree(match):
