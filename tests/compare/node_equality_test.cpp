@@ -35,6 +35,22 @@ TEST(NodeEquality, FailsForAnotherNumberOfNodes) {
   EXPECT_FALSE(equal(withNodes(2, {0, 1, 0, 1}), withNodes(2, {0, 1})));
 }
 
+// Long arrays are compared in blocks.
+TEST(NodeEquality, LooksAtEveryValueOfLongArrays) {
+  std::vector<double> coordinates(3000);
+  for (std::size_t i = 0; i < coordinates.size(); ++i) {
+    coordinates[i] = static_cast<double>(i);
+  }
+  const BuiltDocument document = withNodes(3, coordinates);
+
+  EXPECT_TRUE(equal(document, withNodes(3, coordinates)));
+  for (const std::size_t different : {std::size_t{0}, std::size_t{1024}, std::size_t{2999}}) {
+    std::vector<double> changed = coordinates;
+    changed[different] += 1;
+    EXPECT_FALSE(equal(document, withNodes(3, changed))) << different;
+  }
+}
+
 TEST(NodeEquality, FailsForTheSameNodesInAnotherOrder) {
   EXPECT_FALSE(equal(withNodes(2, {0, 1, 2, 3}), withNodes(2, {2, 3, 0, 1})));
 }

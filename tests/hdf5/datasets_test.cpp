@@ -25,6 +25,25 @@ class Datasets : public DocumentFileTest {
   const Path kGroup{"/OrvInput/g"};
 };
 
+// Neither values nor a fill in their place: HDF5 leaves the array as it is, and stray memory must
+// not show.
+TEST_F(Datasets, ValuesThatTheFileLacksAreReadAsZeros) {
+  const hsize_t three = 3;
+  const orvml_io::PropertyListId properties(H5Pcreate(H5P_DATASET_CREATE));
+  ASSERT_GE(H5Pset_chunk(properties.get(), 1, &three), 0);
+  ASSERT_GE(H5Pset_fill_time(properties.get(), H5D_FILL_TIME_NEVER), 0);
+  const orvml_io::DataspaceId space(H5Screate_simple(1, &three, nullptr));
+  const orvml_io::DatasetId dataset(H5Dcreate2(file().id(), kVector.c_str(), H5T_NATIVE_INT,
+                                               space.get(), H5P_DEFAULT, properties.get(),
+                                               H5P_DEFAULT));
+  ASSERT_TRUE(dataset.valid());
+  Ints values = {7, 8, 9};
+
+  EXPECT_EQ(orvml_io::readFresh(dataset.get(), values.data(), 3), 0);
+
+  EXPECT_EQ(values, (Ints{0, 0, 0}));
+}
+
 TEST_F(Datasets, GroupIsCreatedOnceAndClosed) {
   const IdCounts before = opened();
 
