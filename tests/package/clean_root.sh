@@ -23,7 +23,9 @@ root="$scratch/root"
 sources=/etc/apt/sources.list.d/debian.sources
 [ -e "$sources" ] || sources=/etc/apt/sources.list
 
-# Manuals and translations would only cost time. The lists of packages stay for the installation.
+# Manuals and translations would only cost time. The lists of packages stay for the installation, and
+# after half a day a mirror may no longer have what they name.
+find "$archive" -mmin +720 -delete 2>/dev/null || true
 if [ ! -s "$archive" ]; then
   mmdebstrap --quiet --variant=apt --include=g++,pkg-config --skip=cleanup/apt/lists \
     --aptopt='Acquire::Languages "none"' --dpkgopt=force-unsafe-io \
