@@ -45,17 +45,21 @@ Contest readContest(const Options& options, const SharedContent& content, double
       files->add([&](const std::string& path) { lite_library::write(path, *content); });
   const std::string bytes =
       files->add([&](const std::string& path) { posix_files::write(path, *content); });
-  const Run library = reading([=, kept = files] { return Document::read(exchange); });
-  const Run raw = reading([=] { return raw_hdf5::read(exchange, *content); });
+  const auto warm = [content](Run run) {
+    return withWarmMemory(content->meshBytes(), std::move(run));
+  };
+  const Run library = warm(reading([=, kept = files] { return Document::read(exchange); }));
+  const Run raw = warm(reading([=] { return raw_hdf5::read(exchange, *content); }));
   Contest contest(library);
   contest.addGoal("raw HDF5", atMost, raw);
   contest.add("the library without huge pages", withoutHugePages(library));
-  contest.add("Lite and Table", reading([=] { return lite_library::read(exchange, *content); }));
-  contest.add("POSIX read", reading([=] { return posix_files::read(bytes, *content); }));
+  contest.add("Lite and Table",
+              warm(reading([=] { return lite_library::read(exchange, *content); })));
+  contest.add("POSIX read", warm(reading([=] { return posix_files::read(bytes, *content); })));
   for (const OtherFormat& format : otherFormats()) {
     const std::string path =
         files->add([&](const std::string& name) { format.write(name, *content); });
-    contest.add(format.name, reading([=] { return format.read(path, *content); }));
+    contest.add(format.name, warm(reading([=] { return format.read(path, *content); })));
   }
   return contest;
 }

@@ -30,6 +30,8 @@ Contest readContest(const Options& options, const SharedContent& content, double
       files->add([&](const std::string& name) { lite_library::write(name, *content); });
   Contest contest(reading([=, kept = files] { return Document::read(path); }));
   contest.addGoal("raw HDF5", atMost, reading([=] { return raw_hdf5::read(path, *content); }));
+  contest.add("raw HDF5, vectors left open",
+              reading([=] { return raw_hdf5::readLeavingOpen(path, *content); }));
   contest.add("Lite and Table", reading([=] { return lite_library::read(path, *content); }));
   return contest;
 }

@@ -2,14 +2,17 @@
 
 #include <hdf5.h>
 
+#include <sys/mman.h>
 #include <sys/wait.h>
 #include <time.h>
 #include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <fstream>
 #include <string>
+#include <utility>
 
 namespace orvml_io_bench {
 
@@ -58,6 +61,18 @@ void Measurement::start() {
 void Measurement::stop() {
   const double taken = secondsNow() - started_;
   sample_ = {taken, megabytesOf("VmHWM:") - residentMegabytes_};
+}
+
+Run withWarmMemory(std::size_t bytes, Run run) {
+  return [bytes, run = std::move(run)](Measurement& measurement) {
+    void* memory =
+        ::mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    require(memory != MAP_FAILED, "memory to be touched");
+    (void)::madvise(memory, bytes, MADV_HUGEPAGE);
+    std::memset(memory, 1, bytes);
+    (void)::munmap(memory, bytes);
+    run(measurement);
+  };
 }
 
 void measureWith(Clock clock) { chosenClock = clock; }

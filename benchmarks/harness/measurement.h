@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <functional>
 
 namespace orvml_io_bench {
@@ -32,6 +33,11 @@ class Measurement {
 };
 
 using Run = std::function<void(Measurement&)>;
+
+/// The run, after as many bytes as it will need have been touched and given back. The host of a
+/// virtual machine takes free memory away, large pieces first, and what it costs to get them back
+/// is no figure of a library.
+Run withWarmMemory(std::size_t bytes, Run run);
 
 /// Performs a run in a child process of its own: its memory is fresh, and files that stay open by
 /// contract and the arrays that it made go with it. A child that fails ends this program.

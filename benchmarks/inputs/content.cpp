@@ -66,6 +66,17 @@ Content oneNode() {
 
 int Cells::count() const { return std::accumulate(cellsPerGroup.begin(), cellsPerGroup.end(), 0); }
 
+std::size_t Content::meshBytes() const {
+  std::size_t bytes =
+      coordinates.size() * sizeof(double) + cells.connectivities.size() * sizeof(int);
+  for (const auto* attributes : {&nodeAttributes, &cells.attributes}) {
+    for (const Vector& vector : *attributes) {
+      bytes += vector.doubles.size() * sizeof(double) + vector.ints.size() * sizeof(int);
+    }
+  }
+  return bytes;
+}
+
 Content tetrahedralMesh(int numberOfNodes) {
   constexpr int kElevenHalves[] = {11, 2};
   Cells cells;

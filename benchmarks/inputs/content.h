@@ -34,6 +34,8 @@ struct Content {
   std::vector<Vector> vectors;                          // ascending names
 
   static constexpr int kDimension = 3;
+  /// The size of all arrays of the mesh.
+  [[nodiscard]] std::size_t meshBytes() const;
   [[nodiscard]] int numberOfNodes() const {
     return static_cast<int>(coordinates.size()) / kDimension;
   }

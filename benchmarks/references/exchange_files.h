@@ -13,6 +13,8 @@ namespace orvml_io_bench {
 namespace raw_hdf5 {
 void write(const std::string& path, const Content& content);
 Loaded read(const std::string& path, const Content& content);
+/// Reads and leaves every vector open, as the library does by contract.
+Loaded readLeavingOpen(const std::string& path, const Content& content);
 }  // namespace raw_hdf5
 
 /// A thin library done well: the Lite and Table interfaces with absolute paths.

@@ -121,7 +121,8 @@ hsize_t valuesOf(hid_t dataset) {
   return extents[0] * extents[1];
 }
 
-void readArray(hid_t group, const char* name, bool isInts, Loaded& loaded) {
+/// Reads an array into a new one and returns the dataset, which is open.
+hid_t readOpenArray(hid_t group, const char* name, bool isInts, Loaded& loaded) {
   const hid_t dataset = H5Dopen2(group, name, H5P_DEFAULT);
   const hsize_t values = valuesOf(dataset);
   const hid_t type = isInts ? H5T_NATIVE_INT : H5T_NATIVE_DOUBLE;
@@ -132,24 +133,33 @@ void readArray(hid_t group, const char* name, bool isInts, Loaded& loaded) {
     array = loaded.addDoubles(values);
   }
   require(H5Dread(dataset, type, H5S_ALL, H5S_ALL, H5P_DEFAULT, array) >= 0, "raw: an array");
-  H5Dclose(dataset);
+  return dataset;
 }
 
+void readArray(hid_t group, const char* name, bool isInts, Loaded& loaded) {
+  H5Dclose(readOpenArray(group, name, isInts, loaded));
+}
+
+enum class Vectors { closed, leftOpen };
+
 void readVectors(hid_t parent, const char* groupName, const std::vector<Vector>& expected,
-                 Loaded& loaded) {
+                 Vectors afterwards, Loaded& loaded) {
   if (expected.empty()) {
     return;
   }
   const hid_t group = H5Gopen2(parent, groupName, H5P_DEFAULT);
   const std::vector<std::string> names = linkNames(group);
   for (std::size_t i = 0; i < names.size(); ++i) {
-    readArray(group, names[i].c_str(), !expected[i].ints.empty(), loaded);
+    const hid_t dataset = readOpenArray(group, names[i].c_str(), !expected[i].ints.empty(), loaded);
+    if (afterwards == Vectors::closed) {
+      H5Dclose(dataset);
+    }
   }
   loaded.names.insert(loaded.names.end(), names.begin(), names.end());
   H5Gclose(group);
 }
 
-void readCells(hid_t document, const Cells& cells, Loaded& loaded) {
+void readCells(hid_t document, const Cells& cells, Vectors afterwards, Loaded& loaded) {
   if (cells.shapes.empty()) {
     return;
   }
@@ -158,7 +168,7 @@ void readCells(hid_t document, const Cells& cells, Loaded& loaded) {
                            "number_of_nodes_by_element", "connectivities"}) {
     readArray(group, name, true, loaded);
   }
-  readVectors(group, "Attributes", cells.attributes, loaded);
+  readVectors(group, "Attributes", cells.attributes, afterwards, loaded);
   H5Gclose(group);
 }
 
@@ -170,6 +180,28 @@ void readScalars(hid_t document, Loaded& loaded) {
           "raw: the parameters");
   H5Tclose(type);
   H5Dclose(dataset);
+}
+
+Loaded readAll(const std::string& path, const Content& content, Vectors afterwards) {
+  Loaded loaded;
+  const hid_t file = H5Fopen(path.c_str(), H5F_ACC_RDONLY, H5P_DEFAULT);
+  require(file >= 0, "raw: opening");
+  for (const char* name : {"FORMAT", "ORVMESHLIBRARY_FORMAT_VERSION", "ORVML_IO_CREATOR",
+                           "ORVML_MODULE_NAME", "ORVML_MODULE_FORMAT_VERSION"}) {
+    loaded.names.push_back(readText(file, name));
+  }
+  const hid_t document = H5Gopen2(file, "OrvInput", H5P_DEFAULT);
+  readArray(document, "dimension", true, loaded);
+  const hid_t nodes = H5Gopen2(document, "Nodes", H5P_DEFAULT);
+  readArray(nodes, "coordinates", false, loaded);
+  readVectors(nodes, "Attributes", content.nodeAttributes, afterwards, loaded);
+  H5Gclose(nodes);
+  readCells(document, content.cells, afterwards, loaded);
+  readScalars(document, loaded);
+  readVectors(document, "ParametersVector", content.vectors, afterwards, loaded);
+  H5Gclose(document);
+  H5Fclose(file);
+  return loaded;
 }
 
 }  // namespace
@@ -192,25 +224,11 @@ void write(const std::string& path, const Content& content) {
 }
 
 Loaded read(const std::string& path, const Content& content) {
-  Loaded loaded;
-  const hid_t file = H5Fopen(path.c_str(), H5F_ACC_RDONLY, H5P_DEFAULT);
-  require(file >= 0, "raw: opening");
-  for (const char* name : {"FORMAT", "ORVMESHLIBRARY_FORMAT_VERSION", "ORVML_IO_CREATOR",
-                           "ORVML_MODULE_NAME", "ORVML_MODULE_FORMAT_VERSION"}) {
-    loaded.names.push_back(readText(file, name));
-  }
-  const hid_t document = H5Gopen2(file, "OrvInput", H5P_DEFAULT);
-  readArray(document, "dimension", true, loaded);
-  const hid_t nodes = H5Gopen2(document, "Nodes", H5P_DEFAULT);
-  readArray(nodes, "coordinates", false, loaded);
-  readVectors(nodes, "Attributes", content.nodeAttributes, loaded);
-  H5Gclose(nodes);
-  readCells(document, content.cells, loaded);
-  readScalars(document, loaded);
-  readVectors(document, "ParametersVector", content.vectors, loaded);
-  H5Gclose(document);
-  H5Fclose(file);
-  return loaded;
+  return readAll(path, content, Vectors::closed);
+}
+
+Loaded readLeavingOpen(const std::string& path, const Content& content) {
+  return readAll(path, content, Vectors::leftOpen);
 }
 
 }  // namespace orvml_io_bench::raw_hdf5
