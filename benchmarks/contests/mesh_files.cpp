@@ -4,7 +4,6 @@
 #include "inputs/document.h"
 #include "orvml_io.h"
 #include "references/exchange_files.h"
-#include "references/other_formats.h"
 #include "references/posix_files.h"
 
 #include <sys/prctl.h>
@@ -33,9 +32,6 @@ Contest writeContest(const Options& options, const SharedContent& content, doubl
   contest.addGoal("raw HDF5", atMost, creating(path, [=] { raw_hdf5::write(path, *content); }));
   contest.add("Lite and Table", creating(path, [=] { lite_library::write(path, *content); }));
   contest.add("POSIX write", creating(path, [=] { posix_files::write(path, *content); }));
-  for (const OtherFormat& format : otherFormats()) {
-    contest.add(format.name, creating(path, [=] { format.write(path, *content); }));
-  }
   return contest;
 }
 
@@ -56,11 +52,6 @@ Contest readContest(const Options& options, const SharedContent& content, double
   contest.add("Lite and Table",
               warm(reading([=] { return lite_library::read(exchange, *content); })));
   contest.add("POSIX read", warm(reading([=] { return posix_files::read(bytes, *content); })));
-  for (const OtherFormat& format : otherFormats()) {
-    const std::string path =
-        files->add([&](const std::string& name) { format.write(name, *content); });
-    contest.add(format.name, warm(reading([=] { return format.read(path, *content); })));
-  }
   return contest;
 }
 

@@ -4,7 +4,6 @@
 #include "inputs/document.h"
 #include "orvml_io.h"
 #include "references/exchange_files.h"
-#include "references/other_formats.h"
 
 #include <hdf5.h>
 
@@ -97,10 +96,6 @@ Contest writeContest(const Options& options) {
                   }));
   contest.add("raw HDF5",
               writingEach(stem, [=](const std::string& path) { raw_hdf5::write(path, *content); }));
-  for (const OtherFormat& format : otherFormats()) {
-    contest.add(format.name,
-                writingEach(stem, [=](const std::string& path) { format.write(path, *content); }));
-  }
   return contest;
 }
 
@@ -136,14 +131,6 @@ Contest readContest(const Options& options) {
   contest.add("raw HDF5", readingEach(*files, [=](const std::string& path) {
                 return raw_hdf5::read(path, *content);
               }));
-  for (const OtherFormat& format : otherFormats()) {
-    const Kept others =
-        keptFiles(options.folder + "small_other_" + std::to_string(&format - &otherFormats()[0]),
-                  [&](const std::string& path) { format.write(path, *content); });
-    contest.add(format.name, readingEach(*others, [=, kept = others](const std::string& path) {
-                  return format.read(path, *content);
-                }));
-  }
   return contest;
 }
 
