@@ -13,8 +13,8 @@ namespace {
 std::optional<int> positionOf(const std::string& text) {
   int position = 0;
   const char* end = text.data() + text.size();
-  const auto parsed = std::from_chars(text.data(), end, position);
-  if (parsed.ec != std::errc() || parsed.ptr != end || text != std::to_string(position)) {
+  // A text out of range leaves 0, which it then differs from.
+  if (std::from_chars(text.data(), end, position).ptr != end || text != std::to_string(position)) {
     return std::nullopt;
   }
   return position;

@@ -2,20 +2,18 @@
 
 #include <algorithm>
 #include <cstring>
+#include <memory>
+#include <utility>
 
 namespace orvml_io {
 
 namespace {
 
-/// Deletes a container object and leaves the attribute blocks in it allocated: deleting a document
+/// Deletes a container object. Its store leaves the attribute blocks allocated: deleting a document
 /// whose arrays are the caller's must not invalidate the blocks that it handed out.
 template <class Container>
 void deleteContainer(Container*& container) noexcept {
-  if (container != nullptr) {
-    container->attributes.forgetAll();
-  }
-  const std::unique_ptr<Container> deleted(container);
-  container = nullptr;
+  const std::unique_ptr<Container> deleted(std::exchange(container, nullptr));
 }
 
 /// Empties a container of a document that owns its arrays. A read that failed half-way leaves group

@@ -62,9 +62,6 @@ class OML_AttributesVector {
   /// Releases every block and removes all entries.
   void DeleteAll() noexcept;
 
-  /// Removes all entries and leaves their blocks allocated, for a caller that may hold them.
-  void forgetAll() noexcept { entries_.clear(); }
-
   /// Writes the store as a group of datasets, nothing when it is empty. Returns 0 or 1.
   [[nodiscard]] int HDF5Write(hid_t file, const char* groupPath) const;
 

@@ -16,6 +16,16 @@ TEST_F(CellReaders, NegativeFileGivesOne) {
   EXPECT_EQ(elems.ReadAttributes(-1, "/F", 1, "1.4", ORVML_FACES), 1);
 }
 
+TEST_F(CellReaders, NoTypeGroupsEndTheReadingWhateverTheContainerHeld) {
+  RawFile file = RawFile::create(path());
+  file.group("/F");
+  file.intVector("/F/element_types", {});
+  orvml_io::Elems elems;
+  elems.numberOfElements = 2;
+
+  EXPECT_EQ(elems.Read(file.id(), "/F", "1.4", ORVML_FACES), 0);
+}
+
 TEST_F(CellReaders, PathThatIsTooLongGivesOne) {
   const RawFile file = RawFile::create(path());
   const BuiltDocument built = BuiltDocument::input(3);

@@ -321,7 +321,14 @@ class File:
     def change_number(self, number):
         if self.is_in_braces() or not re.fullmatch(r"\d+[uUlL]*", self.source_of(number)):
             return
+        if self.only_makes_room():
+            return
         self.add_one(number)
+
+    def only_makes_room(self):
+        """Room reserved ahead decides about speed, never about results."""
+        return any(cursor.kind == CursorKind.CALL_EXPR and cursor.spelling == "reserve"
+                   for cursor in self.ancestors)
 
     def add_one(self, number):
         n = self.add(number, "off by one", f"{self.source_of(number)} in {self.context_of(number)}")

@@ -79,18 +79,6 @@ TEST_F(StoredVectors, DeleteAllOfAnEmptyStoreIsHarmless) {
   EXPECT_EQ(store_.count(), 0U);
 }
 
-TEST_F(StoredVectors, ForgetAllKeepsTheBlocksAllocated) {
-  const ReleasedBlocks released;
-
-  store_.forgetAll();
-
-  EXPECT_EQ(store_.count(), 0U);
-  EXPECT_FALSE(released.has(intBlock_));
-  EXPECT_EQ(static_cast<const int*>(intBlock_)[1], 2);
-  std::free(intBlock_);
-  std::free(doubleBlock_);
-}
-
 // The owner of a store decides about its blocks, not the store.
 TEST(DestroyedStore, KeepsItsBlocksAllocated) {
   void* block = nullptr;
