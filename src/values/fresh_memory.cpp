@@ -16,7 +16,7 @@ namespace {
 /// system rounds by itself.
 constexpr std::uintptr_t kHugePageBytes = std::uintptr_t{2} << 20;
 
-/// Below, the request costs as much as the faults that it saves.
+/// A block of this size holds a whole huge page wherever it begins.
 constexpr std::size_t kLeastBytes = std::size_t{4} << 20;
 
 }  // namespace
