@@ -7,6 +7,8 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
+
+#include <cerrno>
 #endif
 
 namespace orvml_io {
@@ -39,13 +41,13 @@ bool isRegularFile(const char* fileName) noexcept {
 }
 
 /// Asks for the lock that HDF5 asks for, on an identifier that goes away at once. Whatever keeps it
-/// from being given may keep HDF5 from getting it.
+/// from being given may keep HDF5 from getting it; only a file system without locks keeps nobody.
 bool isLocked(const char* fileName) noexcept {
   if (!isRegularFile(fileName)) {
     return false;
   }
   const Descriptor file(::open(fileName, O_RDWR | O_CLOEXEC));
-  return file.get() >= 0 && ::flock(file.get(), LOCK_EX | LOCK_NB) != 0;
+  return file.get() >= 0 && ::flock(file.get(), LOCK_EX | LOCK_NB) != 0 && errno != ENOSYS;
 }
 
 #else

@@ -13,6 +13,7 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <fstream>
 
 namespace orvml_io_tests {
 namespace {
@@ -198,6 +199,21 @@ TEST(FailedLocks, LeaveTheOldContent) {
 
   EXPECT_EQ(finding.status, 1);
   EXPECT_EQ(bytesOf(file.path()), before);
+}
+
+// HDF5 does without locks where the system has none, and so does the look before it: whatever
+// stands at the path is replaced.
+TEST(MissingLocks, KeepNobodyFromWriting) {
+  const TempFile file;
+  const Sources sources;
+  std::ofstream(file.path()) << "no HDF5 file";
+
+  const Finding finding = findInChild([&] {
+    const FailingSystemCall failure(SystemCall::lock, 1, Mishap::noSuchCall, Failing::fromThenOn);
+    return Finding{"flock", writeBoth(file.path(), sources), "", ""};
+  });
+
+  EXPECT_EQ(finding.status, 0);
 }
 
 /// A folder on a file system of its own that holds so many bytes. Only for a child process.

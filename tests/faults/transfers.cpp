@@ -35,6 +35,9 @@ int fail(Mishap mishap) noexcept {
     case Mishap::interruption:
       errno = EINTR;
       break;
+    case Mishap::noSuchCall:
+      errno = ENOSYS;
+      break;
     case Mishap::killBefore:
     case Mishap::killInside:
       endProcess();
@@ -95,6 +98,8 @@ const char* nameOf(Mishap mishap) {
       return "NoSpace";
     case Mishap::interruption:
       return "Interruption";
+    case Mishap::noSuchCall:
+      return "NoSuchCall";
     case Mishap::half:
       return "Half";
     case Mishap::killBefore:

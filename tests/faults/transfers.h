@@ -14,6 +14,7 @@ enum class Mishap {
   inputOutputError,  ///< fails with EIO
   noSpace,           ///< fails with ENOSPC
   interruption,      ///< fails with EINTR
+  noSuchCall,        ///< fails with ENOSYS, as locks do on some network file systems
   half,              ///< transfers half of the bytes; of one byte that one
   killBefore,        ///< the process ends before the transfer
   killInside         ///< the process ends after half of it
