@@ -89,11 +89,14 @@ TEST_P(DocumentsInMemory, AreMadeWithOneShapeAndLabelledWithoutALock) {
   runTogether(threads(), [](int thread) {
     const double coordinates[] = {0, 0, 1, 0, 0, 1};
     int nodes[] = {0, 1, 2};
+    ElemType edgeShapes[] = {LINEAR};
+    int nodesPerEdge[] = {2};
+    int edgesPerGroup[] = {1};
     Handle document(OrvML_IO_NewOrvInputHandleWithFaces("module", "1", "creator", 2, 3, coordinates,
                                                         1, nodes, TRIANGLE, 3));
     for (int round = 0; round < kRounds; ++round) {
       OrvML_IO_SetOrvMeshLibraryModuleName(std::to_string(thread).c_str(), document.get());
-      OrvML_IO_SetEdges(document.get(), 1, nodes, LINEAR, 2);
+      OrvML_IO_SetEdges(document.get(), 1, nodes, 1, edgeShapes, nodesPerEdge, edgesPerGroup);
       OrvML_IO_SetCallbackStatus(document.out(), &nodes[0], &nodes[1]);
       OrvML_IO_DeleteElements(document.get());
     }
