@@ -106,26 +106,28 @@ INSTANTIATE_TEST_SUITE_P(
         Trouble{"NoLocks", SystemCall::lock, Mishap::noSpace, Failing::fromThenOn}),
     testName);
 
+/// What the system may do to a transfer without having failed.
+auto bearableTroublesOf(SystemCall call) {
+  return ::testing::Values(Trouble{"InterruptedOnce", call, Mishap::interruption, Failing::once},
+                           Trouble{"HalfOnce", call, Mishap::half, Failing::once},
+                           Trouble{"Halves", call, Mishap::half, Failing::fromThenOn});
+}
+
+void expectNothingLost(const Finding& finding) {
+  EXPECT_EQ(finding.status, 0);
+  EXPECT_EQ(finding.lost, "");
+}
+
 class BearableWrites : public TransferTest {};
 
 TEST_P(BearableWrites, WriteTheWholeFile) {
-  const int failures = forEachFailure([this](int n) { return writeDespite(n); },
-                                      [](const Finding& finding) {
-                                        EXPECT_EQ(finding.status, 0);
-                                        EXPECT_EQ(finding.lost, "");
-                                      });
+  const int failures = forEachFailure([this](int n) { return writeDespite(n); }, expectNothingLost);
 
   RecordProperty("failures", failures);
   EXPECT_GT(failures, 10);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Troubles, BearableWrites,
-    ::testing::Values(Trouble{"InterruptedOnce", SystemCall::write, Mishap::interruption,
-                              Failing::once},
-                      Trouble{"HalfOnce", SystemCall::write, Mishap::half, Failing::once},
-                      Trouble{"Halves", SystemCall::write, Mishap::half, Failing::fromThenOn}),
-    testName);
+INSTANTIATE_TEST_SUITE_P(Troubles, BearableWrites, bearableTroublesOf(SystemCall::write), testName);
 
 class FailedReads : public TransferTest {};
 
@@ -165,23 +167,14 @@ TEST_P(BearableReads, ReadTheWholeFile) {
   const TempFile file;
   ASSERT_EQ(writeBoth(file.path(), sources()), 0);
 
-  const int failures = forEachFailure([this, &file](int n) { return readDespite(n, file); },
-                                      [](const Finding& finding) {
-                                        EXPECT_EQ(finding.status, 0);
-                                        EXPECT_EQ(finding.lost, "");
-                                      });
+  const int failures =
+      forEachFailure([this, &file](int n) { return readDespite(n, file); }, expectNothingLost);
 
   RecordProperty("failures", failures);
   EXPECT_GT(failures, 10);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Troubles, BearableReads,
-    ::testing::Values(Trouble{"InterruptedOnce", SystemCall::read, Mishap::interruption,
-                              Failing::once},
-                      Trouble{"HalfOnce", SystemCall::read, Mishap::half, Failing::once},
-                      Trouble{"Halves", SystemCall::read, Mishap::half, Failing::fromThenOn}),
-    testName);
+INSTANTIATE_TEST_SUITE_P(Troubles, BearableReads, bearableTroublesOf(SystemCall::read), testName);
 
 // HDF5 cuts a file to no bytes before it asks for the lock. When the lock cannot be had for
 // whatever reason, the writer fails before that.

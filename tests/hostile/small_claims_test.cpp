@@ -39,7 +39,7 @@ class SmallClaims : public AttackedFile {
       EXPECT_EQ(OrvML_IO_ReadOrvInput(path(), document.out()), expectedStatus);
       best = std::min<Milliseconds>(best, std::chrono::steady_clock::now() - begin);
     }
-    EXPECT_LT(best.count(), 200);
+    EXPECT_LT(best.count(), 50);
   }
 };
 
