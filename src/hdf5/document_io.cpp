@@ -22,10 +22,6 @@ int writeRootText(hid_t file, const char* name, const char* text) {
   return setText(file, name, text);
 }
 
-bool readRootText(const SourceFile& file, const char* name, std::string& text) {
-  return Orv_H5_GetAttributeIfExists(file, layout::kRoot, name, text) >= 0;
-}
-
 int writeDimension(hid_t file, const char* group, int dimension) {
   Path path(group);
   return path.append(layout::kDimension) ? makeVector(file, path, 1, &dimension) : kFailed;
@@ -45,28 +41,26 @@ int OrvInputAndOrvOutput::WriteModuleNameAndVersion(hid_t file) const {
 }
 
 int OrvInputAndOrvOutput::ReadIOCreator(const SourceFile& file) {
-  std::string text;
-  if (readRootText(file, layout::kIOCreator, text)) {
-    copyIdentification(ioCreator, text.c_str());
+  if (const auto text = readRootText(file.id(), layout::kIOCreator)) {
+    copyIdentification(ioCreator, text->c_str());
   }
   return kOk;
 }
 
 int OrvInputAndOrvOutput::ReadModuleNameAndVersion(const SourceFile& file) {
-  std::string text;
-  if (readRootText(file, layout::kModuleName, text)) {
-    copyIdentification(moduleName, text == kOctreeMesherOldSpelling ? kOctreeMesher : text.c_str());
+  if (const auto text = readRootText(file.id(), layout::kModuleName)) {
+    copyIdentification(moduleName,
+                       *text == kOctreeMesherOldSpelling ? kOctreeMesher : text->c_str());
   }
-  if (readRootText(file, layout::kModuleFormatVersion, text)) {
-    copyIdentification(moduleFormatVersion, text.c_str());
+  if (const auto text = readRootText(file.id(), layout::kModuleFormatVersion)) {
+    copyIdentification(moduleFormatVersion, text->c_str());
   }
   return kOk;
 }
 
 int OrvInputAndOrvOutput::ReadFormatVersion(const SourceFile& file) {
-  std::string text;
-  const bool found = readRootText(file, layout::kFormatVersion, text);
-  copyIdentification(fileFormatVersion, found ? text.c_str() : "");
+  const auto text = readRootText(file.id(), layout::kFormatVersion);
+  copyIdentification(fileFormatVersion, text ? text->c_str() : "");
   return kOk;
 }
 

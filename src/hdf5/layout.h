@@ -5,7 +5,6 @@ namespace orvml_io::layout {
 // Names in an exchange file, in the order of its tree. Sub-paths begin with a slash: they are glued
 // to the path of their parent.
 
-inline constexpr char kRoot[] = "/";
 inline constexpr char kFormat[] = "FORMAT";
 inline constexpr char kFormatMarker[] = "ORVMESHLIBRARY";
 inline constexpr char kFormatVersion[] = "ORVMESHLIBRARY_FORMAT_VERSION";

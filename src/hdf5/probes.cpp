@@ -17,10 +17,8 @@ struct SingleValue {
   DatatypeId type;
 };
 
-/// Opens an attribute that holds exactly one value of the type class; no answer otherwise.
-std::optional<SingleValue> tryOpenSingleValue(const SourceFile& file, const char* objectPath,
-                                              const char* name, H5T_class_t typeClass) {
-  AttributeId attribute = file.tryOpenAttribute(objectPath, name);
+/// An open attribute that holds exactly one value of the type class; no answer otherwise.
+std::optional<SingleValue> singleValueOf(AttributeId attribute, H5T_class_t typeClass) {
   if (!attribute.valid()) {
     return std::nullopt;
   }
@@ -65,12 +63,31 @@ std::optional<std::string> readVariableLengthText(hid_t attribute, hid_t fileTyp
 std::optional<std::string> readFixedLengthText(hid_t attribute, hid_t fileType) {
   // One byte more than the file's, so that a text that fills its type gets a terminator.
   std::vector<char> text(H5Tget_size(fileType) + 1);
-  const DatatypeId memoryType = memoryStringType(fileType, text.size());
-  if (!memoryType.valid() || H5Aread(attribute, memoryType.get(), text.data()) < 0) {
+  DatatypeId converted;
+  if (H5Tget_strpad(fileType) != H5T_STR_NULLTERM) {
+    converted = memoryStringType(fileType, text.size());
+    if (!converted.valid()) {
+      return std::nullopt;
+    }
+  }
+  const hid_t memoryType = converted.valid() ? converted.get() : fileType;
+  if (H5Aread(attribute, memoryType, text.data()) < 0) {
     return std::nullopt;
   }
   text.back() = '\0';
   return std::string(text.data());
+}
+
+/// The text of an open attribute that is one string, of fixed or variable length.
+std::optional<std::string> textOf(AttributeId opened) {
+  const std::optional<SingleValue> value = singleValueOf(std::move(opened), H5T_STRING);
+  if (!value) {
+    return std::nullopt;
+  }
+  const hid_t attribute = value->attribute.get();
+  const hid_t type = value->type.get();
+  return H5Tis_variable_str(type) > 0 ? readVariableLengthText(attribute, type)
+                                      : readFixedLengthText(attribute, type);
 }
 
 }  // namespace
@@ -89,20 +106,16 @@ int Orv_H5_GetAttributeIfExists(const SourceFile& file, const char* objectPath, 
   if (!Orv_H5_AttributeExists(file.id(), name)) {
     return -1;
   }
-  const std::optional<SingleValue> value = tryOpenSingleValue(file, objectPath, name, H5T_STRING);
-  if (!value) {
-    return -1;
-  }
-  const hid_t attribute = value->attribute.get();
-  const hid_t type = value->type.get();
-  std::optional<std::string> found = H5Tis_variable_str(type) > 0
-                                         ? readVariableLengthText(attribute, type)
-                                         : readFixedLengthText(attribute, type);
+  std::optional<std::string> found = textOf(file.tryOpenAttribute(objectPath, name));
   if (!found) {
     return -1;
   }
   text = std::move(*found);
   return 0;
+}
+
+std::optional<std::string> readRootText(hid_t file, const char* name) {
+  return textOf(AttributeId(H5Aopen(file, name, H5P_DEFAULT)));
 }
 
 int Orv_H5_GetVectorDimension(const SourceFile& file, const char* path, std::size_t valueBytes) {
@@ -116,7 +129,8 @@ int Orv_H5_GetVectorDimension(const SourceFile& file, const char* path, std::siz
 
 std::optional<int> readIntegerAttribute(const SourceFile& file, const char* objectPath,
                                         const char* name) {
-  const std::optional<SingleValue> found = tryOpenSingleValue(file, objectPath, name, H5T_INTEGER);
+  const std::optional<SingleValue> found =
+      singleValueOf(file.tryOpenAttribute(objectPath, name), H5T_INTEGER);
   int value = 0;
   if (!found || H5Aread(found->attribute.get(), H5T_NATIVE_INT, &value) < 0) {
     return std::nullopt;
@@ -124,10 +138,8 @@ std::optional<int> readIntegerAttribute(const SourceFile& file, const char* obje
   return value;
 }
 
-bool IsOrvMeshLibraryIOFormat(const SourceFile& file) {
-  std::string marker;
-  return Orv_H5_GetAttributeIfExists(file, layout::kRoot, layout::kFormat, marker) == 0 &&
-         marker == layout::kFormatMarker;
+bool IsOrvMeshLibraryIOFormat(hid_t file) {
+  return readRootText(file, layout::kFormat) == layout::kFormatMarker;
 }
 
 FileId OpenFileForReading(const char* fileName) {

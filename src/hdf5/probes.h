@@ -25,6 +25,9 @@ namespace orvml_io {
 [[nodiscard]] int Orv_H5_GetAttributeIfExists(const SourceFile& file, const char* objectPath,
                                               const char* name, std::string& text);
 
+/// Reads one string attribute of the root group; no answer when it is missing or is not one string.
+[[nodiscard]] std::optional<std::string> readRootText(hid_t file, const char* name);
+
 /// The dataset has another rank than 1, more values than a vector can hold, or values that are not
 /// stored.
 inline constexpr int kNotAVector = -2;
@@ -41,7 +44,7 @@ inline constexpr int kNotAVector = -2;
                                                       const char* objectPath, const char* name);
 
 /// Tells whether the root attribute "FORMAT" is exactly the marker of exchange files.
-[[nodiscard]] bool IsOrvMeshLibraryIOFormat(const SourceFile& file);
+[[nodiscard]] bool IsOrvMeshLibraryIOFormat(hid_t file);
 
 /// Opens an exchange file read-only; an invalid identifier when it cannot be opened or is no
 /// exchange file.

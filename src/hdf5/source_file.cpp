@@ -1,7 +1,5 @@
 #include "hdf5/source_file.h"
 
-#include "hdf5/layout.h"
-
 #include <cstring>
 
 namespace orvml_io {
@@ -110,9 +108,6 @@ SourceFile::Place SourceFile::placeOf(const char* path) const noexcept {
 }
 
 AttributeId SourceFile::tryOpenAttribute(const char* objectPath, const char* name) const noexcept {
-  if (std::strcmp(objectPath, layout::kRoot) == 0) {
-    return AttributeId(H5Aopen(file_, name, H5P_DEFAULT));  // asking is cheaper without a path
-  }
   return AttributeId(H5Aopen_by_name(file_, objectPath, name, H5P_DEFAULT, groupAccess_.get()));
 }
 
