@@ -22,7 +22,7 @@ bool areClose(double a, double b) noexcept { return !(std::fabs(a - b) > kTolera
 
 /// Whole blocks are compared without a branch, which compilers turn into vector instructions where
 /// the length is fixed; the first difference ends the comparison at the end of its block.
-constexpr long long kBlockLength = 1024;
+constexpr long long kBlockLength = 256;
 
 bool blocksEqual(const double* a, const double* b) noexcept {
   long long different = 0;
@@ -33,13 +33,16 @@ bool blocksEqual(const double* a, const double* b) noexcept {
 }
 
 bool valuesEqual(const double* a, const double* b, long long length) noexcept {
-  const double* const end = a + length;
-  for (; end - a >= kBlockLength; a += kBlockLength, b += kBlockLength) {
-    if (!blocksEqual(a, b)) {
+  if (length < kBlockLength) {
+    return std::equal(a, a + length, b, areClose);
+  }
+  const long long lastBlock = length - kBlockLength;  // overlaps the one before it
+  for (long long start = 0; start < lastBlock; start += kBlockLength) {
+    if (!blocksEqual(a + start, b + start)) {
       return false;
     }
   }
-  return std::equal(a, end, b, areClose);
+  return blocksEqual(a + lastBlock, b + lastBlock);
 }
 
 template <class T>
