@@ -106,7 +106,7 @@ int OrvInputAndOrvOutput::CopyParametersFromOther(const OrvInputAndOrvOutput* so
     // document without scalar parameters having none at all.
     return 0;
   }
-  parametersScalar = source->parametersScalar;
+  parametersScalar = OML_AttributesScalar<double>(source->parametersScalar);
   return parametersVector.CopyFromOther(source->parametersVector);
 }
 

@@ -15,6 +15,15 @@ class OML_AttributesScalar {
  public:
   using Values = std::map<std::string, T, std::less<>>;
 
+  OML_AttributesScalar() = default;
+  /// Appends one value after the other, which is faster than copying the tree: values that follow
+  /// each other also lie next to each other then.
+  OML_AttributesScalar(const OML_AttributesScalar& other) : values_(other.begin(), other.end()) {}
+  OML_AttributesScalar(OML_AttributesScalar&&) noexcept = default;
+  OML_AttributesScalar& operator=(const OML_AttributesScalar&) = delete;
+  OML_AttributesScalar& operator=(OML_AttributesScalar&&) noexcept = default;
+  ~OML_AttributesScalar() = default;
+
   /// Inserts the name or overwrites its value. Returns 0.
   int Set(const char* name, T value) {
     const std::string_view key(name);

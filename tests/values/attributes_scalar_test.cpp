@@ -54,6 +54,21 @@ TEST(AttributesScalar, SetCopiesTheName) {
   EXPECT_EQ(namesOf(store), (std::vector<std::string>{"abc"}));
 }
 
+TEST(AttributesScalar, ACopyHoldsTheSameAndGoesItsOwnWay) {
+  Store store;
+  store.Set("b", 2.5);
+  store.Set("a", 1.5);
+
+  Store copy(store);
+  store.Set("a", 7.5);
+  copy.Set("c", 3.5);
+
+  EXPECT_EQ(namesOf(copy), (std::vector<std::string>{"a", "b", "c"}));
+  EXPECT_EQ(*copy.find("a"), 1.5);
+  EXPECT_EQ(*copy.find("b"), 2.5);
+  EXPECT_EQ(namesOf(store), (std::vector<std::string>{"a", "b"}));
+}
+
 TEST(AttributesScalar, FindComparesNamesByteByByte) {
   Store store;
   store.Set("Size", 1.0);
