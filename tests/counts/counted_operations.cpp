@@ -149,6 +149,31 @@ void countParameters(int number) {
   countDocument("parameters", size, document);
 }
 
+/// Many small documents, each in a file of its own: what a file costs besides its arrays.
+void countDocuments(int number) {
+  const std::string size = std::to_string(number);
+  constexpr int kNodes = 200;
+  Counted document(kNodes);
+  document.addCells();
+  document.addAttributes(1);
+  document.addParameters(10);
+  const std::vector<TempFile> files(static_cast<std::size_t>(number));
+  count("write documents/" + size, [&] {
+    for (const TempFile& file : files) {
+      require(OrvML_IO_WriteOrvInput(file.path(), document.handle()) == 0, "writing");
+    }
+  });
+  std::vector<void*> handles;
+  count("read documents/" + size, [&] {
+    for (const TempFile& file : files) {
+      handles.push_back(read(file.path()));
+    }
+  });
+  for (void*& handle : handles) {
+    OrvML_IO_DeleteOrvInputHandle(handle);
+  }
+}
+
 }  // namespace
 
 int main() {
@@ -156,5 +181,6 @@ int main() {
     countMesh(10000 * factor);
     countAttributes(200 * factor);
     countParameters(2000 * factor);
+    countDocuments(10 * factor);
   }
 }
