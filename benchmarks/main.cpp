@@ -5,6 +5,7 @@
 //
 // Ends with 1 when a goal does not hold.
 #include "contests/contests.h"
+#include "peers/peer.h"
 
 #include <benchmark/benchmark.h>
 
@@ -58,6 +59,7 @@ int main(int count, char** arguments) {
     return EXIT_FAILURE;
   }
   orvml_io_bench::measureWith(options.clock);
+  orvml_io_bench::startPeers(options.folder);
   orvml_io_bench::registerMeshFiles(options);
   orvml_io_bench::registerSmallFiles(options);
   orvml_io_bench::registerValueFiles(options);

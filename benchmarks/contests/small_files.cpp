@@ -1,6 +1,7 @@
 // Many small documents, each in a file of its own.
 #include "contests/contests.h"
 #include "contests/file_runs.h"
+#include "contests/peer_runs.h"
 #include "inputs/document.h"
 #include "orvml_io.h"
 #include "references/exchange_files.h"
@@ -15,29 +16,46 @@ namespace orvml_io_bench {
 
 namespace {
 
-constexpr char kInput[] = "2,000 documents of 200 nodes";
-constexpr int kFiles = 2000;
-
-using SharedContent = std::shared_ptr<Content>;
+using SharedContent = std::shared_ptr<const Content>;
 using WriteOne = std::function<void(const std::string& path)>;
 
-std::string pathOf(const std::string& stem, int number) { return stem + std::to_string(number); }
+/// Files of the same stem, counted from 0.
+struct Files {
+  std::string stem;
+  int count;
 
-void removeAll(const std::string& stem) {
-  for (int i = 0; i < kFiles; ++i) {
-    (void)std::remove(pathOf(stem, i).c_str());
+  [[nodiscard]] std::string path(int number) const { return stem + std::to_string(number); }
+  void removeAll() const {
+    for (int i = 0; i < count; ++i) {
+      (void)std::remove(path(i).c_str());
+    }
   }
-}
+};
 
-Run writingEach(const std::string& stem, WriteOne write) {
+Run writingEach(const Files& files, const WriteOne& write) {
   return [=](Measurement& measurement) {
     measurement.start();
-    for (int i = 0; i < kFiles; ++i) {
-      write(pathOf(stem, i));
+    for (int i = 0; i < files.count; ++i) {
+      write(files.path(i));
     }
     measurement.stop();
-    removeAll(stem);
+    files.removeAll();
   };
+}
+
+/// Files that go when the last contender that reads them does.
+using Kept = std::shared_ptr<const Files>;
+
+Kept keptFiles(const Files& files, const WriteOne& write) {
+  preparedInChild([&] {
+    for (int i = 0; i < files.count; ++i) {
+      write(files.path(i));
+    }
+  });
+  return {new Files(files), [](const Files* kept) {
+            kept->removeAll();
+            delete kept;
+          }};
 }
 
 /// The library keeps every file that it read open by contract, one descriptor each.
@@ -49,14 +67,14 @@ void raiseDescriptorLimit() {
 }
 
 template <class Read>
-Run readingEach(const std::string& stem, Read read) {
+Run readingEach(const Kept& files, Read read) {
   return [=](Measurement& measurement) {
     raiseDescriptorLimit();
-    std::vector<decltype(read(stem))> documents;
-    documents.reserve(kFiles);
+    std::vector<decltype(read(files->stem))> documents;
+    documents.reserve(static_cast<std::size_t>(files->count));
     measurement.start();
-    for (int i = 0; i < kFiles; ++i) {
-      documents.push_back(read(pathOf(stem, i)));
+    for (int i = 0; i < files->count; ++i) {
+      documents.push_back(read(files->path(i)));
     }
     measurement.stop();
   };
@@ -71,82 +89,108 @@ void closeWhatIsOpen() {
   }
 }
 
-/// The files of all numbers, which go when the last contender that reads them does.
-std::shared_ptr<const std::string> keptFiles(const std::string& stem, const WriteOne& write) {
-  preparedInChild([&] {
-    for (int i = 0; i < kFiles; ++i) {
-      write(pathOf(stem, i));
-    }
-  });
-  return {new std::string(stem), [](const std::string* kept) {
-            removeAll(*kept);
-            delete kept;
-          }};
-}
-
-Contest writeContest(const Options& options) {
-  const auto content = std::make_shared<Content>(smallDocument());
+Run libraryWriting(const Files& files, const std::shared_ptr<Content>& content) {
   const auto document = std::make_shared<Document>(*content);
-  const std::string stem = options.folder + "small_";
-  Contest contest(writingEach(stem, [=](const std::string& path) {
+  return writingEach(files, [=, kept = content](const std::string& path) {
     require(OrvML_IO_WriteOrvInput(path.c_str(), document->handle()) == 0, "writing a file");
-  }));
-  contest.addGoal("Lite and Table", 0.85, writingEach(stem, [=](const std::string& path) {
-                    lite_library::write(path, *content);
-                  }));
-  contest.add("raw HDF5",
-              writingEach(stem, [=](const std::string& path) { raw_hdf5::write(path, *content); }));
-  return contest;
+  });
 }
 
-using Kept = std::shared_ptr<const std::string>;
-
-Kept exchangeFiles(const Options& options, const Content& content) {
-  return keptFiles(options.folder + "small_read_",
-                   [&](const std::string& path) { lite_library::write(path, content); });
+Run libraryReadingAndLeavingOpen(const Kept& files) {
+  return readingEach(files, [](const std::string& path) { return Document::read(path); });
 }
 
-Run readingAndLeavingOpen(const Kept& files) {
-  return readingEach(*files,
-                     [kept = files](const std::string& path) { return Document::read(path); });
-}
-
-Run readingAndClosing(const Kept& files) {
-  return readingEach(*files, [kept = files](const std::string& path) {
+/// What a read leaves open is closed after each file, as the others do with theirs: what it costs
+/// to leave it open is measured on its own.
+Run libraryReadingAndClosing(const Kept& files) {
+  return readingEach(files, [](const std::string& path) {
     Document document = Document::read(path);
     closeWhatIsOpen();
     return document;
   });
 }
 
-/// What a read leaves open is closed after each file, as the others do with theirs: what it costs
-/// to leave it open is measured on its own.
-Contest readContest(const Options& options) {
+Kept exchangeFiles(const Files& files, const SharedContent& content) {
+  return keptFiles(files, [&](const std::string& path) { lite_library::write(path, *content); });
+}
+
+Contest writeContest(const Files& files) {
   const auto content = std::make_shared<Content>(smallDocument());
-  const Kept files = exchangeFiles(options, *content);
-  Contest contest(readingAndClosing(files));
-  contest.addGoal("Lite and Table", 0.80, readingEach(*files, [=](const std::string& path) {
+  Contest contest(libraryWriting(files, content));
+  contest.addGoal("Lite and Table", 0.85, writingEach(files, [=](const std::string& path) {
+                    lite_library::write(path, *content);
+                  }));
+  contest.add("raw HDF5", writingEach(files, [=](const std::string& path) {
+                raw_hdf5::write(path, *content);
+              }));
+  return contest;
+}
+
+Contest readContest(const Files& files) {
+  const auto content = std::make_shared<const Content>(smallDocument());
+  const Kept kept = exchangeFiles(files, content);
+  Contest contest(libraryReadingAndClosing(kept));
+  contest.addGoal("Lite and Table", 0.80, readingEach(kept, [=](const std::string& path) {
                     return lite_library::read(path, *content);
                   }));
-  contest.add("raw HDF5", readingEach(*files, [=](const std::string& path) {
+  contest.add("raw HDF5", readingEach(kept, [=](const std::string& path) {
                 return raw_hdf5::read(path, *content);
               }));
   return contest;
 }
 
-Contest keptOpenContest(const Options& options) {
-  const Kept files = exchangeFiles(options, smallDocument());
-  Contest contest(readingAndLeavingOpen(files));
-  contest.add("each file closed by the caller", readingAndClosing(files));
+Contest keptOpenContest(const Files& files) {
+  const Kept kept = exchangeFiles(files, std::make_shared<const Content>(smallDocument()));
+  Contest contest(libraryReadingAndLeavingOpen(kept));
+  contest.add("each file closed by the caller", libraryReadingAndClosing(kept));
+  return contest;
+}
+
+Contest writeBesidePeers(const Files& files) {
+  const auto content = std::make_shared<Content>(smallDocument());
+  const auto mesh = std::make_shared<const PeerMesh>(*content);
+  Contest contest(libraryWriting(files, content));
+  for (const Peer& peer : peers()) {
+    addPeer(contest, peer, writingEach(files, [=, write = peer.write](const std::string& path) {
+              write(path, *mesh);
+            }));
+  }
+  return contest;
+}
+
+Run peerReading(const Files& files, const Peer& peer, const PeerMesh& mesh) {
+  const Kept kept = keptFiles({files.stem + peer.name, files.count},
+                              [&](const std::string& path) { peer.write(path, mesh); });
+  preparedInChild([&] {
+    require(peer.read(kept->path(0)).checksum() == mesh.checksum(), "another format read back");
+  });
+  return readingEach(kept, peer.read);
+}
+
+Contest readBesidePeers(const Files& files) {
+  const auto content = std::make_shared<const Content>(smallDocument());
+  const PeerMesh mesh(*content);
+  Contest contest(libraryReadingAndClosing(exchangeFiles(files, content)));
+  for (const Peer& peer : peers()) {
+    addPeer(contest, peer, peerReading(files, peer, mesh));
+  }
   return contest;
 }
 
 }  // namespace
 
 void registerSmallFiles(const Options& options) {
-  registerContest("write", kInput, options, [=] { return writeContest(options); });
-  registerContest("read", kInput, options, [=] { return readContest(options); });
-  registerContest("read, all left open", kInput, options, [=] { return keptOpenContest(options); });
+  const Files many{options.folder + "small_", 2000};
+  const Files few{options.folder + "small_", 200};  // for those that take ten times as long
+  const std::string ofMany = "2,000 documents of 200 nodes";
+  const std::string ofFew = "200 documents of 200 nodes";
+  registerContest("write", ofMany, options, [=] { return writeContest(many); });
+  registerContest("read", ofMany, options, [=] { return readContest(many); });
+  registerContest("read, all left open", ofMany, options, [=] { return keptOpenContest(many); });
+  if (!peers().empty()) {
+    registerContest("write", ofFew, options, [=] { return writeBesidePeers(few); });
+    registerContest("read", ofFew, options, [=] { return readBesidePeers(few); });
+  }
 }
 
 }  // namespace orvml_io_bench

@@ -15,23 +15,28 @@ constexpr char kScalarInput[] = "100,000 scalars";
 
 using SharedContent = std::shared_ptr<Content>;
 
-/// A run of one call that answers whether it worked.
-template <class Call>
-Run timed(Call call) {
-  return [call](Measurement& measurement) {
+// Every run makes the stores that it works on, so that the memory around them is the same for each
+// contender. What stands in `prepare` is not measured.
+
+/// A run of one call on what was prepared. The call answers whether it worked.
+template <class Prepare, class Call>
+Run calling(Prepare prepare, Call call) {
+  return [=](Measurement& measurement) {
+    const auto prepared = prepare();
     measurement.start();
-    const bool worked = call();
+    const bool worked = call(prepared);
     measurement.stop();
     require(worked, "a call on named values");
   };
 }
 
-/// A run that makes something, which lives until the measurement has ended.
-template <class Make>
-Run making(Make make) {
-  return [make](Measurement& measurement) {
+/// A run that makes something of what was prepared; it lives until the measurement has ended.
+template <class Prepare, class Make>
+Run making(Prepare prepare, Make make) {
+  return [=](Measurement& measurement) {
+    const auto prepared = prepare();
     measurement.start();
-    const auto made = make();
+    const auto made = make(prepared);
     measurement.stop();
   };
 }
@@ -73,38 +78,42 @@ class DocumentScalars {
 };
 
 template <class Store>
-std::shared_ptr<Store> filled(const Content& content) {
-  auto store = std::make_shared<Store>();
-  fill(*store, content);
+Store filled(const Content& content) {
+  Store store;
+  fill(store, content);
   return store;
 }
 
 template <class Store>
 Run setting(const SharedContent& content) {
-  return making([=] { return filled<Store>(*content); });
+  return making([=] { return content; },
+                [](const SharedContent& prepared) { return filled<Store>(*prepared); });
 }
 
 template <class Store>
 Run getting(const SharedContent& content) {
-  const auto store = filled<Store>(*content);
-  return timed([=] { return getAll(*store, *content); });
+  return calling([=] { return filled<Store>(*content); },
+                 [=](const Store& store) { return getAll(store, *content); });
 }
 
 template <class Store>
 Run comparing(const SharedContent& content) {
-  const auto one = filled<Store>(*content);
-  const auto other = filled<Store>(*content);
-  return timed([=] { return one->equals(*other); });
+  return calling(
+      [=] { return std::make_pair(filled<Store>(*content), filled<Store>(*content)); },
+      [](const std::pair<Store, Store>& stores) { return stores.first.equals(stores.second); });
 }
 
 template <class Store>
 Run copying(const SharedContent& content) {
-  const auto store = filled<Store>(*content);
-  return making([=] { return Store(*store); });
+  return making([=] { return filled<Store>(*content); },
+                [](const Store& store) { return Store(store); });
 }
 
-Run cloning(const std::shared_ptr<DocumentScalars>& scalars) {
-  return making([=] { return Document(OrvML_IO_NewOrvInputHandle(scalars->handle())); });
+Document cloneOf(void* handle) { return Document(OrvML_IO_NewOrvInputHandle(handle)); }
+
+Run cloning(const SharedContent& content) {
+  return making([=] { return filled<DocumentScalars>(*content); },
+                [](const DocumentScalars& scalars) { return cloneOf(scalars.handle()); });
 }
 
 SharedContent scalars() { return std::make_shared<Content>(scalarParameters(kScalars)); }
@@ -127,7 +136,7 @@ Contest getScalars() {
 
 Contest cloneScalars() {
   const SharedContent content = scalars();
-  Contest contest(cloning(filled<DocumentScalars>(*content)));
+  Contest contest(cloning(content));
   contest.addGoal("std::map", 1.10, copying<MapOfScalars>(content));
   contest.add("flat store", copying<FlatScalars>(content));
   return contest;
@@ -150,10 +159,10 @@ struct VectorInput {
 constexpr VectorInput kVectorInputs[] = {{"10,000 vectors of 3", 10000, 3},
                                          {"1,000 attributes of 1,000", 1000, 1000}};
 
-std::shared_ptr<MapOfVectors> mapOf(const Content& content) {
-  auto map = std::make_shared<MapOfVectors>();
+MapOfVectors mapOf(const Content& content) {
+  MapOfVectors map;
   for (const Vector& vector : content.nodeAttributes) {
-    map->set(vector.name.c_str(), vector.doubles.data(), vector.doubles.size());
+    map.set(vector.name.c_str(), vector.doubles.data(), vector.doubles.size());
   }
   return map;
 }
@@ -164,29 +173,35 @@ SharedContent vectorsOf(const VectorInput& input) {
 
 Contest setVectors(const VectorInput& input) {
   const SharedContent content = vectorsOf(input);
-  Contest contest(making([=] { return Document(*content); }));
-  contest.addGoal("std::map", 1.20, making([=] { return mapOf(*content); }));
+  const auto prepare = [=] { return content; };
+  Contest contest(making(prepare, [](const SharedContent& from) { return Document(*from); }));
+  contest.addGoal("std::map", 1.20,
+                  making(prepare, [](const SharedContent& from) { return mapOf(*from); }));
   return contest;
 }
 
 Contest cloneVectors(const VectorInput& input) {
   const SharedContent content = vectorsOf(input);
-  const auto document = std::make_shared<Document>(*content);
-  const auto map = mapOf(*content);
-  Contest contest(making([=] { return Document(OrvML_IO_NewOrvInputHandle(document->handle())); }));
-  contest.addGoal("std::map", 1.10, making([=] { return MapOfVectors(*map); }));
+  Contest contest(making([=] { return Document(*content); },
+                         [](const Document& document) { return cloneOf(document.handle()); }));
+  contest.addGoal("std::map", 1.10,
+                  making([=] { return mapOf(*content); },
+                         [](const MapOfVectors& map) { return MapOfVectors(map); }));
   return contest;
 }
 
 Contest compareVectors(const VectorInput& input) {
   const SharedContent content = vectorsOf(input);
-  const auto one = std::make_shared<Document>(*content);
-  const auto other = std::make_shared<Document>(*content);
-  const auto map = mapOf(*content);
-  const auto otherMap = mapOf(*content);
-  Contest contest(
-      timed([=] { return OrvML_IO_OrvInputsAreEqual(one->handle(), other->handle()); }));
-  contest.addGoal("std::map", 1.0, timed([=] { return map->equals(*otherMap); }));
+  using Documents = std::pair<Document, Document>;
+  using Maps = std::pair<MapOfVectors, MapOfVectors>;
+  Contest contest(calling([=] { return Documents(*content, *content); },
+                          [](const Documents& both) {
+                            return OrvML_IO_OrvInputsAreEqual(both.first.handle(),
+                                                              both.second.handle());
+                          }));
+  contest.addGoal("std::map", 1.0,
+                  calling([=] { return Maps(mapOf(*content), mapOf(*content)); },
+                          [](const Maps& both) { return both.first.equals(both.second); }));
   return contest;
 }
 

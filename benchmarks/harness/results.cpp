@@ -3,6 +3,7 @@
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
+#include <chrono>
 #include <utility>
 #include <vector>
 
@@ -53,7 +54,18 @@ void record(const std::string& operation, const std::string& input, const Contes
   }
 }
 
-void play(const std::string& operation, const std::string& input,
+/// Plays more rounds of a short contest, whose single rounds say little.
+void playOn(Contest& contest, const Options& options) {
+  constexpr std::chrono::seconds kEnough(4);
+  constexpr int kMostTimes = 5;
+  const auto end = std::chrono::steady_clock::now() + kEnough;
+  for (int round = options.rounds;
+       round < kMostTimes * options.rounds && std::chrono::steady_clock::now() < end; ++round) {
+    contest.playRound();
+  }
+}
+
+void play(const std::string& operation, const std::string& input, const Options& options,
           const std::function<Contest()>& make, benchmark::State& state) {
   Contest contest = make();
   for (auto round : state) {
@@ -61,6 +73,7 @@ void play(const std::string& operation, const std::string& input,
     contest.playRound();
     state.SetIterationTime(contest.lastSeconds());
   }
+  playOn(contest, options);
   record(operation, input, contest, state);
 }
 
@@ -93,7 +106,7 @@ void printEverything(std::FILE* stream) {
 
 void registerContest(const std::string& operation, const std::string& input, const Options& options,
                      std::function<Contest()> make) {
-  const auto body = [=](benchmark::State& state) { play(operation, input, make, state); };
+  const auto body = [=](benchmark::State& state) { play(operation, input, options, make, state); };
   benchmark::RegisterBenchmark((operation + "/" + input).c_str(), body)
       ->UseManualTime()
       ->Iterations(options.rounds)
@@ -101,11 +114,11 @@ void registerContest(const std::string& operation, const std::string& input, con
 }
 
 void printResults(std::FILE* stream, const Options& options) {
-  std::fprintf(stream, "\nGoals: medians of the ratios of %d interleaved rounds, %s\n\n",
+  std::fprintf(stream, "\nGoals: medians of the ratios of %d or more interleaved rounds, %s\n\n",
                options.rounds,
                options.clock == Clock::wall ? "wall clock" : "time of the processor");
   printGoals(stream);
-  std::fprintf(stream, "\nEverything: medians of %d rounds\n\n", options.rounds);
+  std::fprintf(stream, "\nEverything: medians of %d or more rounds\n\n", options.rounds);
   printEverything(stream);
 }
 
