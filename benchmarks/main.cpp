@@ -9,6 +9,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <string>
@@ -69,5 +70,8 @@ int main(int count, char** arguments) {
   orvml_io_bench::registerGrowth(options);
   benchmark::RunSpecifiedBenchmarks();
   orvml_io_bench::printResults(stdout, options);
+  for (const std::string& format : orvml_io_bench::missingPeers()) {
+    std::printf("\nNot measured, because its library was not installed: %s\n", format.c_str());
+  }
   return orvml_io_bench::allGoalsHold() ? EXIT_SUCCESS : EXIT_FAILURE;
 }

@@ -6,6 +6,8 @@
 #include "orvml_io.h"
 #include "references/exchange_files.h"
 
+#include <algorithm>
+#include <iterator>
 #include <memory>
 
 namespace orvml_io_bench {
@@ -26,8 +28,13 @@ struct Values {
   Peers peers;
 };
 
-std::vector<Peer> peersFor(const Values& values) {
-  return values.peers == Peers::measured ? peers() : std::vector<Peer>();
+std::vector<Peer> peersFor(const Values& values, const Content& content) {
+  std::vector<Peer> chosen;
+  if (values.peers == Peers::measured) {
+    std::copy_if(peers().begin(), peers().end(), std::back_inserter(chosen),
+                 [&](const Peer& peer) { return content.vectors.empty() || peer.keepsVectors; });
+  }
+  return chosen;
 }
 
 Contest writeContest(const Options& options, const SharedContent& content, const Values& values) {
@@ -40,7 +47,7 @@ Contest writeContest(const Options& options, const SharedContent& content, const
                   creating(path, [=] { raw_hdf5::write(path, *content); }));
   contest.add("Lite and Table", creating(path, [=] { lite_library::write(path, *content); }));
   const auto mesh = std::make_shared<const PeerMesh>(*content);
-  for (const Peer& peer : peersFor(values)) {
+  for (const Peer& peer : peersFor(values, *content)) {
     addPeerWriter(contest, peer, path, mesh);
   }
   return contest;
@@ -56,7 +63,7 @@ Contest readContest(const Options& options, const SharedContent& content, const 
   contest.add("raw HDF5, all closed", reading([=] { return raw_hdf5::read(path, *content); }));
   contest.add("Lite and Table", reading([=] { return lite_library::read(path, *content); }));
   const auto mesh = std::make_shared<const PeerMesh>(*content);
-  for (const Peer& peer : peersFor(values)) {
+  for (const Peer& peer : peersFor(values, *content)) {
     addPeerReader(contest, peer, files, mesh, [](Run run) { return run; });
   }
   return contest;

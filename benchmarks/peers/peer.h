@@ -14,6 +14,9 @@ struct Peer {
   std::string name;
   void (*write)(const std::string& path, const PeerMesh& mesh);
   Loaded (*read)(const std::string& path);
+  /// Whether vectors of parameters come back as what they were. A format without them keeps their
+  /// values in one flat list, which is no measure for those that keep them.
+  bool keepsVectors = true;
   /// False for a format that is no HDF5 file: what HDF5 itself costs, it need not pay.
   bool isBoundByHdf5 = true;
 };

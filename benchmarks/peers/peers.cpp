@@ -15,8 +15,8 @@ const std::vector<Peer>& peers() {
       {"MED", med::write, med::read},
 #endif
 #ifdef ORVML_IO_BENCH_EXODUS
-      {"Exodus II, NetCDF-4", exodus::writeNetcdf4, exodus::read},
-      {"Exodus II, classic NetCDF", exodus::writeClassic, exodus::read, false},
+      {"Exodus II, NetCDF-4", exodus::writeNetcdf4, exodus::read, false},
+      {"Exodus II, classic NetCDF", exodus::writeClassic, exodus::read, false, false},
 #endif
   };
   return instance;
