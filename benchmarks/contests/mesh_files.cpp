@@ -48,7 +48,7 @@ Contest writeContest(const Options& options, const SharedContent& content, doubl
   const std::vector<Peer> others = peersFor(*content);
   const auto mesh = others.empty() ? nullptr : std::make_shared<const PeerMesh>(*content);
   for (const Peer& peer : others) {
-    addPeerWriter(contest, peer, path, mesh);
+    addPeerWriter(contest, peer, kLevel, path, mesh);
   }
   return contest;
 }

@@ -151,9 +151,9 @@ Contest writeBesidePeers(const Files& files) {
   const auto mesh = std::make_shared<const PeerMesh>(*content);
   Contest contest(libraryWriting(files, content));
   for (const Peer& peer : peers()) {
-    addPeer(contest, peer, writingEach(files, [=, write = peer.write](const std::string& path) {
-              write(path, *mesh);
-            }));
+    addPeer(contest, peer, kAhead,
+            writingEach(files,
+                        [=, write = peer.write](const std::string& path) { write(path, *mesh); }));
   }
   return contest;
 }
@@ -172,7 +172,7 @@ Contest readBesidePeers(const Files& files) {
   const PeerMesh mesh(*content);
   Contest contest(libraryReadingAndClosing(exchangeFiles(files, content)));
   for (const Peer& peer : peers()) {
-    addPeer(contest, peer, peerReading(files, peer, mesh));
+    addPeer(contest, peer, kAhead, peerReading(files, peer, mesh));
   }
   return contest;
 }

@@ -48,7 +48,7 @@ Contest writeContest(const Options& options, const SharedContent& content, const
   contest.add("Lite and Table", creating(path, [=] { lite_library::write(path, *content); }));
   const auto mesh = std::make_shared<const PeerMesh>(*content);
   for (const Peer& peer : peersFor(values, *content)) {
-    addPeerWriter(contest, peer, path, mesh);
+    addPeerWriter(contest, peer, kAhead, path, mesh);
   }
   return contest;
 }
