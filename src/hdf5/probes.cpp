@@ -24,8 +24,8 @@ std::optional<SingleValue> singleValueOf(AttributeId attribute, H5T_class_t type
   }
   DatatypeId type(H5Aget_type(attribute.get()));
   const DataspaceId space(H5Aget_space(attribute.get()));
-  if (!type.valid() || !space.valid() || H5Tget_class(type.get()) != typeClass ||
-      H5Sget_simple_extent_npoints(space.get()) != 1) {
+  // A type or a space that could not be had is of no class and has no number of values.
+  if (H5Tget_class(type.get()) != typeClass || H5Sget_simple_extent_npoints(space.get()) != 1) {
     return std::nullopt;
   }
   return SingleValue{std::move(attribute), std::move(type)};
@@ -61,8 +61,12 @@ std::optional<std::string> readVariableLengthText(hid_t attribute, hid_t fileTyp
 }
 
 std::optional<std::string> readFixedLengthText(hid_t attribute, hid_t fileType) {
+  const std::size_t bytes = H5Tget_size(fileType);
+  if (bytes == 0) {
+    return std::nullopt;  // the size could not be had: no type is empty
+  }
   // One byte more than the file's, so that a text that fills its type gets a terminator.
-  std::vector<char> text(H5Tget_size(fileType) + 1);
+  std::vector<char> text(bytes + 1);
   DatatypeId converted;
   if (H5Tget_strpad(fileType) != H5T_STR_NULLTERM) {
     converted = memoryStringType(fileType, text.size());
