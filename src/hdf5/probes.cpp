@@ -60,7 +60,10 @@ std::optional<std::string> readVariableLengthText(hid_t attribute, hid_t fileTyp
   return copy;
 }
 
-std::optional<std::string> readFixedLengthText(hid_t attribute, hid_t fileType) {
+/// Reads a text that is not of variable length, or of which that could not be found out: then HDF5
+/// converts it, and refuses when it is. A type of the file without padding needs no conversion.
+std::optional<std::string> readFixedLengthText(hid_t attribute, hid_t fileType,
+                                               bool isKnownAsFixed) {
   const std::size_t bytes = H5Tget_size(fileType);
   if (bytes == 0) {
     return std::nullopt;  // the size could not be had: no type is empty
@@ -68,7 +71,7 @@ std::optional<std::string> readFixedLengthText(hid_t attribute, hid_t fileType) 
   // One byte more than the file's, so that a text that fills its type gets a terminator.
   std::vector<char> text(bytes + 1);
   DatatypeId converted;
-  if (H5Tget_strpad(fileType) != H5T_STR_NULLTERM) {
+  if (!isKnownAsFixed || H5Tget_strpad(fileType) != H5T_STR_NULLTERM) {
     converted = memoryStringType(fileType, text.size());
     if (!converted.valid()) {
       return std::nullopt;
@@ -90,8 +93,9 @@ std::optional<std::string> textOf(AttributeId opened) {
   }
   const hid_t attribute = value->attribute.get();
   const hid_t type = value->type.get();
-  return H5Tis_variable_str(type) > 0 ? readVariableLengthText(attribute, type)
-                                      : readFixedLengthText(attribute, type);
+  const htri_t isVariable = H5Tis_variable_str(type);
+  return isVariable > 0 ? readVariableLengthText(attribute, type)
+                        : readFixedLengthText(attribute, type, isVariable == 0);
 }
 
 }  // namespace

@@ -8,6 +8,8 @@
 #include "faults/incomplete_reads.h"
 #include "faults/outcome.h"
 #include "hostile/valid_files.h"
+#include "orvml_io.h"
+#include "support/raw_file.h"
 #include "support/temp_file.h"
 
 #include <gtest/gtest.h>
@@ -96,6 +98,39 @@ INSTANTIATE_TEST_SUITE_P(Readers, FailingReads,
                          ::testing::Combine(::testing::ValuesIn(kReadings),
                                             ::testing::Values(Failing::once, Failing::fromThenOn)),
                          testName<Reading>);
+
+// A text whose kind cannot be found out is not taken for one of fixed length: of a text of variable
+// length a file holds a pointer, which is no text.
+TEST(FailingReadsOfVariableLengthTexts, GiveTheTextOrNone) {
+  const TempFile file;
+  makeCurrentFile(file.path());
+  {
+    RawFile raw = RawFile::openForWriting(file.path());
+    const char* name = "variable";
+    const hid_t type = H5Tcopy(H5T_C_S1);
+    H5Tset_size(type, H5T_VARIABLE);
+    raw.removeAttribute("/", "ORVML_MODULE_NAME");
+    raw.attribute("/", "ORVML_MODULE_NAME", type, {}, &name);
+    H5Tclose(type);
+  }
+
+  const auto readDespite = [&file](int n) {
+    const FailingHdf5Call failure(n, Failing::once);
+    void* input = nullptr;
+    Finding finding;
+    finding.status = OrvML_IO_ReadOrvInput(file.path(), input);
+    finding.function = failure.function();
+    finding.lost = input == nullptr ? "" : OrvML_IO_GetOrvMeshLibraryModuleName(input);
+    OrvML_IO_DeleteOrvInputHandle(input);
+    return finding;
+  };
+  const int failures = forEachFailure(readDespite, [](const Finding& finding) {
+    EXPECT_TRUE(finding.lost.empty() || finding.lost == "variable")
+        << finding.function << " gives " << ::testing::PrintToString(finding.lost);
+  });
+
+  EXPECT_GT(failures, 30);
+}
 
 /// One way to write documents, and to read them back.
 struct Writing {
