@@ -1,9 +1,8 @@
 // The comparison of two documents: IsEqual of the document, the nodes, the elements and the vector
-// store, and the two exported predicates.
+// store.
 //
 // Stores are compared from the first side: what only the second side holds is not looked at.
 #include "model/document.h"
-#include "orvml_io.h"
 
 #include <algorithm>
 #include <cmath>
@@ -135,16 +134,6 @@ bool elemsEqual(const Elems* a, const Elems* b) {
   return present == nullptr || present->numberOfElements == 0;
 }
 
-/// A null handle equals a document without a mesh dimension, which is what a reader gives for a
-/// file that lacks the document.
-bool documentsEqual(const OrvInputAndOrvOutput* a, const OrvInputAndOrvOutput* b) {
-  if (a != nullptr && b != nullptr) {
-    return a->IsEqual(b);
-  }
-  const OrvInputAndOrvOutput* present = a != nullptr ? a : b;
-  return present == nullptr || present->meshDimension == 0;
-}
-
 }  // namespace
 
 bool OML_AttributesVector::IsEqual(const OML_AttributesVector& other) const {
@@ -199,12 +188,12 @@ bool OrvInputAndOrvOutput::IsEqual(const OrvInputAndOrvOutput* other) const {
          elemsEqual(elements, other->elements) && ParametersAreEqual(other) == 1;
 }
 
+bool OrvInputAndOrvOutput::AreEqual(const OrvInputAndOrvOutput* a, const OrvInputAndOrvOutput* b) {
+  if (a != nullptr && b != nullptr) {
+    return a->IsEqual(b);
+  }
+  const OrvInputAndOrvOutput* present = a != nullptr ? a : b;
+  return present == nullptr || present->meshDimension == 0;
+}
+
 }  // namespace orvml_io
-
-bool OrvML_IO_OrvInputsAreEqual(void* first, void* second) {
-  return orvml_io::documentsEqual(orvml_io::documentOf(first), orvml_io::documentOf(second));
-}
-
-bool OrvML_IO_OrvOutputsAreEqual(void* first, void* second) {
-  return orvml_io::documentsEqual(orvml_io::documentOf(first), orvml_io::documentOf(second));
-}

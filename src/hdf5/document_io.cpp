@@ -1,6 +1,6 @@
 // The members that write and read a whole document in a fixed order, and its root attributes and
-// dimension: OrvInputAndOrvOutput::WriteCommonPart down to ReadSpatialDimension, and the Read
-// members of OrvInput and OrvOutput.
+// dimension: OrvInputAndOrvOutput::WriteCommonPart down to ReadSpatialDimension, and the Write
+// and Read members of OrvInput and OrvOutput.
 #include "hdf5/datasets.h"
 #include "hdf5/extents.h"
 #include "hdf5/kept_open.h"
@@ -118,6 +118,14 @@ int OrvInputAndOrvOutput::ReadCommonPart(const SourceFile& file, const char* gro
   // What comes from another file counts as an object that failed to read, wherever it was met.
   any.add(file.hasRefused() ? kFailed : kOk);
   return any.status();
+}
+
+int OrvInput::Write(const OrvInputAndOrvOutput& document, hid_t file, const char* version) {
+  return file < 0 ? kFailed : document.WriteCommonPart(file, layout::kOrvInput, version);
+}
+
+int OrvOutput::Write(const OrvInputAndOrvOutput& document, hid_t file, const char* version) {
+  return file < 0 ? kFailed : document.WriteCommonPart(file, layout::kOrvOutput, version);
 }
 
 int OrvInput::Read(const SourceFile& file) {

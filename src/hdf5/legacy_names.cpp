@@ -2,6 +2,7 @@
 // version text that select a layout.
 #include "hdf5/layout.h"
 #include "hdf5/legacy_layouts.h"
+#include "model/names.h"
 
 #include <cstring>
 
@@ -101,11 +102,11 @@ const char* GetAttributeNameFromDeprecatedAttributeIndex(const char* moduleName,
 }
 
 bool isBelowNamedFormat(const char* version) {
-  return OrvML_IO_GetFormatVersion_Number(version) < layout::kFirstNamedFormat;
+  return versionNumber(version) < layout::kFirstNamedFormat;
 }
 
 bool isNotAtLeastNamedFormat(const char* version) {
-  return !(OrvML_IO_GetFormatVersion_Number(version) >= layout::kFirstNamedFormat);
+  return !(versionNumber(version) >= layout::kFirstNamedFormat);
 }
 
 }  // namespace orvml_io

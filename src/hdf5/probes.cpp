@@ -2,7 +2,6 @@
 
 #include "hdf5/extents.h"
 #include "hdf5/kept_open.h"
-#include "hdf5/layout.h"
 
 #include <utility>
 #include <vector>
@@ -144,18 +143,6 @@ std::optional<int> readIntegerAttribute(const SourceFile& file, const char* obje
     return std::nullopt;
   }
   return value;
-}
-
-bool IsOrvMeshLibraryIOFormat(hid_t file) {
-  return readRootText(file, layout::kFormat) == layout::kFormatMarker;
-}
-
-FileId OpenFileForReading(const char* fileName) {
-  FileId file(H5Fopen(fileName, H5F_ACC_RDONLY, H5P_DEFAULT));
-  if (file.valid() && !IsOrvMeshLibraryIOFormat(file.get())) {
-    return FileId();
-  }
-  return file;
 }
 
 }  // namespace orvml_io

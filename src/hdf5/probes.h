@@ -43,11 +43,4 @@ inline constexpr int kNotAVector = -2;
 [[nodiscard]] std::optional<int> readIntegerAttribute(const SourceFile& file,
                                                       const char* objectPath, const char* name);
 
-/// Tells whether the root attribute "FORMAT" is exactly the marker of exchange files.
-[[nodiscard]] bool IsOrvMeshLibraryIOFormat(hid_t file);
-
-/// Opens an exchange file read-only; an invalid identifier when it cannot be opened or is no
-/// exchange file.
-[[nodiscard]] FileId OpenFileForReading(const char* fileName);
-
 }  // namespace orvml_io

@@ -1,7 +1,5 @@
-// The deep copy of a document: CopyFromOther of the document, the nodes and the elements, and the
-// two exported functions that clone a handle.
+// The deep copy of a document: CopyFromOther of the document, the nodes and the elements.
 #include "model/document.h"
-#include "orvml_io.h"
 
 #include <algorithm>
 #include <cstring>
@@ -110,37 +108,4 @@ int OrvInputAndOrvOutput::CopyParametersFromOther(const OrvInputAndOrvOutput* so
   return parametersVector.CopyFromOther(source->parametersVector);
 }
 
-namespace {
-
-template <class Document>
-std::unique_ptr<Document> cloneOf(const OrvInputAndOrvOutput& source) {
-  auto clone = std::make_unique<Document>();
-  clone->arraysOwnedByCaller = false;
-  clone->CopyFromOther(&source);
-  clone->arraysOwnedByCaller = false;
-  return clone;
-}
-
-}  // namespace
-
 }  // namespace orvml_io
-
-void* OrvML_IO_NewOrvInputHandle(void* source) {
-  if (source == nullptr) {
-    return nullptr;
-  }
-  auto clone = orvml_io::cloneOf<orvml_io::OrvInput>(*orvml_io::documentOf(source));
-  if (const orvml_io::OrvInput* input = orvml_io::inputOf(source)) {
-    clone->statusCallback = input->statusCallback;
-    clone->errorCallback = input->errorCallback;
-  }
-  return orvml_io::handleOf(clone.release());
-}
-
-void* OrvML_IO_NewOrvOutputHandle(void* source) {
-  if (source == nullptr) {
-    return nullptr;
-  }
-  return orvml_io::handleOf(
-      orvml_io::cloneOf<orvml_io::OrvOutput>(*orvml_io::documentOf(source)).release());
-}

@@ -87,6 +87,9 @@ class OrvInputAndOrvOutput {
 
   // Comparison (src/compare/equality.cpp)
   bool IsEqual(const OrvInputAndOrvOutput* other) const;
+  /// Compares two documents, either of which may be missing. A missing one equals a document
+  /// without a mesh dimension, which is what a reader gives for a file that lacks the document.
+  static bool AreEqual(const OrvInputAndOrvOutput* a, const OrvInputAndOrvOutput* b);
   /// Compares the scalar parameters from this side. Returns 1 when they are equal, else 0.
   int ParametersAreEqual(const OrvInputAndOrvOutput* other) const;
 
@@ -137,12 +140,19 @@ class OrvInput : public OrvInputAndOrvOutput {
   Callback statusCallback;
   Callback errorCallback;
 
+  /// Writes a document as the input of a file. What it is written as is the caller's choice:
+  /// callers hand in documents of either kind.
+  [[nodiscard]] static int Write(const OrvInputAndOrvOutput& document, hid_t file,
+                                 const char* version);
   [[nodiscard]] int Read(const SourceFile& file);
 };
 
 /// The document that a meshing module sends back.
 class OrvOutput : public OrvInputAndOrvOutput {
  public:
+  /// Writes a document as the output of a file, likewise.
+  [[nodiscard]] static int Write(const OrvInputAndOrvOutput& document, hid_t file,
+                                 const char* version);
   [[nodiscard]] int Read(const SourceFile& file);
 };
 

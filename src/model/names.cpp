@@ -1,7 +1,16 @@
-// Shape names and version texts of the public interface.
+// Shape names of the public interface, and version texts.
+#include "model/names.h"
+
 #include "orvml_io.h"
 
 #include <cstdlib>
+
+#if defined(__unix__) || defined(__APPLE__)
+#include <locale.h>  // newlocale is POSIX's. NOLINT(modernize-deprecated-headers)
+#if defined(__APPLE__)
+#include <xlocale.h>
+#endif
+#endif
 
 static_assert(sizeof(ElemType) == 4 && sizeof(int) == 4,
               "files hold shapes and counts as 32-bit integers");
@@ -10,14 +19,25 @@ extern const char* const ElemTypeNames[11] = {
     "None",  "Linear", "Triangle", "Quadrilateral", "Tetrahedra", "Hexahedra",
     "Prism", "Point",  "Pyramid",  "Sphere",        "Circle"};
 
-const char* OrvML_IO_GetVersion() { return "1.10.0"; }
+namespace orvml_io {
 
-const char* OrvML_IO_GetFormatVersion() { return "1.4"; }
+#if defined(__unix__) || defined(__APPLE__)
 
-const char* ORVML_IO_GetMinimumFormatVersionToSave(void* /*handle*/) {
-  return OrvML_IO_GetFormatVersion();
+double versionNumber(const char* version) noexcept {
+  // Asking for this locale allocates nothing in the usual C libraries.
+  const locale_t plain = newlocale(LC_ALL_MASK, "C", locale_t());
+  if (plain == locale_t()) {
+    return std::strtod(version, nullptr);
+  }
+  const double number = strtod_l(version, nullptr, plain);
+  freelocale(plain);
+  return number;
 }
 
-double OrvML_IO_GetFormatVersion_Number(const char* version) {
-  return std::strtod(version, nullptr);
-}
+#else
+
+double versionNumber(const char* version) noexcept { return std::strtod(version, nullptr); }
+
+#endif
+
+}  // namespace orvml_io

@@ -146,22 +146,21 @@ int PrintElements(const Elems& elems, int group, int& position, int& count, std:
   return 0;
 }
 
-}  // namespace orvml_io
-
-int OrvML_IO_WriteMeshInOrvFormat(const char* fileName, void* handle) {
+int WriteMeshText(const char* fileName, const OrvInputAndOrvOutput* document) {
   std::FILE* stream = fileName == nullptr ? nullptr : std::fopen(fileName, "w");
   if (stream == nullptr) {
     return 1;
   }
-  const orvml_io::OrvInputAndOrvOutput* document = orvml_io::documentOf(handle);
   if (document == nullptr || document->nodes == nullptr) {
-    orvml_io::leaveOpenWithoutNodes(stream);
+    leaveOpenWithoutNodes(stream);
     return 0;
   }
-  orvml_io::MeshText text(*document, stream);
+  MeshText text(*document, stream);
   text.printContainer(document->edges);
   text.printContainer(document->faces);
   text.printContainer(document->elements);
   (void)std::fclose(stream);
   return 0;
 }
+
+}  // namespace orvml_io

@@ -6,6 +6,10 @@
 
 namespace orvml_io {
 
+/// Prints the mesh of a document to a text file, which is created or replaced. Returns 1 when the
+/// file cannot be opened, else 0; a null document and one without nodes leave the file empty.
+[[nodiscard]] int WriteMeshText(const char* fileName, const OrvInputAndOrvOutput* document);
+
 /// Prints one line per node: its 1-based number and three values, whatever the dimension. Returns
 /// 0.
 ///

@@ -1,6 +1,7 @@
 #include "hdf5/probes.h"
 
 #include "hdf5/document_file_test.h"
+#include "hdf5/exchange_file.h"
 
 #include <climits>
 #include <cstdio>

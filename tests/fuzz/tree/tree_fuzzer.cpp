@@ -7,9 +7,9 @@
 #include "fuzz/harness/read_document.h"
 #include "fuzz/harness/whole_interface.h"
 #include "fuzz/tree/document_tree.h"
+#include "hdf5/exchange_file.h"
 #include "hdf5/layout.h"
 #include "hdf5/legacy_layouts.h"
-#include "hdf5/probes.h"
 
 #include <hdf5_hl.h>
 

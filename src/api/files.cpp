@@ -1,17 +1,15 @@
 // Exported functions of the exchange files.
-#include "hdf5/datasets.h"
-#include "hdf5/file_lock.h"
-#include "hdf5/kept_open.h"
-#include "hdf5/layout.h"
-#include "hdf5/probes.h"
+#include "hdf5/exchange_file.h"
 #include "hdf5/silence.h"
-#include "hdf5/source_file.h"
 #include "hdf5/status.h"
 #include "model/document.h"
 #include "orvml_io.h"
 
+#include <memory>
+
 using orvml_io::documentOf;
 using orvml_io::FileId;
+using orvml_io::handleOf;
 using orvml_io::kFailed;
 using orvml_io::kOk;
 using orvml_io::OrvInput;
@@ -20,26 +18,7 @@ using orvml_io::OrvOutput;
 using orvml_io::Silence;
 using orvml_io::SourceFile;
 
-namespace layout = orvml_io::layout;
-
 namespace {
-
-/// Creates a file and marks it as an exchange file; invalid when either fails.
-FileId tryCreateMarkedFile(const char* fileName, const char* version) {
-  if (orvml_io::isHeldByAnother(fileName)) {
-    return FileId();
-  }
-  FileId file(H5Fcreate(fileName, H5F_ACC_TRUNC, H5P_DEFAULT, H5P_DEFAULT));
-  if (!file.valid()) {
-    return FileId();
-  }
-  if (orvml_io::setText(file.get(), layout::kFormat, layout::kFormatMarker) != kOk ||
-      orvml_io::setText(file.get(), layout::kFormatVersion, version) != kOk) {
-    (void)orvml_io::keepOpen(std::move(file), orvml_io::KeptOpen::fileAfterMarkerFailure);
-    return FileId();
-  }
-  return file;
-}
 
 /// The version for both documents: the input's, unless the output needs a higher one.
 const char* versionForBoth(void* inputHandle, void* outputHandle) {
@@ -50,46 +29,33 @@ const char* versionForBoth(void* inputHandle, void* outputHandle) {
 }
 
 /// Writes each document that is given, the input first; the first failure ends the work. The file
-/// is closed in any case and the result of closing it is the result when all was written. Which
-/// group a document goes to is decided by its role here, not by its kind.
+/// is closed in any case and the result of closing it is the result when all was written.
+/// Which group a document goes to is decided by its role here, not by its kind.
 int writeDocuments(const char* fileName, const char* version, const OrvInputAndOrvOutput* input,
                    const OrvInputAndOrvOutput* output) {
-  FileId file = tryCreateMarkedFile(fileName, version);
+  FileId file = orvml_io::tryCreateMarkedFile(fileName, version);
   if (!file.valid()) {
     return kFailed;
   }
   int status = kOk;
   if (input != nullptr) {
-    status = input->WriteCommonPart(file.get(), layout::kOrvInput, version);
+    status = OrvInput::Write(*input, file.get(), version);
   }
   if (status == kOk && output != nullptr) {
-    status = output->WriteCommonPart(file.get(), layout::kOrvOutput, version);
+    status = OrvOutput::Write(*output, file.get(), version);
   }
   const int closed = file.close();
   return status != kOk ? status : closed;
 }
 
-/// Creates a document and reads it. A document whose dimension is not accepted is deleted and the
-/// handle stays null; the result of the read is returned in either case.
+/// Reads one document into a handle with the core's reader of its kind.
 template <class Document>
-int readDocument(const SourceFile& file, void*& handle) {
-  auto document = std::make_unique<Document>();
-  document->arraysOwnedByCaller = false;
-  const int status = document->Read(file);
-  if (orvml_io::isAcceptedDimension(document->meshDimension)) {
-    handle = orvml_io::handleOf(document.release());
-  }
+int readInto(void*& handle, const SourceFile& file,
+             int (*read)(const SourceFile&, std::unique_ptr<Document>&)) {
+  std::unique_ptr<Document> document;
+  const int status = read(file, document);
+  handle = handleOf(document.release());
   return status;
-}
-
-int readInput(const SourceFile& file, void*& handle) {
-  const int status = readDocument<OrvInput>(file, handle);
-  // Contract: a rejected input is a failure, a rejected output keeps the result of its read.
-  return handle == nullptr ? kFailed : status;
-}
-
-int readOutput(const SourceFile& file, void*& handle) {
-  return readDocument<OrvOutput>(file, handle);
 }
 
 }  // namespace
@@ -131,7 +97,7 @@ int OrvML_IO_ReadOrvInput(const char* fileName, void*& inputHandle) {
   if (!file.valid()) {
     return kOk;  // Contract: not an exchange file is no error; callers test the handle.
   }
-  const int status = readInput(file.get(), inputHandle);
+  const int status = readInto(inputHandle, file.get(), orvml_io::ReadOrvInput);
   return file.close() < 0 ? kFailed : status;
 }
 
@@ -144,7 +110,7 @@ int OrvML_IO_ReadOrvOutput(const char* fileName, void*& outputHandle) {
   if (!file.valid()) {
     return kOk;  // Contract: as for the input.
   }
-  const int status = readOutput(file.get(), outputHandle);
+  const int status = readInto(outputHandle, file.get(), orvml_io::ReadOrvOutput);
   const int closed = file.close();
   return status != kOk ? status : closed;
 }
@@ -163,9 +129,9 @@ int OrvML_IO_ReadOrvInputAndOrvOutput(const char* fileName, void*& inputHandle,
     return kOk;  // Contract: as for the input.
   }
   const SourceFile source(file.get());
-  int status = readInput(source, inputHandle);
+  int status = readInto(inputHandle, source, orvml_io::ReadOrvInput);
   if (status == kOk) {
-    status = readOutput(source, outputHandle);
+    status = readInto(outputHandle, source, orvml_io::ReadOrvOutput);
   }
   const int closed = file.close();
   return status != kOk ? status : closed;

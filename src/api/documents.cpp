@@ -1,8 +1,10 @@
-// Exported functions of the document: creation, deletion, identification, callbacks, content.
+// Exported functions of the document: creation, copies, deletion, identification, callbacks,
+// content.
 #include "model/document.h"
 #include "orvml_io.h"
 
 #include <cstring>
+#include <memory>
 
 using orvml_io::documentOf;
 using orvml_io::handleOf;
@@ -15,6 +17,16 @@ namespace {
 
 void setOrClear(char (&destination)[orvml_io::kIdentificationBytes], const char* text) {
   orvml_io::copyIdentification(destination, text == nullptr ? "" : text);
+}
+
+/// A copy owns every array that it holds, whoever owned those of the source.
+template <class Document>
+std::unique_ptr<Document> cloneOf(const OrvInputAndOrvOutput& source) {
+  auto clone = std::make_unique<Document>();
+  clone->arraysOwnedByCaller = false;
+  clone->CopyFromOther(&source);
+  clone->arraysOwnedByCaller = false;
+  return clone;
 }
 
 void deleteDocument(void*& handle) {
@@ -42,6 +54,22 @@ void* OrvML_IO_NewOrvInputHandle(const char* moduleName, const char* moduleForma
 }
 
 void* OrvML_IO_NewOrvOutputHandle() { return handleOf(std::make_unique<OrvOutput>().release()); }
+
+void* OrvML_IO_NewOrvInputHandle(void* source) {
+  if (source == nullptr) {
+    return nullptr;
+  }
+  auto clone = cloneOf<OrvInput>(*documentOf(source));
+  if (const OrvInput* input = inputOf(source)) {
+    clone->statusCallback = input->statusCallback;
+    clone->errorCallback = input->errorCallback;
+  }
+  return handleOf(clone.release());
+}
+
+void* OrvML_IO_NewOrvOutputHandle(void* source) {
+  return source == nullptr ? nullptr : handleOf(cloneOf<OrvOutput>(*documentOf(source)).release());
+}
 
 void OrvML_IO_DeleteOrvInputHandle(void*& handle) { deleteDocument(handle); }
 
