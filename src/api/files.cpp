@@ -50,8 +50,8 @@ int writeDocuments(const char* fileName, const char* version, const OrvInputAndO
 
 /// Reads one document into a handle with the core's reader of its kind.
 template <class Document>
-int readInto(void*& handle, const SourceFile& file,
-             int (*read)(const SourceFile&, std::unique_ptr<Document>&)) {
+int readInto(void*& handle, SourceFile& file,
+             int (*read)(SourceFile&, std::unique_ptr<Document>&)) {
   std::unique_ptr<Document> document;
   const int status = read(file, document);
   handle = handleOf(document.release());
@@ -97,7 +97,8 @@ int OrvML_IO_ReadOrvInput(const char* fileName, void*& inputHandle) {
   if (!file.valid()) {
     return kOk;  // Contract: not an exchange file is no error; callers test the handle.
   }
-  const int status = readInto(inputHandle, file.get(), orvml_io::ReadOrvInput);
+  SourceFile source(file.get());
+  const int status = readInto(inputHandle, source, orvml_io::ReadOrvInput);
   return file.close() < 0 ? kFailed : status;
 }
 
@@ -110,7 +111,8 @@ int OrvML_IO_ReadOrvOutput(const char* fileName, void*& outputHandle) {
   if (!file.valid()) {
     return kOk;  // Contract: as for the input.
   }
-  const int status = readInto(outputHandle, file.get(), orvml_io::ReadOrvOutput);
+  SourceFile source(file.get());
+  const int status = readInto(outputHandle, source, orvml_io::ReadOrvOutput);
   const int closed = file.close();
   return status != kOk ? status : closed;
 }
@@ -128,7 +130,7 @@ int OrvML_IO_ReadOrvInputAndOrvOutput(const char* fileName, void*& inputHandle,
   if (!file.valid()) {
     return kOk;  // Contract: as for the input.
   }
-  const SourceFile source(file.get());
+  SourceFile source(file.get());
   int status = readInto(inputHandle, source, orvml_io::ReadOrvInput);
   if (status == kOk) {
     status = readInto(outputHandle, source, orvml_io::ReadOrvOutput);

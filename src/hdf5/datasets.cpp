@@ -1,10 +1,7 @@
 #include "hdf5/datasets.h"
 
-#include "hdf5/status.h"
-
-#include <hdf5_hl.h>
-
 #include <cstring>
+#include <string>
 #include <utility>
 
 namespace orvml_io {
@@ -15,30 +12,66 @@ int readAs(hid_t dataset, hid_t nativeType, void* values) noexcept {
   return H5Dread(dataset, nativeType, H5S_ALL, H5S_ALL, H5P_DEFAULT, values) < 0 ? kFailed : kOk;
 }
 
+/// Creates a dataset and stores its values when there are any; invalid when either fails.
 template <std::size_t Rank>
-int makeDataset(hid_t location, const Path& path, hid_t nativeType, const hsize_t (&extents)[Rank],
-                const void* values) noexcept {
-  return H5LTmake_dataset(location, path.c_str(), static_cast<int>(Rank), extents, nativeType,
-                          values) < 0
-             ? kFailed
-             : kOk;
+DatasetId createDataset(hid_t location, const char* name, hid_t nativeType,
+                        const hsize_t (&extents)[Rank], const void* values) noexcept {
+  const DataspaceId space(H5Screate_simple(static_cast<int>(Rank), extents, nullptr));
+  DatasetId dataset(
+      H5Dcreate2(location, name, nativeType, space.get(), H5P_DEFAULT, H5P_DEFAULT, H5P_DEFAULT));
+  if (values != nullptr && dataset.valid() &&
+      H5Dwrite(dataset.get(), nativeType, H5S_ALL, H5S_ALL, H5P_DEFAULT, values) < 0) {
+    return DatasetId();
+  }
+  return dataset;
 }
 
-int makeVectorOf(hid_t location, const Path& path, hid_t nativeType, int length,
-                 const void* values) noexcept {
+DatasetId createVector(hid_t location, const char* name, hid_t nativeType, int length,
+                       const void* values) noexcept {
   if (length < 0) {
-    return kFailed;
+    return DatasetId();
   }
   const hsize_t extents[] = {static_cast<hsize_t>(length)};
-  return makeDataset(location, path, nativeType, extents, values);
+  return createDataset(location, name, nativeType, extents, values);
+}
+
+int closed(DatasetId dataset) noexcept {
+  return dataset.valid() && dataset.close() >= 0 ? kOk : kFailed;
+}
+
+int makeVectorOf(const OpenGroup& group, const char* subPath, hid_t nativeType, int length,
+                 const void* values) noexcept {
+  return group.fits(subPath)
+             ? closed(createVector(group.id(), relativeName(subPath), nativeType, length, values))
+             : kFailed;
+}
+
+DatasetId createMemberOf(const OpenGroup& group, const std::string& name, hid_t nativeType,
+                         int length, const void* values) {
+  // A name that begins with a slash still means a member of the group.
+  return group.fitsMember(name)
+             ? createVector(group.id(), ("./" + name).c_str(), nativeType, length, values)
+             : DatasetId();
+}
+
+int setAttribute(hid_t object, const char* name, hid_t type, hid_t space,
+                 const void* value) noexcept {
+  if (H5Aexists(object, name) > 0 && H5Adelete(object, name) < 0) {
+    return kFailed;
+  }
+  const AttributeId attribute(H5Acreate2(object, name, type, space, H5P_DEFAULT, H5P_DEFAULT));
+  return attribute.valid() && H5Awrite(attribute.get(), type, value) >= 0 ? kOk : kFailed;
 }
 
 }  // namespace
 
-GroupId createGroupIfAbsent(hid_t location, const Path& path) noexcept {
-  GroupId created(H5Gcreate2(location, path.c_str(), H5P_DEFAULT, H5P_DEFAULT, H5P_DEFAULT));
-  return created.valid() ? std::move(created)
-                         : GroupId(H5Gopen2(location, path.c_str(), H5P_DEFAULT));
+GroupId createGroupIfAbsent(const OpenGroup& group, const char* subPath) noexcept {
+  if (!group.fits(subPath)) {
+    return GroupId();
+  }
+  const char* name = relativeName(subPath);
+  GroupId created(H5Gcreate2(group.id(), name, H5P_DEFAULT, H5P_DEFAULT, H5P_DEFAULT));
+  return created.valid() ? std::move(created) : GroupId(H5Gopen2(group.id(), name, H5P_DEFAULT));
 }
 
 int readValues(hid_t dataset, int* values) noexcept {
@@ -55,29 +88,43 @@ int setText(hid_t object, const char* name, const char* text) noexcept {
   if (!space.valid() || !type.valid() || H5Tset_size(type.get(), std::strlen(text) + 1) < 0) {
     return kFailed;
   }
-  if (H5Aexists(object, name) > 0 && H5Adelete(object, name) < 0) {
-    return kFailed;
-  }
-  const AttributeId attribute(
-      H5Acreate2(object, name, type.get(), space.get(), H5P_DEFAULT, H5P_DEFAULT));
-  return attribute.valid() && H5Awrite(attribute.get(), type.get(), text) >= 0 ? kOk : kFailed;
+  return setAttribute(object, name, type.get(), space.get(), text);
 }
 
-int makeTable(hid_t location, const Path& path, int rows, int columns,
+int setInteger(hid_t object, const char* name, int value) noexcept {
+  const hsize_t extents[] = {1};
+  const DataspaceId space(H5Screate_simple(1, extents, nullptr));
+  return setAttribute(object, name, H5T_NATIVE_INT, space.get(), &value);
+}
+
+int makeTable(const OpenGroup& group, const char* subPath, int rows, int columns,
               const double* values) noexcept {
-  if (rows < 0 || columns < 0) {
+  if (rows < 0 || columns < 0 || !group.fits(subPath)) {
     return kFailed;
   }
   const hsize_t extents[] = {static_cast<hsize_t>(rows), static_cast<hsize_t>(columns)};
-  return makeDataset(location, path, H5T_NATIVE_DOUBLE, extents, values);
+  return closed(
+      createDataset(group.id(), relativeName(subPath), H5T_NATIVE_DOUBLE, extents, values));
 }
 
-int makeVector(hid_t location, const Path& path, int length, const int* values) noexcept {
-  return makeVectorOf(location, path, H5T_NATIVE_INT, length, values);
+int makeVector(const OpenGroup& group, const char* subPath, int length,
+               const int* values) noexcept {
+  return makeVectorOf(group, subPath, H5T_NATIVE_INT, length, values);
 }
 
-int makeVector(hid_t location, const Path& path, int length, const double* values) noexcept {
-  return makeVectorOf(location, path, H5T_NATIVE_DOUBLE, length, values);
+int makeVector(const OpenGroup& group, const char* subPath, int length,
+               const double* values) noexcept {
+  return makeVectorOf(group, subPath, H5T_NATIVE_DOUBLE, length, values);
+}
+
+DatasetId createMember(const OpenGroup& group, const std::string& name, int length,
+                       const int* values) {
+  return createMemberOf(group, name, H5T_NATIVE_INT, length, values);
+}
+
+DatasetId createMember(const OpenGroup& group, const std::string& name, int length,
+                       const double* values) {
+  return createMemberOf(group, name, H5T_NATIVE_DOUBLE, length, values);
 }
 
 }  // namespace orvml_io

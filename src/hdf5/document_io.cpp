@@ -5,10 +5,15 @@
 #include "hdf5/extents.h"
 #include "hdf5/kept_open.h"
 #include "hdf5/layout.h"
+#include "hdf5/octree_mesher.h"
 #include "hdf5/probes.h"
 #include "hdf5/source_file.h"
 #include "hdf5/status.h"
 #include "model/document.h"
+
+#include <optional>
+#include <string>
+#include <utility>
 
 namespace orvml_io {
 
@@ -16,38 +21,28 @@ namespace {
 
 // An old spelling of the octree mesher's name, which files still hold.
 constexpr char kOctreeMesherOldSpelling[] = "OrvML_OCTREE_MESHER";
-constexpr char kOctreeMesher[] = "ORVML_OCTREE_MESHER";
-
-int writeRootText(hid_t file, const char* name, const char* text) {
-  return setText(file, name, text);
-}
-
-int writeDimension(hid_t file, const char* group, int dimension) {
-  Path path(group);
-  return path.append(layout::kDimension) ? makeVector(file, path, 1, &dimension) : kFailed;
-}
 
 }  // namespace
 
 int OrvInputAndOrvOutput::WriteIOCreator(hid_t file) const {
-  return writeRootText(file, layout::kIOCreator, ioCreator);
+  return setText(file, layout::kIOCreator, ioCreator);
 }
 
 int OrvInputAndOrvOutput::WriteModuleNameAndVersion(hid_t file) const {
-  if (writeRootText(file, layout::kModuleName, moduleName) != kOk) {
+  if (setText(file, layout::kModuleName, moduleName) != kOk) {
     return kFailed;
   }
-  return writeRootText(file, layout::kModuleFormatVersion, moduleFormatVersion);
+  return setText(file, layout::kModuleFormatVersion, moduleFormatVersion);
 }
 
-int OrvInputAndOrvOutput::ReadIOCreator(const SourceFile& file) {
+int OrvInputAndOrvOutput::ReadIOCreator(SourceFile& file) {
   if (const auto text = readRootText(file.id(), layout::kIOCreator)) {
     copyIdentification(ioCreator, text->c_str());
   }
   return kOk;
 }
 
-int OrvInputAndOrvOutput::ReadModuleNameAndVersion(const SourceFile& file) {
+int OrvInputAndOrvOutput::ReadModuleNameAndVersion(SourceFile& file) {
   if (const auto text = readRootText(file.id(), layout::kModuleName)) {
     copyIdentification(moduleName,
                        *text == kOctreeMesherOldSpelling ? kOctreeMesher : text->c_str());
@@ -58,65 +53,76 @@ int OrvInputAndOrvOutput::ReadModuleNameAndVersion(const SourceFile& file) {
   return kOk;
 }
 
-int OrvInputAndOrvOutput::ReadFormatVersion(const SourceFile& file) {
+int OrvInputAndOrvOutput::ReadFormatVersion(SourceFile& file) {
   const auto text = readRootText(file.id(), layout::kFormatVersion);
   copyIdentification(fileFormatVersion, text ? text->c_str() : "");
   return kOk;
 }
 
-int OrvInputAndOrvOutput::ReadSpatialDimension(const SourceFile& file, const char* group) {
+int OrvInputAndOrvOutput::ReadSpatialDimension(SourceFile& file, const OpenGroup& document) {
   meshDimension = -1;
-  Path path(group);
-  if (!path.append(layout::kDimension)) {
+  const Opened<DatasetId> dataset = file.openDataset(document, layout::kDimension);
+  if (!dataset.isObject()) {
+    file.reportIfAbsent(dataset.found, document, layout::kDimension);
     return kFailed;
   }
-  const DatasetId dataset = file.tryOpenDataset(path);
+  const std::optional<Extent> extent = extentOf(dataset.id.get());
   int dimension = -1;
-  if (!dataset.valid() || !isVectorOfLength(dataset.get(), 1, sizeof(int)) ||
-      readValues(dataset.get(), &dimension) != kOk) {
+  if (!extent || extent->numberOfValues != 1 || readValues(dataset.id.get(), &dimension) != kOk) {
+    file.report(Trouble::wrongShape, document, layout::kDimension,
+                [] { return "is not one number"; });
     return kFailed;
   }
   meshDimension = dimension;
   // Contract: 1 passes here and is rejected only by the readers of whole documents.
-  return dimension >= 1 && dimension <= 3 ? kOk : kFailed;
+  if (dimension < 1 || dimension > 3) {
+    file.report(Trouble::badValue, document, layout::kDimension,
+                [dimension] { return "is " + std::to_string(dimension); });
+    return kFailed;
+  }
+  return kOk;
 }
 
 int OrvInputAndOrvOutput::WriteCommonPart(hid_t file, const char* group,
                                           const char* version) const {
-  (void)createGroupIfAbsent(file, Path(group));
+  const OpenGroup root(file, 0);
+  const GroupId created = createGroupIfAbsent(root, group);
+  const OpenGroup document = root.below(created.get(), group);
   if (WriteIOCreator(file) != kOk || WriteModuleNameAndVersion(file) != kOk ||
-      writeDimension(file, group, meshDimension) != kOk) {
+      makeVector(document, layout::kDimension, 1, &meshDimension) != kOk) {
     return kFailed;
   }
-  if (WriteNodes(file, group) != kOk || WriteEdges(file, group) != kOk ||
-      WriteFaces(file, group) != kOk || WriteElements(file, group) != kOk) {
+  if (WriteNodes(document) != kOk || WriteEdges(document) != kOk || WriteFaces(document) != kOk ||
+      WriteElements(document) != kOk) {
     return kFailed;
   }
-  if (WriteParametersScalar(file, group, version) != kOk) {
+  if (WriteParametersScalar(document, version) != kOk) {
     return kFailed;
   }
-  return WriteParametersVector(file, group, version);
+  return WriteParametersVector(document, version);
 }
 
-int OrvInputAndOrvOutput::ReadCommonPart(const SourceFile& file, const char* group) {
-  if (!file.tryKeepGroup(Path(group), KeptOpen::documentGroup)) {
+int OrvInputAndOrvOutput::ReadCommonPart(SourceFile& file, const char* group) {
+  Opened<GroupId> opened = file.openGroup(file.root(), group);
+  if (!opened.isObject()) {
+    file.reportIfAbsent(opened.found, file.root(), group);
     // Contract: no error here; the dimension stays as it was, which readers test.
-    return file.hasRefused() ? kFailed : kOk;
+    return opened.isRefused() ? kFailed : kOk;
   }
+  const OpenGroup document =
+      file.root().below(keepOpen(std::move(opened.id), KeptOpen::documentGroup), group);
   // The version comes first: the readers of attributes and parameters select their layout by it.
   (void)ReadFormatVersion(file);
   (void)ReadIOCreator(file);
   (void)ReadModuleNameAndVersion(file);
   AnyFailure any;
-  any.add(ReadSpatialDimension(file, group));
-  any.add(ReadNodes(file, group));
-  any.add(ReadEdges(file, group));
-  any.add(ReadFaces(file, group));
-  any.add(ReadElements(file, group));
-  any.add(ReadParametersScalar(file, group));
-  any.add(ReadParametersVector(file, group));
-  // What comes from another file counts as an object that failed to read, wherever it was met.
-  any.add(file.hasRefused() ? kFailed : kOk);
+  any.add(ReadSpatialDimension(file, document));
+  any.add(ReadNodes(file, document));
+  any.add(ReadEdges(file, document));
+  any.add(ReadFaces(file, document));
+  any.add(ReadElements(file, document));
+  any.add(ReadParametersScalar(file, document));
+  any.add(ReadParametersVector(file, document));
   return any.status();
 }
 
@@ -125,14 +131,14 @@ int OrvInput::Write(const OrvInputAndOrvOutput& document, hid_t file, const char
 }
 
 int OrvOutput::Write(const OrvInputAndOrvOutput& document, hid_t file, const char* version) {
-  return file < 0 ? kFailed : document.WriteCommonPart(file, layout::kOrvOutput, version);
+  return document.WriteCommonPart(file, layout::kOrvOutput, version);
 }
 
-int OrvInput::Read(const SourceFile& file) {
+int OrvInput::Read(SourceFile& file) {
   return !file.valid() ? kFailed : ReadCommonPart(file, layout::kOrvInput);
 }
 
-int OrvOutput::Read(const SourceFile& file) {
+int OrvOutput::Read(SourceFile& file) {
   return !file.valid() ? kFailed : ReadCommonPart(file, layout::kOrvOutput);
 }
 

@@ -17,7 +17,7 @@ namespace {
 /// Reads a document and keeps it when its dimension is accepted. Returns the result of the read in
 /// either case.
 template <class Document>
-int readDocument(const SourceFile& file, std::unique_ptr<Document>& document) {
+int readDocument(SourceFile& file, std::unique_ptr<Document>& document) {
   auto read = std::make_unique<Document>();
   read->arraysOwnedByCaller = false;
   const int status = read->Read(file);
@@ -57,12 +57,12 @@ FileId OpenFileForReading(const char* fileName) {
   return file;
 }
 
-int ReadOrvInput(const SourceFile& file, std::unique_ptr<OrvInput>& document) {
+int ReadOrvInput(SourceFile& file, std::unique_ptr<OrvInput>& document) {
   const int status = readDocument(file, document);
   return document == nullptr ? kFailed : status;
 }
 
-int ReadOrvOutput(const SourceFile& file, std::unique_ptr<OrvOutput>& document) {
+int ReadOrvOutput(SourceFile& file, std::unique_ptr<OrvOutput>& document) {
   return readDocument(file, document);
 }
 

@@ -24,12 +24,12 @@ namespace orvml_io {
 /// @param[out] document  the document, also when parts of it failed to read; null when the file has
 ///                       none of dimension 2 or 3
 /// @return 0 when all was read; 1 when anything failed and when there is no document
-[[nodiscard]] int ReadOrvInput(const SourceFile& file, std::unique_ptr<OrvInput>& document);
+[[nodiscard]] int ReadOrvInput(SourceFile& file, std::unique_ptr<OrvInput>& document);
 
 /// Reads the output document of an open exchange file.
 ///
 /// Contract: a rejected input is a failure, while a rejected output keeps the result of its read,
 /// which may be 0.
-[[nodiscard]] int ReadOrvOutput(const SourceFile& file, std::unique_ptr<OrvOutput>& document);
+[[nodiscard]] int ReadOrvOutput(SourceFile& file, std::unique_ptr<OrvOutput>& document);
 
 }  // namespace orvml_io

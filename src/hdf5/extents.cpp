@@ -4,66 +4,60 @@
 #include "model/limits.h"
 
 #include <array>
+#include <limits>
 
 namespace orvml_io {
 
 namespace {
 
-/// Extents of a dataset of rank 1 or 2; a missing second extent counts as 1.
-struct Extents {
-  int rank = 0;
-  std::array<hsize_t, 2> lengths = {1, 1};
-};
-
-std::optional<Extents> extentsOf(hid_t dataset) {
-  const DataspaceId space(H5Dget_space(dataset));
-  if (!space.valid() || H5Sget_simple_extent_type(space.get()) != H5S_SIMPLE) {
-    return std::nullopt;
+/// The product of extents; what leaves 64 bits stays at the largest number, which no step takes.
+hsize_t productOf(const hsize_t* extents, int rank) noexcept {
+  constexpr hsize_t kLargest = std::numeric_limits<hsize_t>::max();
+  hsize_t product = 1;
+  for (int i = 0; i < rank; ++i) {
+    if (extents[i] == 0) {
+      return 0;
+    }
+    product = product > kLargest / extents[i] ? kLargest : product * extents[i];
   }
-  Extents extents;
-  extents.rank = H5Sget_simple_extent_ndims(space.get());
-  if (extents.rank < 1 || extents.rank > 2 ||
-      H5Sget_simple_extent_dims(space.get(), extents.lengths.data(), nullptr) < 0) {
-    return std::nullopt;
-  }
-  return extents;
+  return product;
 }
 
-/// A file of a few bytes may claim any extent for data that was never written. Memory is spent only
-/// in proportion to what is stored.
-bool isStored(hid_t dataset, hsize_t bytes) {
-  return bytes <= kUnstoredBytesTolerated ||
-         H5Dget_storage_size(dataset) >= bytes / kBestCompressionRatio;
+std::optional<int> within32(hsize_t count) noexcept {
+  return count > hsize_t{kMostValues} ? std::nullopt : std::optional<int>(static_cast<int>(count));
 }
 
 }  // namespace
 
-std::optional<int> vectorLength(hid_t dataset, std::size_t valueBytes) {
-  const std::optional<Extents> extents = extentsOf(dataset);
-  if (!extents || extents->rank != 1 || extents->lengths[0] > hsize_t{kMostValues} ||
-      !isStored(dataset, extents->lengths[0] * valueBytes)) {
+std::optional<Extent> extentOf(hid_t dataset) {
+  const DataspaceId space(H5Dget_space(dataset));
+  std::array<hsize_t, H5S_MAX_RANK> extents = {};
+  Extent extent;
+  extent.rank = H5Sget_simple_extent_dims(space.get(), extents.data(), nullptr);
+  if (extent.rank < 0) {
     return std::nullopt;
   }
-  return static_cast<int>(extents->lengths[0]);
+  if (extent.rank == 0) {
+    // A single value, or a space without any.
+    extent.numberOfValues = H5Sget_simple_extent_type(space.get()) == H5S_SCALAR ? 1 : 0;
+    return extent;
+  }
+  extent.first = extents[0];
+  extent.numberOfValues = productOf(extents.data(), extent.rank);
+  return extent;
 }
 
-bool isVectorOfLength(hid_t dataset, int length, std::size_t valueBytes) {
-  return vectorLength(dataset, valueBytes) == length;
+std::optional<int> vectorLength(const Extent& extent) noexcept {
+  return extent.rank < 1 || extent.numberOfValues != extent.first ? std::nullopt
+                                                                  : within32(extent.first);
 }
 
-std::optional<TableExtents> tableExtents(hid_t dataset, std::size_t valueBytes) {
-  const std::optional<Extents> extents = extentsOf(dataset);
-  if (!extents || extents->rank != 2 || extents->lengths[0] > hsize_t{kMostValues} ||
-      extents->lengths[1] > hsize_t{kMostValues}) {
-    return std::nullopt;
-  }
-  const TableExtents table{static_cast<int>(extents->lengths[0]),
-                           static_cast<int>(extents->lengths[1])};
-  const std::optional<int> values = product32(table.rows, table.columns);
-  if (!values || !isStored(dataset, static_cast<hsize_t>(*values) * valueBytes)) {
-    return std::nullopt;
-  }
-  return table;
+std::optional<int> numberOfValues32(const Extent& extent) noexcept {
+  return within32(extent.numberOfValues);
+}
+
+std::optional<int> numberOfRows32(const Extent& extent) noexcept {
+  return extent.rank < 1 ? std::nullopt : within32(extent.first);
 }
 
 std::optional<int> sum32(const int* counts, int length) {

@@ -2,7 +2,6 @@
 
 #include <hdf5.h>
 
-#include <cstddef>
 #include <optional>
 
 namespace orvml_io {
@@ -10,22 +9,25 @@ namespace orvml_io {
 // Sizes that come from a file, or that go to one, are tested here and nowhere else. A size that is
 // not answered must not be used: the step that asked has failed.
 
-/// Rows and columns of a dataset of rank 2 whose values can be counted by a 32-bit integer.
-struct TableExtents {
-  int rows = 0;
-  int columns = 0;
-  int numberOfValues() const noexcept { return rows * columns; }
+/// How many values a dataset has. Any rank will do: what counts is where the values end.
+struct Extent {
+  int rank = 0;
+  hsize_t first = 0;           ///< the first extent; 0 where there is none
+  hsize_t numberOfValues = 0;  ///< the product of all extents, 1 for a single value without any
 };
 
-/// Returns the length of a dataset of rank 1 that fits a 32-bit integer and is stored.
-[[nodiscard]] std::optional<int> vectorLength(hid_t dataset, std::size_t valueBytes);
+/// Returns the extent of a dataset; no answer when HDF5 cannot tell it.
+[[nodiscard]] std::optional<Extent> extentOf(hid_t dataset);
 
-/// Tells whether a dataset has rank 1 and holds exactly `length` values, and they are stored.
-[[nodiscard]] bool isVectorOfLength(hid_t dataset, int length, std::size_t valueBytes);
+/// Returns the length of a vector: the first extent, where that is the number of values, too, and
+/// fits a 32-bit integer. Other tools write vectors as columns of a table.
+[[nodiscard]] std::optional<int> vectorLength(const Extent& extent) noexcept;
 
-/// Returns the extents of a dataset of rank 2 whose number of values fits a 32-bit integer and
-/// which is stored.
-[[nodiscard]] std::optional<TableExtents> tableExtents(hid_t dataset, std::size_t valueBytes);
+/// Returns the number of values when it fits a 32-bit integer.
+[[nodiscard]] std::optional<int> numberOfValues32(const Extent& extent) noexcept;
+
+/// Returns the number of rows, the first extent of any rank above 0, when it fits a 32-bit integer.
+[[nodiscard]] std::optional<int> numberOfRows32(const Extent& extent) noexcept;
 
 /// Returns the sum of counts when none is negative and it fits a 32-bit integer.
 [[nodiscard]] std::optional<int> sum32(const int* counts, int length);

@@ -8,25 +8,23 @@
 #include "hdf5/kept_open.h"
 #include "hdf5/layout.h"
 #include "hdf5/links.h"
+#include "hdf5/octree_mesher.h"
 #include "hdf5/probes.h"
+#include "hdf5/read_array.h"
 #include "hdf5/source_file.h"
 #include "hdf5/status.h"
+#include "hdf5/vector_batch.h"
 #include "model/document.h"
-
-#include <hdf5_hl.h>
 
 #include <cmath>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace orvml_io {
 
 namespace {
-
-constexpr char kOctreeMesher[] = "ORVML_OCTREE_MESHER";
-constexpr char kVolumesSizes[] = "ORVML_OCTREEMESHER_VOLUMES_SIZES";
-constexpr char kDeleteOuterEmbedded[] = "ORVML_OCTREEMESHER_DELETE_OUTER_EMBEDDED_ELEMENTS";
 
 // Positions in a legacy parameter dataset of 12 values or more.
 constexpr int kNumberOfVolumesSizesPosition = 10;
@@ -44,60 +42,84 @@ std::string nameOrPosition(const char* name, int position) {
 
 /// Stores a vector while a document is being read. Unlike a plain Set it releases the block of an
 /// entry that it replaces: no caller has seen it yet.
-template <class T>
-void storeUnseen(OML_AttributesVector& store, const std::string& name, const T* values, int length,
-                 bool mustBeTransmitted) {
+void storeUnseen(OML_AttributesVector& store, const std::string& name, MallocBlock block, char code,
+                 int length, bool mustBeTransmitted) {
   store.Delete(name.c_str());
-  store.Set(name.c_str(), values, length, mustBeTransmitted);
+  store.SetBlock(name.c_str(), std::move(block), code, length, mustBeTransmitted);
 }
 
-/// Reads a whole vector of the given length; null when it cannot be read.
-template <class T>
-NewArray<T> tryReadVector(hid_t dataset, int length) {
-  NewArray<T> values = makeNewArray<T>(length);
-  return readFresh(dataset, values.get(), length) == kOk ? std::move(values) : nullptr;
-}
+/// A group of vectors by position, and the positions of it that its "MAX_ID" covers.
+struct PositionalGroup {
+  Found found = Found::failed;
+  GroupId id;
+  std::vector<int> positions;
+};
 
-/// The positions of a group that its "MAX_ID" covers; no answer when that is missing or below 1.
-/// Any object may carry it; one that is no group has no positions.
-std::optional<std::vector<int>> positionsOf(const SourceFile& file, const Path& groupPath) {
-  const std::optional<int> maxId = readIntegerAttribute(file, groupPath.c_str(), layout::kMaxId);
+/// Any object may carry "MAX_ID"; one that is no group has no positions. Without a usable one the
+/// group counts as failed.
+PositionalGroup openPositionalGroup(SourceFile& file, const OpenGroup& parent,
+                                    const char* subPath) {
+  Opened<GroupId> group = file.openGroup(parent, subPath);
+  if (group.isRefused()) {
+    return {Found::refused, GroupId(), {}};
+  }
+  const std::optional<int> maxId = readIntegerAttribute(file, parent, subPath, layout::kMaxId);
   if (!maxId || *maxId < 1) {
-    return std::nullopt;
+    file.report(Trouble::badCount, parent, subPath, [] { return "has no usable MAX_ID"; });
+    return {};
   }
-  const GroupId group = file.tryOpenGroup(groupPath);
-  return group.valid() ? positionsBelow(group.get(), *maxId) : std::vector<int>();
+  if (!group.isObject()) {
+    return {Found::object, GroupId(), {}};
+  }
+  std::optional<std::vector<int>> positions = positionsBelow(group.id.get(), *maxId);
+  if (!positions) {
+    file.report(Trouble::unreadable, parent, subPath, [] { return "cannot be listed"; });
+    return {};
+  }
+  return {Found::object, std::move(group.id), std::move(*positions)};
 }
 
-template <class T>
-int readPositionedVectors(const SourceFile& file, const char* groupPath, int count,
-                          PositionedVectors<T>& vectors) {
-  const Path parent(groupPath);
-  const std::optional<std::vector<int>> positions =
-      !file.valid() ? std::nullopt : positionsOf(file, parent);
-  if (!positions) {
-    return kFailed;
-  }
+/// What reading the vectors of a group came to.
+struct VectorsRead {
+  int status = kOk;
+  bool hasRefused = false;  ///< whether a rule of ours kept anything out
+};
+
+/// Reads the vectors at the positions of a group. A position without a dataset is skipped, one that
+/// cannot be read counts as a failure.
+///
+/// @param why       as what each dataset stays open
+/// @param lengthOf  gives, for the extent of a dataset, how many values its vector has; none where
+/// it
+///                  cannot be one
+/// @param store     called with each vector and its block
+template <class LengthOf, class Store>
+VectorsRead readPositions(SourceFile& file, const OpenGroup& group,
+                          const std::vector<int>& positions, char code, KeptOpen why,
+                          LengthOf lengthOf, Store store) {
+  VectorBatch batch(file, group);
   AnyFailure any;
-  for (const int position : *positions) {
-    Path path = parent;
-    if (!path.appendMember(std::to_string(position))) {
+  bool hasRefused = false;
+  for (const int position : positions) {
+    const std::string link = std::to_string(position);
+    Opened<DatasetId> opened = file.openMember(group, link);
+    if (!opened.isObject()) {
+      hasRefused = hasRefused || opened.isRefused();
+      continue;
+    }
+    const hid_t dataset = keepOpen(std::move(opened.id), why);
+    const std::optional<Extent> extent = extentOf(dataset);
+    const std::optional<int> length = extent ? lengthOf(*extent) : std::nullopt;
+    if (!length) {
+      file.report(Trouble::wrongShape, group, link, [] { return "has not the values it should"; });
       any.add(kFailed);
       continue;
     }
-    DatasetId probe = file.tryOpenDataset(path);
-    if (!probe.valid()) {
-      continue;
-    }
-    const hid_t dataset = keepOpen(std::move(probe), KeptOpen::legacyProbe);
-    NewArray<T> values =
-        isVectorOfLength(dataset, count, sizeof(T)) ? tryReadVector<T>(dataset, count) : nullptr;
-    any.add(values ? kOk : kFailed);
-    if (values) {
-      vectors[position] = std::move(values);
-    }
+    batch.add({link, position, dataset, code, *length}, *extent);
   }
-  return any.status();
+  any.add(batch.read(store));
+  hasRefused = hasRefused || batch.hasRefused();
+  return {hasRefused ? kFailed : any.status(), hasRefused};
 }
 
 /// One of the four positional attribute groups of a container.
@@ -106,6 +128,10 @@ struct AttributeGroup {
   ORVML_TYPE_OF_ATTRIBUTE attributeType;
   ORVML_TYPE_OF_VALUE valueType;
   const char* fallbackName;  // the position follows
+
+  [[nodiscard]] char code() const noexcept {
+    return valueType == ORVML_INT ? kIntCode : kDoubleCode;
+  }
 };
 
 /// Read in this order: later groups replace entries of the same name.
@@ -115,32 +141,29 @@ constexpr AttributeGroup kAttributeGroups[] = {
     {layout::kFunctionMarkers, ORVML_FUNCTION_ATTRIBUTE, ORVML_INT, "function-marker-"},
     {layout::kUserMarkers, ORVML_USER_ATTRIBUTE, ORVML_INT, "user-marker-"}};
 
-template <class T>
-void storeAttributes(const PositionedVectors<T>& vectors, int count, const AttributeGroup& group,
-                     ORVML_TYPE_OF_ENTITY entity, OML_AttributesVector& attributes) {
-  for (const auto& [position, values] : vectors) {
-    // Contract: attribute vectors of every module get the names of the octree mesher.
-    const char* name = GetAttributeNameFromDeprecatedAttributeIndex(
-        kOctreeMesher, position, entity, group.attributeType, group.valueType);
-    const std::string key =
-        name == nullptr ? group.fallbackName + std::to_string(position) : std::string(name);
-    storeUnseen(attributes, key, values.get(), count, group.attributeType == ORVML_USER_ATTRIBUTE);
-  }
+std::string attributeName(const AttributeGroup& group, int position, ORVML_TYPE_OF_ENTITY entity) {
+  // Contract: attribute vectors of every module get the names of the octree mesher.
+  const char* name = GetAttributeNameFromDeprecatedAttributeIndex(
+      kOctreeMesher, position, entity, group.attributeType, group.valueType);
+  return name == nullptr ? group.fallbackName + std::to_string(position) : std::string(name);
 }
 
-int readAttributeGroup(const SourceFile& file, const Path& path, int count,
-                       const AttributeGroup& group, ORVML_TYPE_OF_ENTITY entity,
-                       OML_AttributesVector& attributes) {
-  if (group.valueType == ORVML_INT) {
-    PositionedVectors<int> vectors;
-    const int status = ReadAttributesOldInt(file, path.c_str(), count, vectors);
-    storeAttributes(vectors, count, group, entity, attributes);
-    return status;
+VectorsRead readAttributeVectors(SourceFile& file, const OpenGroup& container, const char* subPath,
+                                 char code, int count, PositionedVectors& vectors) {
+  const PositionalGroup group = openPositionalGroup(file, container, subPath);
+  if (group.found != Found::object) {
+    return {kFailed, group.found == Found::refused};
   }
-  PositionedVectors<double> vectors;
-  const int status = ReadAttributesOldDouble(file, path.c_str(), count, vectors);
-  storeAttributes(vectors, count, group, entity, attributes);
-  return status;
+  // Fewer values than entities leave zeros behind them, more would not fit.
+  const auto lengthOf = [count](const Extent& extent) {
+    const std::optional<int> values = numberOfValues32(extent);
+    return values && *values <= count ? std::optional<int>(count) : std::nullopt;
+  };
+  return readPositions(file, container.below(group.id.get(), subPath), group.positions, code,
+                       KeptOpen::legacyProbe, lengthOf,
+                       [&vectors](const OpenVector& vector, MallocBlock block) {
+                         vectors[vector.position] = std::move(block);
+                       });
 }
 
 /// Returns how many volume sizes follow in a legacy parameter dataset of 12 values or more; no
@@ -159,46 +182,52 @@ std::optional<int> numberOfVolumesSizes(const double* values, int length) {
 /// Contract: these two names are used for every module.
 void storeVolumesSizes(OrvInputAndOrvOutput& document, const double* values, int length,
                        int numberOfSizes) {
-  storeUnseen(document.parametersVector, kVolumesSizes, values + kFirstVolumeSizePosition,
-              numberOfSizes, false);
+  document.parametersVector.Delete(kVolumesSizes);  // nobody has seen its block yet
+  document.parametersVector.Set(kVolumesSizes, values + kFirstVolumeSizePosition, numberOfSizes,
+                                false);
   const int lastPosition = kFirstVolumeSizePosition + numberOfSizes;
   if (length > lastPosition) {
     document.parametersScalar.Set(kDeleteOuterEmbedded, values[lastPosition]);
   }
 }
 
-/// Reads the vectors of "/GenericMarkers" or "/GenericAttributes"; a missing or empty position is
-/// skipped, one that cannot be read counts as a failure.
-template <class T, class NameOf>
-int readGenericVectors(const SourceFile& file, const Path& groupPath,
-                       const std::vector<int>& positions, OML_AttributesVector& store,
-                       NameOf nameOf) {
-  AnyFailure any;
-  for (const int position : positions) {
-    Path path = groupPath;
-    if (!path.appendMember(std::to_string(position))) {
-      any.add(kFailed);
-      continue;
-    }
-    const int length = Orv_H5_GetVectorDimension(file, path.c_str(), sizeof(T));
-    if (length == 0 || length == -1) {
-      continue;
-    }
-    const DatasetId dataset = file.tryOpenDataset(path);
-    const NewArray<T> values =
-        length > 0 && dataset.valid() ? tryReadVector<T>(dataset.get(), length) : nullptr;
-    any.add(values ? kOk : kFailed);
-    if (values) {
-      storeUnseen(store, nameOf(position), values.get(), length, false);
-    }
+/// Stores the values of a legacy parameter dataset. Returns 1 when it is malformed.
+int storeScalars(OrvInputAndOrvOutput& document, const double* values, int length) {
+  const bool hasVolumesSizes = length > kLongestListOfNamedScalars;
+  const std::optional<int> volumesSizes =
+      hasVolumesSizes ? numberOfVolumesSizes(values, length) : 0;
+  if (!volumesSizes) {
+    return kFailed;
   }
-  return any.status();
+  const int numberOfScalars = hasVolumesSizes ? kNumberOfVolumesSizesPosition : length;
+  for (int i = 0; i < numberOfScalars; ++i) {
+    const char* name = GetParameterNameFromDeprecatedParameterIndex(namingModule(document), i);
+    document.parametersScalar.Set(nameOrPosition(name, i).c_str(), values[i]);
+  }
+  if (hasVolumesSizes) {
+    storeVolumesSizes(document, values, length, *volumesSizes);
+  }
+  return kOk;
+}
+
+/// Reads the vectors of "/GenericMarkers" or "/GenericAttributes"; an empty one is skipped.
+template <class NameOf>
+int readGenericVectors(SourceFile& file, const OpenGroup& group, const std::vector<int>& positions,
+                       char code, OML_AttributesVector& store, NameOf nameOf) {
+  return readPositions(file, group, positions, code, KeptOpen::extentProbe, vectorLength,
+                       [&](const OpenVector& vector, MallocBlock block) {
+                         if (vector.length > 0) {
+                           storeUnseen(store, nameOf(vector.position), std::move(block), code,
+                                       vector.length, false);
+                         }
+                       })
+      .status;
 }
 
 /// Writes the vectors of one type by position; no group when there are none.
 template <class T>
-int writeGenericVectors(hid_t file, const Path& groupPath, const OML_AttributesVector& store,
-                        char code) {
+int writeGenericVectors(const OpenGroup& document, const char* subPath,
+                        const OML_AttributesVector& store, char code) {
   int count = 0;
   for (const auto& named : store) {
     count += named.second.code == code ? 1 : 0;
@@ -206,108 +235,108 @@ int writeGenericVectors(hid_t file, const Path& groupPath, const OML_AttributesV
   if (count == 0) {
     return kOk;
   }
-  createGroupIfAbsent(file, groupPath);
-  if (H5LTset_attribute_int(file, groupPath.c_str(), layout::kMaxId, &count, 1) < 0) {
+  const GroupId created = createGroupIfAbsent(document, subPath);
+  if (setInteger(created.get(), layout::kMaxId, count) != kOk) {
     return kFailed;
   }
+  const OpenGroup group = document.below(created.get(), subPath);
   int position = 0;
   for (const auto& named : store) {
     const OML_AttributesVector::Entry& entry = named.second;
     if (entry.code != code) {
       continue;
     }
-    Path path = groupPath;
-    if (!path.appendMember(std::to_string(position)) ||
-        makeVector(file, path, entry.length, static_cast<const T*>(entry.data)) != kOk) {
+    DatasetId dataset = createMember(group, std::to_string(position++), entry.length,
+                                     static_cast<const T*>(entry.data));
+    if (!dataset.valid() || dataset.close() < 0) {
       return kFailed;
     }
-    ++position;
   }
   return kOk;
 }
 
 }  // namespace
 
-int ReadAttributesOldInt(const SourceFile& file, const char* groupPath, int count,
-                         PositionedVectors<int>& vectors) {
-  return readPositionedVectors(file, groupPath, count, vectors);
+int ReadAttributesOldInt(SourceFile& file, const OpenGroup& container, const char* subPath,
+                         int count, PositionedVectors& vectors) {
+  return file.valid()
+             ? readAttributeVectors(file, container, subPath, kIntCode, count, vectors).status
+             : kFailed;
 }
 
-int ReadAttributesOldDouble(const SourceFile& file, const char* groupPath, int count,
-                            PositionedVectors<double>& vectors) {
-  return readPositionedVectors(file, groupPath, count, vectors);
+int ReadAttributesOldDouble(SourceFile& file, const OpenGroup& container, const char* subPath,
+                            int count, PositionedVectors& vectors) {
+  return file.valid()
+             ? readAttributeVectors(file, container, subPath, kDoubleCode, count, vectors).status
+             : kFailed;
 }
 
-int ReadAttributesOld(const SourceFile& file, const char* containerPath, int count,
+int ReadAttributesOld(SourceFile& file, const OpenGroup& container, int count,
                       OML_AttributesVector& attributes, ORVML_TYPE_OF_ENTITY entity) {
   if (!file.valid()) {
     return kFailed;
   }
-  int status = kOk;
+  VectorsRead last;
+  bool hasRefused = false;
   for (const AttributeGroup& group : kAttributeGroups) {
-    Path path(containerPath);
-    if (!path.append(group.subPath)) {
+    if (!container.fits(group.subPath)) {
       return kFailed;
     }
-    if (Orv_H5_GroupExists(file, path.c_str())) {
-      status = readAttributeGroup(file, path, count, group, entity, attributes);
+    if (!Orv_H5_GroupExists(container, group.subPath)) {
+      continue;
+    }
+    PositionedVectors vectors;
+    last = readAttributeVectors(file, container, group.subPath, group.code(), count, vectors);
+    hasRefused = hasRefused || last.hasRefused;
+    for (auto& [position, block] : vectors) {
+      storeUnseen(attributes, attributeName(group, position, entity), std::move(block),
+                  group.code(), count, group.attributeType == ORVML_USER_ATTRIBUTE);
     }
   }
-  return status;
+  return hasRefused ? kFailed : last.status;
 }
 
-int OrvInputAndOrvOutput::ReadParametersScalarOld(const SourceFile& file, const char* group) {
-  Path path(group);
-  if (!file.valid() || !path.append(layout::kParameters)) {
+int OrvInputAndOrvOutput::ReadParametersScalarOld(SourceFile& file, const OpenGroup& document) {
+  if (!file.valid()) {
     return kFailed;
   }
-  DatasetId probe = file.tryOpenDataset(path);
-  if (!probe.valid()) {
-    return kOk;
+  Opened<DatasetId> opened = file.openDataset(document, layout::kParameters);
+  if (!opened.isObject()) {
+    return opened.isRefused() ? kFailed : kOk;
   }
-  const hid_t dataset = keepOpen(std::move(probe), KeptOpen::legacyProbe);
-  const std::optional<int> length = vectorLength(dataset, sizeof(double));
-  const NewArray<double> values = length ? tryReadVector<double>(dataset, *length) : nullptr;
-  if (!values) {
+  const hid_t dataset = keepOpen(std::move(opened.id), KeptOpen::legacyProbe);
+  const std::optional<Extent> extent = extentOf(dataset);
+  const std::optional<int> length = extent ? vectorLength(*extent) : std::nullopt;
+  const NewArray<double> values =
+      length ? tryReadArray<double>(file, document, layout::kParameters, dataset, *extent, *length)
+             : nullptr;
+  if (!values || storeScalars(*this, values.get(), *length) != kOk) {
+    file.report(Trouble::wrongShape, document, layout::kParameters,
+                [] { return "is no list of parameters by position"; });
     return kFailed;
-  }
-  const bool hasVolumesSizes = *length > kLongestListOfNamedScalars;
-  const std::optional<int> volumesSizes =
-      hasVolumesSizes ? numberOfVolumesSizes(values.get(), *length) : 0;
-  if (!volumesSizes) {
-    return kFailed;
-  }
-  const int numberOfScalars = hasVolumesSizes ? kNumberOfVolumesSizesPosition : *length;
-  for (int i = 0; i < numberOfScalars; ++i) {
-    const char* name = GetParameterNameFromDeprecatedParameterIndex(namingModule(*this), i);
-    parametersScalar.Set(nameOrPosition(name, i).c_str(), values[static_cast<std::size_t>(i)]);
-  }
-  if (hasVolumesSizes) {
-    storeVolumesSizes(*this, values.get(), *length, *volumesSizes);
   }
   return kOk;
 }
 
-int OrvInputAndOrvOutput::ReadParametersVectorOld(const SourceFile& file, const char* group) {
-  Path markers(group);
-  Path attributes(group);
-  if (!markers.append(layout::kGenericMarkers) || !attributes.append(layout::kGenericAttributes)) {
+int OrvInputAndOrvOutput::ReadParametersVectorOld(SourceFile& file, const OpenGroup& document) {
+  if (!document.fits(layout::kGenericMarkers) || !document.fits(layout::kGenericAttributes)) {
     return kFailed;
   }
   AnyFailure any;
   // Contract: a group without a usable "MAX_ID" ends the reading; without one for the markers the
   // attributes are not read.
-  if (Orv_H5_GroupExists(file, markers.c_str())) {
-    const std::optional<std::vector<int>> positions = positionsOf(file, markers);
-    if (!positions) {
+  if (Orv_H5_GroupExists(document, layout::kGenericMarkers)) {
+    const PositionalGroup group = openPositionalGroup(file, document, layout::kGenericMarkers);
+    if (group.found != Found::object) {
       return kFailed;
     }
-    any.add(readGenericVectors<int>(file, markers, *positions, parametersVector,
-                                    [](int position) { return std::to_string(position); }));
+    any.add(readGenericVectors(file, document.below(group.id.get(), layout::kGenericMarkers),
+                               group.positions, kIntCode, parametersVector,
+                               [](int position) { return std::to_string(position); }));
   }
-  if (Orv_H5_GroupExists(file, attributes.c_str())) {
-    const std::optional<std::vector<int>> positions = positionsOf(file, attributes);
-    if (!positions) {
+  if (Orv_H5_GroupExists(document, layout::kGenericAttributes)) {
+    const PositionalGroup group = openPositionalGroup(file, document, layout::kGenericAttributes);
+    if (group.found != Found::object) {
       return kFailed;
     }
     const char* module = namingModule(*this);
@@ -315,16 +344,13 @@ int OrvInputAndOrvOutput::ReadParametersVectorOld(const SourceFile& file, const 
       return nameOrPosition(GetParameterNameFromDeprecatedGenericAttributeIndex(module, position),
                             position);
     };
-    any.add(readGenericVectors<double>(file, attributes, *positions, parametersVector, nameOf));
+    any.add(readGenericVectors(file, document.below(group.id.get(), layout::kGenericAttributes),
+                               group.positions, kDoubleCode, parametersVector, nameOf));
   }
   return any.status();
 }
 
-int OrvInputAndOrvOutput::WriteParametersScalarOld(hid_t file, const char* group) const {
-  Path path(group);
-  if (!path.append(layout::kParameters)) {
-    return kFailed;
-  }
+int OrvInputAndOrvOutput::WriteParametersScalarOld(const OpenGroup& document) const {
   if (parametersScalar.count() == 0) {
     return kOk;
   }
@@ -333,20 +359,16 @@ int OrvInputAndOrvOutput::WriteParametersScalarOld(hid_t file, const char* group
   for (const auto& named : parametersScalar) {
     values.push_back(named.second);
   }
-  return makeVector(file, path, static_cast<int>(values.size()), values.data());
+  return makeVector(document, layout::kParameters, static_cast<int>(values.size()), values.data());
 }
 
-int OrvInputAndOrvOutput::WriteParametersVectorOld(hid_t file, const char* group) const {
-  Path markers(group);
-  Path attributes(group);
-  if (file < 0 || !markers.append(layout::kGenericMarkers) ||
-      !attributes.append(layout::kGenericAttributes)) {
+int OrvInputAndOrvOutput::WriteParametersVectorOld(const OpenGroup& document) const {
+  if (document.id() < 0 || writeGenericVectors<int>(document, layout::kGenericMarkers,
+                                                    parametersVector, kIntCode) != kOk) {
     return kFailed;
   }
-  if (writeGenericVectors<int>(file, markers, parametersVector, kIntCode) != kOk) {
-    return kFailed;
-  }
-  return writeGenericVectors<double>(file, attributes, parametersVector, kDoubleCode);
+  return writeGenericVectors<double>(document, layout::kGenericAttributes, parametersVector,
+                                     kDoubleCode);
 }
 
 }  // namespace orvml_io

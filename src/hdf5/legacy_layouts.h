@@ -1,5 +1,6 @@
 #pragma once
 
+#include "hdf5/source_file.h"
 #include "orvml_io.h"
 #include "values/attributes_vector.h"
 #include "values/blocks.h"
@@ -23,21 +24,22 @@ namespace orvml_io {
     ORVML_TYPE_OF_ATTRIBUTE attributeType, ORVML_TYPE_OF_VALUE valueType);
 
 /// The vectors of a positional group, by position; positions without a dataset are absent.
-template <class T>
-using PositionedVectors = std::map<int, NewArray<T>>;
+using PositionedVectors = std::map<int, MallocBlock>;
 
-/// Reads the vectors at the positions 0 to "MAX_ID" - 1 of a group, each of exactly `count` values.
-/// Returns 1 when "MAX_ID" is missing or below 1, and when a dataset could not be read; the other
-/// ones are read all the same.
-[[nodiscard]] int ReadAttributesOldInt(const SourceFile& file, const char* groupPath, int count,
-                                       PositionedVectors<int>& vectors);
-[[nodiscard]] int ReadAttributesOldDouble(const SourceFile& file, const char* groupPath, int count,
-                                          PositionedVectors<double>& vectors);
+/// Reads the vectors at the positions 0 to "MAX_ID" - 1 of a group, each of `count` values: what a
+/// dataset lacks are zeros, one that has more fails. Returns 1 when "MAX_ID" is missing or below 1,
+/// and when a dataset could not be read; the other ones are read all the same.
+[[nodiscard]] int ReadAttributesOldInt(SourceFile& file, const OpenGroup& container,
+                                       const char* subPath, int count, PositionedVectors& vectors);
+[[nodiscard]] int ReadAttributesOldDouble(SourceFile& file, const OpenGroup& container,
+                                          const char* subPath, int count,
+                                          PositionedVectors& vectors);
 
 /// Reads the attribute vectors of a container from its up to four positional groups.
 ///
 /// Contract: the result is that of the last group that exists; an earlier failure is forgotten.
-[[nodiscard]] int ReadAttributesOld(const SourceFile& file, const char* containerPath, int count,
+/// Only what lies in another file fails the reading wherever it is met.
+[[nodiscard]] int ReadAttributesOld(SourceFile& file, const OpenGroup& container, int count,
                                     OML_AttributesVector& attributes, ORVML_TYPE_OF_ENTITY entity);
 
 /// The two tests of a version text that select a layout. They differ for a text that reads as NaN.

@@ -2,6 +2,7 @@
 // version text that select a layout.
 #include "hdf5/layout.h"
 #include "hdf5/legacy_layouts.h"
+#include "hdf5/octree_mesher.h"
 #include "model/names.h"
 
 #include <cstring>
@@ -9,8 +10,6 @@
 namespace orvml_io {
 
 namespace {
-
-constexpr char kOctreeMesher[] = "ORVML_OCTREE_MESHER";
 
 // NOLINTNEXTLINE(readability-identifier-naming)
 constexpr const char* parameter_names[] = {"ORVML_OCTREEMESHER_GENERAL_MESH_SIZE",
@@ -23,7 +22,7 @@ constexpr const char* parameter_names[] = {"ORVML_OCTREEMESHER_GENERAL_MESH_SIZE
                                            "ORVML_OCTREEMESHER_PRIORIZE_OUTER_PART_WHEN_COLORING",
                                            "ORVML_OCTREEMESHER_MIN_COSINUS_FOR_SHARP_EDGES",
                                            "ORVML_OCTREEMESHER_ONLY_GET_INNER_TETRAHEDRA",
-                                           "ORVML_OCTREEMESHER_DELETE_OUTER_EMBEDDED_ELEMENTS"};
+                                           kDeleteOuterEmbedded};
 
 // NOLINTNEXTLINE(readability-identifier-naming)
 constexpr const char* attribute_names[] = {"ORVML_OCTREEMESHER_FACES_EMBEDDED",
@@ -76,7 +75,7 @@ const char* GetParameterNameFromDeprecatedParameterIndex(const char* moduleName,
 
 const char* GetParameterNameFromDeprecatedGenericAttributeIndex(const char* moduleName,
                                                                 int position) {
-  return isOctreeMesher(moduleName) && position == 0 ? "ORVML_OCTREEMESHER_VOLUMES_SIZES" : nullptr;
+  return isOctreeMesher(moduleName) && position == 0 ? kVolumesSizes : nullptr;
 }
 
 const char* GetAttributeNameFromDeprecatedAttributeIndex(const char* moduleName, int position,

@@ -53,12 +53,12 @@ std::optional<std::vector<std::string>> linkNames(hid_t group) {
   return std::move(collection.names);
 }
 
-std::vector<int> positionsBelow(hid_t group, int end) {
-  std::vector<int> positions;
+std::optional<std::vector<int>> positionsBelow(hid_t group, int end) {
   const std::optional<std::vector<std::string>> names = linkNames(group);
   if (!names) {
-    return positions;
+    return std::nullopt;
   }
+  std::vector<int> positions;
   for (const std::string& name : *names) {
     const std::optional<int> position = positionOf(name);
     if (position && *position >= 0 && *position < end) {

@@ -4,67 +4,41 @@
 #include "hdf5/extents.h"
 #include "hdf5/kept_open.h"
 #include "hdf5/layout.h"
+#include "hdf5/read_array.h"
 #include "hdf5/source_file.h"
 #include "hdf5/status.h"
 #include "model/document.h"
 #include "model/limits.h"
 
 #include <algorithm>
+#include <memory>
+#include <optional>
+#include <utility>
 
 namespace orvml_io {
 
 namespace {
 
-/// The open group of a container that is written. Its members are made relative to it, which spares
-/// the way from the root; the limit of paths holds for their absolute ones.
-struct WrittenGroup {
-  const char* path;
-  GroupId id;
-
-  [[nodiscard]] bool fits(const char* subPath) const { return Path(path).append(subPath); }
-};
-
-/// The path of a member as seen from its group. Sub-paths begin with a slash.
-Path memberPath(const char* subPath) { return Path(subPath + 1); }
-
-int makeInts(const WrittenGroup& group, const char* subPath, int length, const int* values) {
-  return group.fits(subPath) ? makeVector(group.id.get(), memberPath(subPath), length, values)
-                             : kFailed;
-}
-
-int writeElementTypes(const Elems& elems, const WrittenGroup& group) {
-  const int length = elems.numberOfElementTypes;
-  if (makeInts(group, layout::kNumberOfElementsByType, length, elems.numberOfElementsByType) !=
-      kOk) {
-    return kFailed;
-  }
-  // ElemType has the size and the values of an int (asserted in names.cpp).
-  if (makeInts(group, layout::kElementTypes, length,
-               reinterpret_cast<const int*>(elems.elementTypes)) != kOk) {
-    return kFailed;
-  }
-  return makeInts(group, layout::kNumberOfNodesByElement, length, elems.numberOfNodesByElement);
-}
-
-int writeConnectivities(const Elems& elems, const WrittenGroup& group) {
-  const std::optional<int> size = connectivitySize32(
-      elems.numberOfElementsByType, elems.numberOfNodesByElement, elems.numberOfElementTypes);
-  return size ? makeInts(group, layout::kConnectivities, *size, elems.connectivities) : kFailed;
-}
-
-/// Reads a dataset that must hold exactly `length` ints; null when it does not or cannot be read.
-NewArray<int> tryReadInts(const SourceFile& file, const char* containerPath, const char* subPath,
+/// Reads the ints of a container that go with its type groups. Whatever their rank, they are taken
+/// one after the other: fewer than needed leave zeros behind them, more would not fit.
+NewArray<int> tryReadInts(SourceFile& file, const OpenGroup& container, const char* subPath,
                           int length) {
-  Path path(containerPath);
-  if (!path.append(subPath)) {
+  const Opened<DatasetId> dataset = file.openDataset(container, subPath);
+  if (!dataset.isObject()) {
+    file.reportIfAbsent(dataset.found, container, subPath);
     return nullptr;
   }
-  const DatasetId dataset = file.tryOpenDataset(path);
-  if (!dataset.valid() || !isVectorOfLength(dataset.get(), length, sizeof(int))) {
+  const std::optional<Extent> extent = extentOf(dataset.id.get());
+  const hsize_t found = extent ? extent->numberOfValues : 0;
+  const auto needed = static_cast<hsize_t>(length);
+  if (!extent || found != needed) {
+    file.report(found > needed ? Trouble::tooLong : Trouble::tooShort, container, subPath,
+                [&] { return entriesSentence(found, "the groups need", length); });
+  }
+  if (!extent || found > needed) {
     return nullptr;
   }
-  NewArray<int> values = makeNewArray<int>(length);
-  return readFresh(dataset.get(), values.get(), length) == kOk ? std::move(values) : nullptr;
+  return tryReadArray<int>(file, container, subPath, dataset.id.get(), *extent, length);
 }
 
 /// Shapes lie in files as ints; any value is taken.
@@ -75,55 +49,81 @@ NewArray<ElemType> toShapes(const int* values, int length) {
   return shapes;
 }
 
-/// A table without columns stores nothing, whatever its rows. Padding makes up to three columns of
-/// it, so only a small one is taken.
-bool isPaddedInProportion(const TableExtents& extents) {
-  constexpr std::size_t kPaddedRowBytes = 3 * sizeof(double);
-  return extents.columns > 0 ||
-         static_cast<std::size_t>(extents.rows) <= kUnstoredBytesTolerated / kPaddedRowBytes;
+void setCoordinates(Nodes& nodes, NewArray<double> values, long long length) noexcept {
+  const NewArray<double> released(nodes.coords);
+  nodes.coordsLength = values ? length : Nodes::kUnknownLength;
+  nodes.coords = values.release();
 }
 
 /// Coordinates of fewer columns than the dimension are accepted. The values behind them are zeros,
-/// so that whoever takes the document at its word stays inside the array. Returns whether the array
-/// could be made as long as the document says. A dimension that readers reject pads nothing.
-bool padCoordinates(Nodes& nodes, int dimension) {
+/// so that whoever takes the document at its word stays inside the array. Where it cannot be made
+/// as long as the document says the coordinates have failed to read. A dimension that readers
+/// reject pads nothing.
+int padCoordinates(SourceFile& file, const OpenGroup& document, Nodes& nodes, int dimension) {
   if (nodes.coords == nullptr || !isAcceptedDimension(dimension)) {
-    return true;
-  }
-  const std::optional<int> needed = product32(nodes.numberOfNodes, dimension);
-  if (!needed) {
-    return false;
-  }
-  if (*needed > nodes.coordsLength) {
-    NewArray<double> padded(new double[static_cast<std::size_t>(*needed)]());
-    std::copy_n(nodes.coords, nodes.coordsLength, padded.get());
-    const NewArray<double> released(nodes.coords);
-    nodes.coords = padded.release();
-    nodes.coordsLength = *needed;
-  }
-  return true;
-}
-
-int writeElems(const Elems* elems, hid_t file, const char* group, const char* subPath) {
-  if (elems == nullptr) {
     return kOk;
   }
-  Path path(group);
-  return path.append(subPath) ? elems->Write(file, path.c_str()) : kFailed;
+  const std::optional<int> needed = product32(nodes.numberOfNodes, dimension);
+  if (needed && *needed <= nodes.coordsLength) {
+    return kOk;
+  }
+  // A table without columns stores nothing, whatever its rows.
+  const bool isEmpty = nodes.coordsLength == 0;
+  const ReadCost cost{0, isEmpty && needed ? static_cast<hsize_t>(*needed) * sizeof(double) : 0};
+  if (!needed || !file.affords(document, layout::kNodes, cost)) {
+    setCoordinates(nodes, nullptr, 0);
+    return kFailed;
+  }
+  NewArray<double> padded(new double[static_cast<std::size_t>(*needed)]());
+  std::copy_n(nodes.coords, nodes.coordsLength, padded.get());
+  setCoordinates(nodes, std::move(padded), *needed);
+  return kOk;
+}
+
+/// Reads the coordinates of a container and their number.
+int readCoordinates(SourceFile& file, const OpenGroup& container, Nodes& nodes) {
+  Opened<DatasetId> opened = file.openDataset(container, layout::kCoordinates);
+  const bool isRefused = opened.isRefused();
+  if (!opened.id.valid()) {
+    file.reportIfAbsent(opened.found, container, layout::kCoordinates);
+    setCoordinates(nodes, nullptr, 0);
+    nodes.numberOfNodes = 0;
+    return isRefused ? kFailed : kOk;
+  }
+  const hid_t dataset = keepOpen(std::move(opened.id), KeptOpen::containerProbe);
+  const std::optional<Extent> extent = extentOf(dataset);
+  const std::optional<int> rows = extent ? numberOfRows32(*extent) : std::nullopt;
+  const std::optional<int> length = extent ? numberOfValues32(*extent) : std::nullopt;
+  // Contract: the number of nodes stays, without coordinates, whatever keeps these from being read.
+  nodes.numberOfNodes = rows.value_or(0);
+  if (!rows || !length) {
+    file.report(Trouble::wrongShape, container, layout::kCoordinates,
+                [] { return "has no rows, or more values than 32 bits count"; });
+  }
+  if (isRefused || !rows || !length) {
+    return kFailed;
+  }
+  if (*rows == 0) {
+    return kOk;
+  }
+  setCoordinates(
+      nodes, tryReadArray<double>(file, container, layout::kCoordinates, dataset, *extent, *length),
+      *length);
+  return nodes.coords == nullptr ? kFailed : kOk;
+}
+
+int writeElems(const Elems* elems, const OpenGroup& document, const char* subPath) {
+  return elems == nullptr ? kOk : elems->Write(document, subPath);
 }
 
 /// Reads one element container. A container that ends without cells is removed, with what the
 /// reader put into it: a document read from a file never holds an empty container.
-int readElems(Elems*& slot, const SourceFile& file, const char* group, const char* subPath,
+int readElems(Elems*& slot, SourceFile& file, const OpenGroup& document, const char* subPath,
               const char* formatVersion, ORVML_TYPE_OF_ENTITY entity) {
-  Path path(group);
-  if (!path.append(subPath)) {
-    return kFailed;
-  }
   if (slot == nullptr) {
     slot = std::make_unique<Elems>().release();
   }
-  const int status = slot->Read(file, path.c_str(), formatVersion, entity);
+  const int status = slot->Read(file, document, subPath, formatVersion, entity);
   if (slot->numberOfElements == 0) {
     slot->DeleteContent();
     slot->DeleteAuxiliarContent();
@@ -135,138 +135,157 @@ int readElems(Elems*& slot, const SourceFile& file, const char* group, const cha
 
 }  // namespace
 
-int Nodes::Write(hid_t file, const char* path, int dimension) const {
-  Path coordinatesPath(path);
-  Path attributesPath(path);
-  if (file < 0 || !coordinatesPath.append(layout::kCoordinates) ||
-      !attributesPath.append(layout::kAttributes)) {
+int Nodes::Write(const OpenGroup& document, int dimension) const {
+  if (document.id() < 0) {
     return kFailed;
   }
-  const GroupId group = createGroupIfAbsent(file, Path(path));
+  const GroupId created = createGroupIfAbsent(document, layout::kNodes);
+  const OpenGroup container = document.below(created.get(), layout::kNodes);
   if (!product32(numberOfNodes, dimension) || !holdsCoordinates(dimension) ||
-      makeTable(group.get(), memberPath(layout::kCoordinates), numberOfNodes, dimension, coords) !=
-          kOk) {
+      makeTable(container, layout::kCoordinates, numberOfNodes, dimension, coords) != kOk) {
     return kFailed;
   }
-  return attributes.HDF5Write(file, attributesPath.c_str());
+  return attributes.HDF5Write(container, layout::kAttributes);
 }
 
-int Nodes::Read(const SourceFile& file, const char* path, const char* formatVersion) {
-  Path coordinatesPath(path);
-  if (!file.valid() || !coordinatesPath.append(layout::kCoordinates)) {
-    return kFailed;
-  }
-  if (!file.tryKeepGroup(Path(path), KeptOpen::containerGroup)) {
-    return kFailed;  // Contract: the writer leaves the group out when there are no nodes.
-  }
-  DatasetId probe = file.tryOpenDataset(coordinatesPath);
-  if (!probe.valid()) {
-    coords = nullptr;
-    numberOfNodes = 0;
-    return kOk;
-  }
-  const hid_t dataset = keepOpen(std::move(probe), KeptOpen::containerProbe);
-  const std::optional<TableExtents> extents = tableExtents(dataset, sizeof(double));
-  if (!extents || !isPaddedInProportion(*extents)) {
-    return kFailed;
-  }
-  if (extents->rows == 0) {
-    return kOk;
-  }
-  NewArray<double> values = makeNewArray<double>(extents->numberOfValues());
-  numberOfNodes = extents->rows;
-  if (readFresh(dataset, values.get(), extents->numberOfValues()) != kOk) {
-    return kFailed;  // Contract: the count just read stays, without coordinates.
-  }
-  coords = values.release();
-  coordsLength = extents->numberOfValues();
-  return ReadAttributes(file, path, numberOfNodes, formatVersion);
-}
-
-int Elems::Write(hid_t file, const char* path) const {
-  Path attributesPath(path);
-  if (file < 0 || !attributesPath.append(layout::kAttributes)) {
-    return kFailed;
-  }
-  if (numberOfElementTypes == 0) {
-    return kOk;
-  }
-  const WrittenGroup group{path, createGroupIfAbsent(file, Path(path))};
-  AnyFailure any;
-  any.add(writeElementTypes(*this, group));
-  any.add(writeConnectivities(*this, group));
-  any.add(attributes.HDF5Write(file, attributesPath.c_str()));
-  return any.status();
-}
-
-int Elems::WriteElementTypes(hid_t file, const char* path) const {
-  return writeElementTypes(*this, {path, createGroupIfAbsent(file, Path(path))});
-}
-
-int Elems::WriteConnectivities(hid_t file, const char* path) const {
-  return writeConnectivities(*this, {path, GroupId(H5Gopen2(file, path, H5P_DEFAULT))});
-}
-
-int Elems::Read(const SourceFile& file, const char* path, const char* formatVersion,
-                ORVML_TYPE_OF_ENTITY entity) {
+int Nodes::Read(SourceFile& file, const OpenGroup& document, const char* formatVersion) {
   if (!file.valid()) {
     return kFailed;
   }
-  if (!file.tryKeepGroup(Path(path), KeptOpen::containerGroup)) {
-    return kOk;  // Contract: unlike for nodes, a missing container is no error.
+  Opened<GroupId> opened = file.openGroup(document, layout::kNodes);
+  if (!opened.isObject()) {
+    file.reportIfAbsent(opened.found, document, layout::kNodes);
+    return kFailed;  // Contract: the writer leaves the group out when there are no nodes.
   }
-  const int status = ReadElementTypes(file, path);
-  if (status != kOk || numberOfElements == 0 || numberOfElementTypes == 0) {
-    return status;
-  }
-  if (ReadConnectivities(file, path) != kOk) {
-    return kFailed;
-  }
-  return ReadAttributes(file, path, numberOfElements, formatVersion, entity);
+  const OpenGroup container =
+      document.below(keepOpen(std::move(opened.id), KeptOpen::containerGroup), layout::kNodes);
+  const int status = readCoordinates(file, container, *this);
+  return coords == nullptr ? status : ReadAttributes(file, container, numberOfNodes, formatVersion);
 }
 
-int Elems::ReadElementTypes(const SourceFile& file, const char* path) {
-  Path typesPath(path);
-  if (!typesPath.append(layout::kElementTypes)) {
+int Elems::Write(const OpenGroup& document, const char* subPath) const {
+  if (document.id() < 0) {
     return kFailed;
   }
-  DatasetId probe = file.tryOpenDataset(typesPath);
-  if (!probe.valid()) {
-    numberOfElements = 0;
-    return kOk;
-  }
-  const hid_t dataset = keepOpen(std::move(probe), KeptOpen::containerProbe);
-  const std::optional<int> numberOfTypes = vectorLength(dataset, sizeof(int));
-  if (!numberOfTypes) {
-    return kFailed;
-  }
-  numberOfElementTypes = *numberOfTypes;
   if (numberOfElementTypes == 0) {
     return kOk;
   }
+  const GroupId created = createGroupIfAbsent(document, subPath);
+  const OpenGroup container = document.below(created.get(), subPath);
+  AnyFailure any;
+  any.add(WriteElementTypes(container));
+  any.add(WriteConnectivities(container));
+  any.add(attributes.HDF5Write(container, layout::kAttributes));
+  return any.status();
+}
+
+int Elems::WriteElementTypes(const OpenGroup& container) const {
+  const int length = numberOfElementTypes;
+  if (makeVector(container, layout::kNumberOfElementsByType, length, numberOfElementsByType) !=
+      kOk) {
+    return kFailed;
+  }
+  // ElemType has the size and the values of an int (asserted in names.cpp).
+  if (makeVector(container, layout::kElementTypes, length,
+                 reinterpret_cast<const int*>(elementTypes)) != kOk) {
+    return kFailed;
+  }
+  return makeVector(container, layout::kNumberOfNodesByElement, length, numberOfNodesByElement);
+}
+
+int Elems::WriteConnectivities(const OpenGroup& container) const {
+  const std::optional<int> size =
+      connectivitySize32(numberOfElementsByType, numberOfNodesByElement, numberOfElementTypes);
+  return size ? makeVector(container, layout::kConnectivities, *size, connectivities) : kFailed;
+}
+
+int Elems::Read(SourceFile& file, const OpenGroup& document, const char* subPath,
+                const char* formatVersion, ORVML_TYPE_OF_ENTITY entity) {
+  if (!file.valid()) {
+    return kFailed;
+  }
+  Opened<GroupId> opened = file.openGroup(document, subPath);
+  if (!opened.isObject()) {
+    // Contract: unlike for nodes, a missing container is no error.
+    return opened.isRefused() ? kFailed : kOk;
+  }
+  const OpenGroup container =
+      document.below(keepOpen(std::move(opened.id), KeptOpen::containerGroup), subPath);
+  const int status = ReadElementTypes(file, container);
+  if (status != kOk || numberOfElements == 0 || numberOfElementTypes == 0) {
+    return status;
+  }
+  if (ReadConnectivities(file, container) != kOk) {
+    return kFailed;
+  }
+  return ReadAttributes(file, container, numberOfElements, formatVersion, entity);
+}
+
+int Elems::ReadElementTypes(SourceFile& file, const OpenGroup& container) {
+  Opened<DatasetId> opened = file.openDataset(container, layout::kElementTypes);
+  if (!opened.isObject()) {
+    file.reportIfAbsent(opened.found, container, layout::kElementTypes);
+    numberOfElements = 0;
+    return opened.isRefused() ? kFailed : kOk;
+  }
+  const hid_t dataset = keepOpen(std::move(opened.id), KeptOpen::containerProbe);
+  const std::optional<Extent> extent = extentOf(dataset);
+  const std::optional<int> groups = extent ? numberOfRows32(*extent) : std::nullopt;
+  if (!groups) {
+    file.report(Trouble::wrongShape, container, layout::kElementTypes,
+                [] { return "is no list of shapes"; });
+    return kFailed;
+  }
+  numberOfElementTypes = *groups;
+  if (numberOfElementTypes == 0) {
+    return kOk;
+  }
+  if (readCellCounts(file, container) != kOk) {
+    return kFailed;
+  }
+  return numberOfElements == 0 ? kOk : readShapesAndNodeCounts(file, container, dataset, *extent);
+}
+
+int Elems::readCellCounts(SourceFile& file, const OpenGroup& container) {
   NewArray<int> counts =
-      tryReadInts(file, path, layout::kNumberOfElementsByType, numberOfElementTypes);
-  const std::optional<int> total =
-      counts ? sum32(counts.get(), numberOfElementTypes) : std::nullopt;
+      tryReadInts(file, container, layout::kNumberOfElementsByType, numberOfElementTypes);
+  if (!counts) {
+    return kFailed;
+  }
+  const std::optional<int> total = sum32(counts.get(), numberOfElementTypes);
   if (!total) {
+    file.report(Trouble::badCount, container, layout::kNumberOfElementsByType,
+                [] { return "has a negative count, or counts that 32 bits cannot add"; });
     return kFailed;
   }
   numberOfElementsByType = counts.release();
   groupArraysMadeByLibrary = true;
   numberOfElements = *total;
-  return numberOfElements == 0 ? kOk : readShapesAndNodeCounts(file, path, dataset);
+  return kOk;
 }
 
-int Elems::readShapesAndNodeCounts(const SourceFile& file, const char* path, hid_t typesDataset) {
-  const NewArray<int> shapes = makeNewArray<int>(numberOfElementTypes);
-  if (readFresh(typesDataset, shapes.get(), numberOfElementTypes) != kOk) {
+int Elems::readShapesAndNodeCounts(SourceFile& file, const OpenGroup& container, hid_t typesDataset,
+                                   const Extent& typesExtent) {
+  if (!vectorLength(typesExtent)) {
+    file.report(Trouble::wrongShape, container, layout::kElementTypes,
+                [] { return "has more than one value in a row"; });
+    return kFailed;
+  }
+  const NewArray<int> shapes = tryReadArray<int>(file, container, layout::kElementTypes,
+                                                 typesDataset, typesExtent, numberOfElementTypes);
+  if (!shapes) {
     return kFailed;
   }
   elementTypes = toShapes(shapes.get(), numberOfElementTypes).release();
   NewArray<int> nodeCounts =
-      tryReadInts(file, path, layout::kNumberOfNodesByElement, numberOfElementTypes);
-  if (!nodeCounts || std::any_of(nodeCounts.get(), nodeCounts.get() + numberOfElementTypes,
-                                 [](int count) { return count < 0; })) {
+      tryReadInts(file, container, layout::kNumberOfNodesByElement, numberOfElementTypes);
+  if (!nodeCounts) {
+    return kFailed;
+  }
+  if (std::any_of(nodeCounts.get(), nodeCounts.get() + numberOfElementTypes,
+                  [](int count) { return count < 0; })) {
+    file.report(Trouble::badCount, container, layout::kNumberOfNodesByElement,
+                [] { return "has a negative count"; });
     return kFailed;
   }
   numberOfNodesByElement = nodeCounts.release();
@@ -274,13 +293,15 @@ int Elems::readShapesAndNodeCounts(const SourceFile& file, const char* path, hid
   return kOk;
 }
 
-int Elems::ReadConnectivities(const SourceFile& file, const char* path) {
+int Elems::ReadConnectivities(SourceFile& file, const OpenGroup& container) {
   const std::optional<int> size =
       connectivitySize32(numberOfElementsByType, numberOfNodesByElement, numberOfElementTypes);
   if (!size) {
+    file.report(Trouble::badCount, container, layout::kConnectivities,
+                [] { return "would need more entries than 32 bits count"; });
     return kFailed;
   }
-  NewArray<int> values = tryReadInts(file, path, layout::kConnectivities, *size);
+  NewArray<int> values = tryReadInts(file, container, layout::kConnectivities, *size);
   if (!values) {
     return kFailed;
   }
@@ -288,54 +309,48 @@ int Elems::ReadConnectivities(const SourceFile& file, const char* path) {
   return kOk;
 }
 
-int OrvInputAndOrvOutput::WriteNodes(hid_t file, const char* group) const {
-  if (nodes == nullptr || nodes->numberOfNodes == 0) {
-    return kOk;
-  }
-  Path path(group);
-  return path.append(layout::kNodes) ? nodes->Write(file, path.c_str(), meshDimension) : kFailed;
+int OrvInputAndOrvOutput::WriteNodes(const OpenGroup& document) const {
+  return nodes == nullptr || nodes->numberOfNodes == 0 ? kOk
+                                                       : nodes->Write(document, meshDimension);
 }
 
-int OrvInputAndOrvOutput::WriteEdges(hid_t file, const char* group) const {
-  return writeElems(edges, file, group, layout::kEdges);
+int OrvInputAndOrvOutput::WriteEdges(const OpenGroup& document) const {
+  return writeElems(edges, document, layout::kEdges);
 }
 
-int OrvInputAndOrvOutput::WriteFaces(hid_t file, const char* group) const {
-  return writeElems(faces, file, group, layout::kFaces);
+int OrvInputAndOrvOutput::WriteFaces(const OpenGroup& document) const {
+  return writeElems(faces, document, layout::kFaces);
 }
 
-int OrvInputAndOrvOutput::WriteElements(hid_t file, const char* group) const {
-  return writeElems(elements, file, group, layout::kElements);
+int OrvInputAndOrvOutput::WriteElements(const OpenGroup& document) const {
+  return writeElems(elements, document, layout::kElements);
 }
 
-int OrvInputAndOrvOutput::ReadNodes(const SourceFile& file, const char* group) {
-  Path path(group);
-  if (!path.append(layout::kNodes)) {
-    return kFailed;
-  }
+int OrvInputAndOrvOutput::ReadNodes(SourceFile& file, const OpenGroup& document) {
   if (nodes == nullptr) {
     nodes = std::make_unique<Nodes>().release();
   }
-  const int status = nodes->Read(file, path.c_str(), fileFormatVersion);
-  const bool isWhole = padCoordinates(*nodes, meshDimension);
-  if (nodes->numberOfNodes == 0 || !isWhole) {
+  AnyFailure any;
+  any.add(nodes->Read(file, document, fileFormatVersion));
+  any.add(padCoordinates(file, document, *nodes, meshDimension));
+  if (nodes->numberOfNodes == 0) {
     nodes->DeleteContent();
     const std::unique_ptr<Nodes> removed(nodes);
     nodes = nullptr;
   }
-  return isWhole ? status : kFailed;
+  return any.status();
 }
 
-int OrvInputAndOrvOutput::ReadEdges(const SourceFile& file, const char* group) {
-  return readElems(edges, file, group, layout::kEdges, fileFormatVersion, ORVML_EDGES);
+int OrvInputAndOrvOutput::ReadEdges(SourceFile& file, const OpenGroup& document) {
+  return readElems(edges, file, document, layout::kEdges, fileFormatVersion, ORVML_EDGES);
 }
 
-int OrvInputAndOrvOutput::ReadFaces(const SourceFile& file, const char* group) {
-  return readElems(faces, file, group, layout::kFaces, fileFormatVersion, ORVML_FACES);
+int OrvInputAndOrvOutput::ReadFaces(SourceFile& file, const OpenGroup& document) {
+  return readElems(faces, file, document, layout::kFaces, fileFormatVersion, ORVML_FACES);
 }
 
-int OrvInputAndOrvOutput::ReadElements(const SourceFile& file, const char* group) {
-  return readElems(elements, file, group, layout::kElements, fileFormatVersion, ORVML_ELEMENTS);
+int OrvInputAndOrvOutput::ReadElements(SourceFile& file, const OpenGroup& document) {
+  return readElems(elements, file, document, layout::kElements, fileFormatVersion, ORVML_ELEMENTS);
 }
 
 }  // namespace orvml_io

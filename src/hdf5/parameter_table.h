@@ -1,8 +1,10 @@
 #pragma once
 
-#include "hdf5/id.h"
-#include "hdf5/path.h"
+#include "hdf5/open_group.h"
+#include "hdf5/source_file.h"
 #include "values/attributes_scalar.h"
+
+#include <string>
 
 namespace orvml_io {
 
@@ -13,12 +15,17 @@ namespace orvml_io {
 /// Tells whether a name fits a record with its terminator.
 [[nodiscard]] bool fitsRecord(const std::string& name) noexcept;
 
-/// Makes the table of all parameters, in ascending order of their names. Nothing is made when a
-/// name does not fit.
-[[nodiscard]] int writeParameterTable(hid_t location, const Path& path,
+/// Makes the table of all parameters in the group of a document, in ascending order of their names.
+/// Nothing is made when a name does not fit.
+[[nodiscard]] int writeParameterTable(const OpenGroup& document,
                                       const OML_AttributesScalar<double>& parameters);
 
 /// Sets the parameters that a table holds. Nothing is set when it is none or cannot be read whole.
-[[nodiscard]] int readParameterTable(hid_t dataset, OML_AttributesScalar<double>& parameters);
+///
+/// Fields count by their position, as for HDF5's Table interface: a string of any fixed length,
+/// then a float of any size, whatever their names. Longer names are cut to those that a record
+/// holds.
+[[nodiscard]] int readParameterTable(SourceFile& file, const OpenGroup& document, hid_t dataset,
+                                     OML_AttributesScalar<double>& parameters);
 
 }  // namespace orvml_io

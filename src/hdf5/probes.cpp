@@ -1,7 +1,6 @@
 #include "hdf5/probes.h"
 
 #include "hdf5/extents.h"
-#include "hdf5/kept_open.h"
 
 #include <utility>
 #include <vector>
@@ -10,24 +9,10 @@ namespace orvml_io {
 
 namespace {
 
-/// An attribute that holds exactly one value, and its type in the file.
-struct SingleValue {
-  AttributeId attribute;
-  DatatypeId type;
-};
-
-/// An open attribute that holds exactly one value of the type class; no answer otherwise.
-std::optional<SingleValue> singleValueOf(AttributeId attribute, H5T_class_t typeClass) {
-  if (!attribute.valid()) {
-    return std::nullopt;
-  }
-  DatatypeId type(H5Aget_type(attribute.get()));
-  const DataspaceId space(H5Aget_space(attribute.get()));
-  // A type or a space that could not be had is of no class and has no number of values.
-  if (H5Tget_class(type.get()) != typeClass || H5Sget_simple_extent_npoints(space.get()) != 1) {
-    return std::nullopt;
-  }
-  return SingleValue{std::move(attribute), std::move(type)};
+bool holdsOneValue(hid_t attribute) {
+  const DataspaceId space(H5Aget_space(attribute));
+  // A space that could not be had has no number of values.
+  return H5Sget_simple_extent_npoints(space.get()) == 1;
 }
 
 /// The type in memory of one string: null-terminated, of the character set of the file. HDF5 takes
@@ -85,35 +70,35 @@ std::optional<std::string> readFixedLengthText(hid_t attribute, hid_t fileType,
 }
 
 /// The text of an open attribute that is one string, of fixed or variable length.
-std::optional<std::string> textOf(AttributeId opened) {
-  const std::optional<SingleValue> value = singleValueOf(std::move(opened), H5T_STRING);
-  if (!value) {
+std::optional<std::string> textOf(const AttributeId& attribute) {
+  if (!attribute.valid() || !holdsOneValue(attribute.get())) {
     return std::nullopt;
   }
-  const hid_t attribute = value->attribute.get();
-  const hid_t type = value->type.get();
-  const htri_t isVariable = H5Tis_variable_str(type);
-  return isVariable > 0 ? readVariableLengthText(attribute, type)
-                        : readFixedLengthText(attribute, type, isVariable == 0);
+  const DatatypeId type(H5Aget_type(attribute.get()));
+  if (H5Tget_class(type.get()) != H5T_STRING) {
+    return std::nullopt;
+  }
+  const htri_t isVariable = H5Tis_variable_str(type.get());
+  return isVariable > 0 ? readVariableLengthText(attribute.get(), type.get())
+                        : readFixedLengthText(attribute.get(), type.get(), isVariable == 0);
 }
 
 }  // namespace
 
-bool Orv_H5_GroupExists(const SourceFile& file, const char* path) {
-  const SourceFile::Place place = file.placeOf(path);
-  return H5Gget_objinfo(place.location, place.path, false, nullptr) == 0;
+bool Orv_H5_GroupExists(const OpenGroup& group, const char* subPath) {
+  return H5Gget_objinfo(group.id(), relativeName(subPath), false, nullptr) == 0;
 }
 
 bool Orv_H5_AttributeExists(hid_t location, const char* name) {
   return H5Aexists(location, name) != 0;
 }
 
-int Orv_H5_GetAttributeIfExists(const SourceFile& file, const char* objectPath, const char* name,
+int Orv_H5_GetAttributeIfExists(const SourceFile& file, hid_t object, const char* name,
                                 std::string& text) {
   if (!Orv_H5_AttributeExists(file.id(), name)) {
     return -1;
   }
-  std::optional<std::string> found = textOf(file.tryOpenAttribute(objectPath, name));
+  std::optional<std::string> found = textOf(AttributeId(H5Aopen(object, name, H5P_DEFAULT)));
   if (!found) {
     return -1;
   }
@@ -125,21 +110,18 @@ std::optional<std::string> readRootText(hid_t file, const char* name) {
   return textOf(AttributeId(H5Aopen(file, name, H5P_DEFAULT)));
 }
 
-int Orv_H5_GetVectorDimension(const SourceFile& file, const char* path, std::size_t valueBytes) {
-  DatasetId dataset = file.tryOpenDataset(path);
-  if (!dataset.valid()) {
-    return -1;
-  }
-  const hid_t probe = keepOpen(std::move(dataset), KeptOpen::extentProbe);
-  return vectorLength(probe, valueBytes).value_or(kNotAVector);
+int Orv_H5_GetVectorDimension(hid_t dataset) {
+  const std::optional<Extent> extent = extentOf(dataset);
+  return extent ? vectorLength(*extent).value_or(-1) : -1;
 }
 
-std::optional<int> readIntegerAttribute(const SourceFile& file, const char* objectPath,
-                                        const char* name) {
-  const std::optional<SingleValue> found =
-      singleValueOf(file.tryOpenAttribute(objectPath, name), H5T_INTEGER);
+std::optional<int> readIntegerAttribute(SourceFile& file, const OpenGroup& group,
+                                        const char* subPath, const char* name) {
+  const Opened<AttributeId> attribute = file.openAttribute(group, subPath, name);
   int value = 0;
-  if (!found || H5Aread(found->attribute.get(), H5T_NATIVE_INT, &value) < 0) {
+  // HDF5 itself refuses what is no number.
+  if (!attribute.isObject() || !holdsOneValue(attribute.id.get()) ||
+      H5Aread(attribute.id.get(), H5T_NATIVE_INT, &value) < 0) {
     return std::nullopt;
   }
   return value;

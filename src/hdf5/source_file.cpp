@@ -1,22 +1,28 @@
 #include "hdf5/source_file.h"
 
-#include <cstring>
+#include "hdf5/linked_file.h"
+
+#include <utility>
 
 namespace orvml_io {
 
 namespace {
 
 /// HDF5 calls it before it opens the file behind an external link; a negative answer stops that.
-herr_t refuseExternalLink(const char* /*parentFile*/, const char* /*parentGroup*/,
-                          const char* /*targetFile*/, const char* /*targetObject*/,
-                          unsigned* /*accessFlags*/, hid_t /*fileAccess*/, void* hasRefused) {
-  *static_cast<bool*>(hasRefused) = true;
+template <class Watch>
+herr_t stopAtExternalLink(const char* fileWithLink, const char* /*group*/, const char* target,
+                          const char* /*object*/, unsigned* /*accessFlags*/, hid_t /*fileAccess*/,
+                          void* watch) {
+  auto* told = static_cast<Watch*>(watch);
+  told->wasMet = true;
+  told->leadsToAFile = linkLeadsToAFile(fileWithLink, target);
   return -1;
 }
 
-PropertyListId makeAccess(hid_t listClass, bool& hasRefused) noexcept {
+template <class Watch>
+PropertyListId makeAccess(hid_t listClass, Watch& watch) noexcept {
   PropertyListId access(H5Pcreate(listClass));
-  if (!access.valid() || H5Pset_elink_cb(access.get(), refuseExternalLink, &hasRefused) < 0) {
+  if (!access.valid() || H5Pset_elink_cb(access.get(), stopAtExternalLink<Watch>, &watch) < 0) {
     return PropertyListId();
   }
   return access;
@@ -31,17 +37,6 @@ bool isVirtual(hid_t creation) noexcept {
 #endif
 }
 
-/// What follows the path of a group in the path of an object in it; null when the object is
-/// elsewhere, or the group itself.
-const char* pathBelow(const std::string& group, const char* path) noexcept {
-  if (std::strncmp(path, group.c_str(), group.size()) != 0 || path[group.size()] != '/') {
-    return nullptr;
-  }
-  const char* rest = path + group.size();
-  rest += std::strspn(rest, "/");
-  return *rest == '\0' ? nullptr : rest;
-}
-
 /// Tells whether the values of a dataset lie in its own file.
 bool isSelfContained(hid_t dataset) noexcept {
   if (H5Dget_offset(dataset) != HADDR_UNDEF) {
@@ -52,63 +47,111 @@ bool isSelfContained(hid_t dataset) noexcept {
          H5Pget_external_count(creation.get()) == 0;
 }
 
+std::string pathOf(const OpenGroup& group, std::string_view subPath) {
+  const ssize_t length = H5Iget_name(group.id(), nullptr, 0);
+  std::string path(length > 0 ? static_cast<std::size_t>(length) : 0, '\0');
+  if (length > 0) {
+    (void)H5Iget_name(group.id(), path.data(), path.size() + 1);
+  }
+  if (path == "/") {
+    path.clear();
+  }
+  if (!subPath.empty() && subPath.front() != '/') {
+    path += '/';
+  }
+  return path.append(subPath);
+}
+
 }  // namespace
 
-SourceFile::SourceFile(hid_t file) noexcept
+SourceFile::SourceFile(hid_t file, Diagnosis* diagnosis) noexcept
     : file_(file),
-      datasetAccess_(makeAccess(H5P_DATASET_ACCESS, hasRefused_)),
-      groupAccess_(makeAccess(H5P_GROUP_ACCESS, hasRefused_)) {
+      diagnosis_(diagnosis),
+      budget_(file),
+      datasetAccess_(makeAccess(H5P_DATASET_ACCESS, watch_)),
+      groupAccess_(makeAccess(H5P_GROUP_ACCESS, watch_)) {
   if (!datasetAccess_.valid() || !groupAccess_.valid()) {
     file_ = -1;
   }
 }
 
-DatasetId SourceFile::tryOpenDataset(const char* path) const noexcept {
-  return tryOpenDataset(placeOf(path));
+bool SourceFile::isRefusedAsTooMuch(const OpenGroup& group, std::string_view subPath) {
+  report(Trouble::overBudget, group, subPath,
+         [] { return "would take memory out of proportion to the file"; });
+  return false;
 }
 
-DatasetId SourceFile::tryOpenMember(hid_t group, const std::string& name) const {
-  // A name that begins with a slash, or is empty, still means a member of the group.
-  return tryOpenDataset(Place{group, ("./" + name).c_str()});
+void SourceFile::reportLongPath(const OpenGroup& group, std::string_view subPath) {
+  report(Trouble::longPath, group, subPath, [] { return "has a path that is too long"; });
 }
 
-DatasetId SourceFile::tryOpenDataset(const Place& place) const noexcept {
-  DatasetId dataset(H5Dopen2(place.location, place.path, datasetAccess_.get()));
-  if (dataset.valid() && !isSelfContained(dataset.get())) {
-    hasRefused_ = true;
-    return DatasetId();
+template <class Id>
+Opened<Id> SourceFile::opened(Id id, const OpenGroup& group, std::string_view subPath) {
+  const LinkWatch watch = std::exchange(watch_, LinkWatch());
+  if (id.valid()) {
+    return {Found::object, std::move(id)};
+  }
+  if (watch.leadsToAFile) {
+    report(Trouble::otherFile, group, subPath, [] { return "is a link to another file"; });
+    return {Found::refused, Id()};
+  }
+  if (watch.wasMet || lastFailureWasAbsence()) {
+    return {Found::absent, Id()};
+  }
+  report(Trouble::unopenable, group, subPath, [] { return "cannot be opened"; });
+  return {Found::failed, Id()};
+}
+
+Opened<DatasetId> SourceFile::openDatasetAs(const char* relativeName, const OpenGroup& group,
+                                            std::string_view subPath) {
+  Opened<DatasetId> dataset =
+      opened(DatasetId(H5Dopen2(group.id(), relativeName, datasetAccess_.get())), group, subPath);
+  if (dataset.isObject() && !isSelfContained(dataset.id.get())) {
+    report(Trouble::otherFile, group, subPath, [] { return "has its values in another file"; });
+    dataset.found = Found::refused;
   }
   return dataset;
 }
 
-GroupId SourceFile::tryOpenGroup(const Path& path) const noexcept {
-  const Place place = placeOf(path.c_str());
-  return GroupId(H5Gopen2(place.location, place.path, groupAccess_.get()));
-}
-
-bool SourceFile::tryKeepGroup(const Path& path, KeptOpen why) const {
-  keptGroups_.reserve(keptGroups_.size() + 1);
-  std::string prefix(path.c_str());
-  GroupId group = tryOpenGroup(path);
-  if (!group.valid()) {
-    return false;
+Opened<DatasetId> SourceFile::openDataset(const OpenGroup& group, const char* subPath) {
+  if (!group.fits(subPath)) {
+    reportLongPath(group, subPath);
+    return {Found::refused, DatasetId()};
   }
-  keptGroups_.push_back({std::move(prefix), keepOpen(std::move(group), why)});
-  return true;
+  return openDatasetAs(relativeName(subPath), group, subPath);
 }
 
-SourceFile::Place SourceFile::placeOf(const char* path) const noexcept {
-  for (auto group = keptGroups_.rbegin(); group != keptGroups_.rend(); ++group) {
-    const char* rest = pathBelow(group->path, path);
-    if (rest != nullptr) {
-      return {group->id, rest};
-    }
+Opened<DatasetId> SourceFile::openMember(const OpenGroup& group, const std::string& name) {
+  if (!group.fitsMember(name)) {
+    reportLongPath(group, name);
+    return {Found::refused, DatasetId()};
   }
-  return {file_, path};
+  // A name that begins with a slash, or is empty, still means a member of the group.
+  return openDatasetAs(("./" + name).c_str(), group, name);
 }
 
-AttributeId SourceFile::tryOpenAttribute(const char* objectPath, const char* name) const noexcept {
-  return AttributeId(H5Aopen_by_name(file_, objectPath, name, H5P_DEFAULT, groupAccess_.get()));
+Opened<GroupId> SourceFile::openGroup(const OpenGroup& group, const char* subPath) {
+  if (!group.fits(subPath)) {
+    reportLongPath(group, subPath);
+    return {Found::refused, GroupId()};
+  }
+  return opened(GroupId(H5Gopen2(group.id(), relativeName(subPath), groupAccess_.get())), group,
+                subPath);
+}
+
+Opened<AttributeId> SourceFile::openAttribute(const OpenGroup& group, const char* subPath,
+                                              const char* name) {
+  return opened(AttributeId(H5Aopen_by_name(group.id(), relativeName(subPath), name, H5P_DEFAULT,
+                                            groupAccess_.get())),
+                group, subPath);
+}
+
+void SourceFile::add(Trouble trouble, const OpenGroup& group, std::string_view subPath,
+                     const std::string& sentence) {
+  std::string reason = lastHdf5Reason();  // before the next call of HDF5 takes it away
+  std::string path = pathOf(group, subPath);
+  std::string whole = path + " " + sentence;
+  diagnosis_->add({trouble, std::move(path), std::move(whole), std::move(reason)});
 }
 
 }  // namespace orvml_io

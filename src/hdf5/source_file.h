@@ -1,24 +1,46 @@
 #pragma once
 
+#include "hdf5/diagnosis.h"
+#include "hdf5/extents.h"
 #include "hdf5/id.h"
 #include "hdf5/kept_open.h"
-#include "hdf5/path.h"
+#include "hdf5/open_group.h"
+#include "hdf5/read_budget.h"
 
+#include <cstddef>
+#include <optional>
 #include <string>
-#include <vector>
+#include <string_view>
 
 namespace orvml_io {
 
-/// A file that is read, and the rule that everything read comes from that file: what a link or a
-/// storage description draws from another one is refused, so that a file from outside cannot make
-/// a process read the files of its user.
-///
-/// Refused are external links, also behind soft links, external raw storage and virtual datasets.
-/// They cannot be told from a missing object by the identifier alone; `hasRefused` tells.
+/// What opening something in a file came to. Each step of a reader maps it by a rule of its own.
+enum class Found {
+  object,   ///< it is open
+  absent,   ///< there is nothing; a link that leads nowhere counts as nothing, in any file
+  refused,  ///< a rule of ours keeps it out: it lies in another file, or its path is too long
+  failed    ///< there is something, and HDF5 cannot open it as what it should be
+};
+
+/// What was found, and its identifier when it is open.
+template <class Id>
+struct Opened {
+  Found found = Found::absent;
+  Id id;
+
+  [[nodiscard]] bool isObject() const noexcept { return found == Found::object; }
+  [[nodiscard]] bool isRefused() const noexcept { return found == Found::refused; }
+};
+
+/// One read of a file: what it may still take, who is told of trouble, and the rule that everything
+/// comes from that file. What a link or a storage description draws from another one is refused, so
+/// that a file from outside cannot make a process read the files of its user. That is an external
+/// link to a file that exists, also behind soft links, external raw storage and virtual datasets.
 class SourceFile {
  public:
-  /// Borrows the file. Implicit, because readers are handed HDF5's own identifier.
-  SourceFile(hid_t file) noexcept;
+  /// Borrows the file, and the diagnosis when there is one. Implicit, because readers are handed
+  /// HDF5's own identifier.
+  SourceFile(hid_t file, Diagnosis* diagnosis = nullptr) noexcept;
   SourceFile(const SourceFile&) = delete;
   SourceFile& operator=(const SourceFile&) = delete;
   SourceFile(SourceFile&&) = delete;
@@ -27,41 +49,72 @@ class SourceFile {
 
   [[nodiscard]] bool valid() const noexcept { return file_ >= 0; }
   [[nodiscard]] hid_t id() const noexcept { return file_; }
+  [[nodiscard]] OpenGroup root() const noexcept { return {file_, 0}; }
 
-  /// Tells whether anything that was asked for came from another file.
-  [[nodiscard]] bool hasRefused() const noexcept { return hasRefused_; }
+  /// A dataset that is refused because of its storage alone is open all the same: its extent may be
+  /// asked for, its values may not.
+  [[nodiscard]] Opened<DatasetId> openDataset(const OpenGroup& group, const char* subPath);
+  /// Opens a dataset by the name of its link.
+  [[nodiscard]] Opened<DatasetId> openMember(const OpenGroup& group, const std::string& name);
+  [[nodiscard]] Opened<GroupId> openGroup(const OpenGroup& group, const char* subPath);
+  /// Opens an attribute of the object at a sub-path, whatever its kind.
+  [[nodiscard]] Opened<AttributeId> openAttribute(const OpenGroup& group, const char* subPath,
+                                                  const char* name);
 
-  [[nodiscard]] DatasetId tryOpenDataset(const char* path) const noexcept;
-  [[nodiscard]] DatasetId tryOpenDataset(const Path& path) const noexcept {
-    return tryOpenDataset(path.c_str());
+  /// Takes what reading an object costs from what the read may still take. Returns whether it
+  /// could; else nothing was taken.
+  [[nodiscard]] bool affords(const OpenGroup& group, std::string_view subPath,
+                             const ReadCost& cost) {
+    return budget_.take(cost) || isRefusedAsTooMuch(group, subPath);
   }
-  /// Opens a dataset by the name of its link in an open group.
-  [[nodiscard]] DatasetId tryOpenMember(hid_t group, const std::string& name) const;
-  [[nodiscard]] GroupId tryOpenGroup(const Path& path) const noexcept;
-  /// Opens a group that stays open by contract. Returns whether it could be opened. Everything
-  /// below it is looked up from there from then on, which spares the way from the root.
-  [[nodiscard]] bool tryKeepGroup(const Path& path, KeptOpen why) const;
-  [[nodiscard]] AttributeId tryOpenAttribute(const char* objectPath,
-                                             const char* name) const noexcept;
 
-  /// The same object as an absolute path names, as seen from the nearest group that is kept open.
-  struct Place {
-    hid_t location;
-    const char* path;
-  };
-  [[nodiscard]] Place placeOf(const char* path) const noexcept;
+  /// Tells whether a cost could be taken, without taking it.
+  [[nodiscard]] bool couldAfford(const OpenGroup& group, std::string_view subPath,
+                                 const ReadCost& cost) {
+    return budget_.covers(cost) || isRefusedAsTooMuch(group, subPath);
+  }
+
+  /// Tells the diagnosis, when there is one, of an object below a group.
+  ///
+  /// @param subPath   a sub-path, or the name of a member, which brings no slash
+  /// @param sentence  a function that gives what is said of the object: what follows its path
+  template <class Sentence>
+  void report(Trouble trouble, const OpenGroup& group, std::string_view subPath,
+              Sentence sentence) {
+    if (diagnosis_ != nullptr) {
+      add(trouble, group, subPath, sentence());
+    }
+  }
+
+  /// Reports an object that a document should have and lacks. What could not be opened has been
+  /// reported by then.
+  void reportIfAbsent(Found found, const OpenGroup& group, std::string_view subPath) {
+    if (found == Found::absent) {
+      report(Trouble::missing, group, subPath, [] { return "is missing"; });
+    }
+  }
 
  private:
-  struct KeptGroup {
-    std::string path;
-    hid_t id;
+  /// Told by HDF5 before it follows an external link; see source_file.cpp.
+  struct LinkWatch {
+    bool wasMet = false;
+    bool leadsToAFile = false;
   };
 
-  [[nodiscard]] DatasetId tryOpenDataset(const Place& place) const noexcept;
+  template <class Id>
+  [[nodiscard]] Opened<Id> opened(Id id, const OpenGroup& group, std::string_view subPath);
+  [[nodiscard]] Opened<DatasetId> openDatasetAs(const char* relativeName, const OpenGroup& group,
+                                                std::string_view subPath);
+  /// Reports the object. Returns false.
+  [[nodiscard]] bool isRefusedAsTooMuch(const OpenGroup& group, std::string_view subPath);
+  void reportLongPath(const OpenGroup& group, std::string_view subPath);
+  void add(Trouble trouble, const OpenGroup& group, std::string_view subPath,
+           const std::string& sentence);
 
   hid_t file_;
-  mutable std::vector<KeptGroup> keptGroups_;  // a group comes after the ones around it
-  mutable bool hasRefused_ = false;  // HDF5's callback sets it while an object is being opened
+  Diagnosis* diagnosis_;
+  ReadBudget budget_;
+  LinkWatch watch_;  // before the lists that point to it
   PropertyListId datasetAccess_;
   PropertyListId groupAccess_;  // also that of links, of whose lists it is one
 };

@@ -12,9 +12,8 @@
 #include "hdf5/probes.h"
 #include "hdf5/source_file.h"
 #include "hdf5/status.h"
+#include "hdf5/vector_batch.h"
 #include "model/document.h"
-
-#include <hdf5_hl.h>
 
 #include <cstdlib>
 #include <utility>
@@ -24,15 +23,29 @@ namespace orvml_io {
 
 namespace {
 
-int writeMember(hid_t group, const Path& path, const OML_AttributesVector::Entry& entry) {
+DatasetId createMember(const OpenGroup& group, const std::string& name,
+                       const OML_AttributesVector::Entry& entry) {
   switch (entry.code) {
     case kIntCode:
-      return makeVector(group, path, entry.length, static_cast<const int*>(entry.data));
+      return createMember(group, name, entry.length, static_cast<const int*>(entry.data));
     case kDoubleCode:
-      return makeVector(group, path, entry.length, static_cast<const double*>(entry.data));
+      return createMember(group, name, entry.length, static_cast<const double*>(entry.data));
     default:
-      return kFailed;
+      return DatasetId();
   }
+}
+
+int writeMember(const OpenGroup& group, const std::string& name,
+                const OML_AttributesVector::Entry& entry) {
+  if (!fitsRecord(name)) {
+    return kFailed;
+  }
+  DatasetId dataset = createMember(group, name, entry);
+  if (dataset.valid() && entry.mustBeTransmitted) {
+    // Contract: a flag that cannot be written is no failure; readers never find it anyway.
+    (void)setInteger(dataset.get(), layout::kMustBeTransmitted, 1);
+  }
+  return dataset.valid() && dataset.close() >= 0 ? kOk : kFailed;
 }
 
 H5T_class_t typeClassOf(hid_t dataset) {
@@ -40,45 +53,41 @@ H5T_class_t typeClassOf(hid_t dataset) {
   return type.valid() ? H5Tget_class(type.get()) : H5T_NO_CLASS;
 }
 
-/// Reads a vector straight into the block of its entry.
-template <class T>
-int readMember(hid_t dataset, const std::string& name, char code, bool mustBeTransmitted,
-               OML_AttributesVector& store) {
-  const std::optional<int> length = vectorLength(dataset, sizeof(T));
-  if (!length) {
-    return kFailed;
-  }
-  MallocBlock block = makeBlock(*length, sizeof(T));
-  if (readFresh(dataset, static_cast<T*>(block.get()), *length) != kOk) {
-    return kFailed;
-  }
-  store.SetBlock(name.c_str(), std::move(block), code, *length, mustBeTransmitted);
-  return kOk;
-}
-
 /// Contract: the flag is looked for on the group, and only when the root group has an attribute of
 /// that name, while writers put it on the members. Files of this library read back without flags.
-bool readMustBeTransmitted(const SourceFile& file, const char* groupPath) {
+bool readMustBeTransmitted(const SourceFile& file, const OpenGroup& group) {
   std::string text;
-  return Orv_H5_GetAttributeIfExists(file, groupPath, layout::kMustBeTransmitted, text) >= 0 &&
+  return Orv_H5_GetAttributeIfExists(file, group.id(), layout::kMustBeTransmitted, text) >= 0 &&
          std::strtol(text.c_str(), nullptr, 10) != 0;
 }
 
-/// Reads the member of a group behind one link. A link that is no dataset, and a dataset that holds
+int addVector(SourceFile& file, const OpenGroup& group, const std::string& name, hid_t dataset,
+              char code, VectorBatch& batch) {
+  const std::optional<Extent> extent = extentOf(dataset);
+  const std::optional<int> length = extent ? vectorLength(*extent) : std::nullopt;
+  if (!length) {
+    file.report(Trouble::wrongShape, group, name, [] { return "is no vector"; });
+    return kFailed;
+  }
+  batch.add({name, 0, dataset, code, *length}, *extent);
+  return kOk;
+}
+
+/// Opens the member of a group behind one link. A link that is no dataset, and a dataset that holds
 /// neither integers nor floats, is skipped.
-int readLinkedMember(const SourceFile& file, hid_t group, const std::string& name,
-                     bool mustBeTransmitted, OML_AttributesVector& store) {
-  DatasetId opened = file.tryOpenMember(group, name);
-  if (!opened.valid()) {
-    return kOk;
+int addLinkedMember(SourceFile& file, const OpenGroup& group, const std::string& name,
+                    VectorBatch& batch) {
+  Opened<DatasetId> opened = file.openMember(group, name);
+  if (!opened.isObject()) {
+    return opened.isRefused() ? kFailed : kOk;
   }
   // The identifier that tells the extents stays open; the values are read through it too.
-  const hid_t dataset = keepOpen(std::move(opened), KeptOpen::extentProbe);
+  const hid_t dataset = keepOpen(std::move(opened.id), KeptOpen::extentProbe);
   switch (typeClassOf(dataset)) {
     case H5T_INTEGER:
-      return readMember<int>(dataset, name, kIntCode, mustBeTransmitted, store);
+      return addVector(file, group, name, dataset, kIntCode, batch);
     case H5T_FLOAT:
-      return readMember<double>(dataset, name, kDoubleCode, mustBeTransmitted, store);
+      return addVector(file, group, name, dataset, kDoubleCode, batch);
     case H5T_NO_CLASS:
       return kFailed;
     default:
@@ -86,123 +95,106 @@ int readLinkedMember(const SourceFile& file, hid_t group, const std::string& nam
   }
 }
 
-bool fitsPath(const char* groupPath, const std::string& name) {
-  return Path(groupPath).appendMember(name);
-}
-
-int readAttributes(const SourceFile& file, const char* containerPath, int count,
+int readAttributes(SourceFile& file, const OpenGroup& container, int count,
                    const char* formatVersion, ORVML_TYPE_OF_ENTITY entity,
                    OML_AttributesVector& attributes) {
-  Path path(containerPath);
-  if (!file.valid() || !path.append(layout::kAttributes)) {
+  if (!file.valid()) {
     return kFailed;
   }
   if (isBelowNamedFormat(formatVersion)) {
-    return ReadAttributesOld(file, containerPath, count, attributes, entity);
+    return ReadAttributesOld(file, container, count, attributes, entity);
   }
-  return attributes.HDF5Read(file, path.c_str());
+  return attributes.HDF5Read(file, container, layout::kAttributes);
 }
 
 }  // namespace
 
-int OrvInputAndOrvOutput::WriteParametersScalar(hid_t file, const char* group,
+int OrvInputAndOrvOutput::WriteParametersScalar(const OpenGroup& document,
                                                 const char* version) const {
   if (isNotAtLeastNamedFormat(version)) {
-    return WriteParametersScalarOld(file, group);
+    return WriteParametersScalarOld(document);
   }
-  Path path(group);
-  if (!path.append(layout::kParameters)) {
-    return kFailed;
-  }
-  if (parametersScalar.count() == 0) {
-    return kOk;
-  }
-  return writeParameterTable(file, path, parametersScalar);
+  return parametersScalar.count() == 0 ? kOk : writeParameterTable(document, parametersScalar);
 }
 
-int OrvInputAndOrvOutput::ReadParametersScalar(const SourceFile& file, const char* group) {
+int OrvInputAndOrvOutput::ReadParametersScalar(SourceFile& file, const OpenGroup& document) {
   if (!file.valid()) {
     return kFailed;
   }
   if (isNotAtLeastNamedFormat(fileFormatVersion)) {
-    return ReadParametersScalarOld(file, group);
+    return ReadParametersScalarOld(file, document);
   }
-  Path path(group);
-  if (!path.append(layout::kParameters)) {
-    return kFailed;
-  }
-  const DatasetId dataset = file.tryOpenDataset(path);
-  if (!dataset.valid()) {
+  const Opened<DatasetId> dataset = file.openDataset(document, layout::kParameters);
+  if (!dataset.isObject()) {
+    file.reportIfAbsent(dataset.found, document, layout::kParameters);
     return kFailed;  // Contract: a document without scalar parameters has no table and reports 1.
   }
-  return readParameterTable(dataset.get(), parametersScalar);
+  return readParameterTable(file, document, dataset.id.get(), parametersScalar);
 }
 
-int OrvInputAndOrvOutput::WriteParametersVector(hid_t file, const char* group,
+int OrvInputAndOrvOutput::WriteParametersVector(const OpenGroup& document,
                                                 const char* version) const {
-  Path path(group);
-  if (file < 0 || !path.append(layout::kParametersVector)) {
+  if (document.id() < 0) {
     return kFailed;
   }
-  return isBelowNamedFormat(version) ? WriteParametersVectorOld(file, group)
-                                     : parametersVector.HDF5Write(file, path.c_str());
+  return isBelowNamedFormat(version)
+             ? WriteParametersVectorOld(document)
+             : parametersVector.HDF5Write(document, layout::kParametersVector);
 }
 
-int OrvInputAndOrvOutput::ReadParametersVector(const SourceFile& file, const char* group) {
-  Path path(group);
-  if (!file.valid() || !path.append(layout::kParametersVector)) {
+int OrvInputAndOrvOutput::ReadParametersVector(SourceFile& file, const OpenGroup& document) {
+  if (!file.valid()) {
     return kFailed;
   }
-  return isBelowNamedFormat(fileFormatVersion) ? ReadParametersVectorOld(file, group)
-                                               : parametersVector.HDF5Read(file, path.c_str());
+  return isBelowNamedFormat(fileFormatVersion)
+             ? ReadParametersVectorOld(file, document)
+             : parametersVector.HDF5Read(file, document, layout::kParametersVector);
 }
 
-int Nodes::ReadAttributes(const SourceFile& file, const char* path, int count,
+int Nodes::ReadAttributes(SourceFile& file, const OpenGroup& container, int count,
                           const char* formatVersion) {
-  return readAttributes(file, path, count, formatVersion, ORVML_NODES, attributes);
+  return readAttributes(file, container, count, formatVersion, ORVML_NODES, attributes);
 }
 
-int Elems::ReadAttributes(const SourceFile& file, const char* path, int count,
+int Elems::ReadAttributes(SourceFile& file, const OpenGroup& container, int count,
                           const char* formatVersion, ORVML_TYPE_OF_ENTITY entity) {
-  return readAttributes(file, path, count, formatVersion, entity, attributes);
+  return readAttributes(file, container, count, formatVersion, entity, attributes);
 }
 
-int OML_AttributesVector::HDF5Write(hid_t file, const char* groupPath) const {
+int OML_AttributesVector::HDF5Write(const OpenGroup& parent, const char* subPath) const {
   if (count() == 0) {
     return kOk;
   }
-  const GroupId group = createGroupIfAbsent(file, Path(groupPath));
+  const GroupId created = createGroupIfAbsent(parent, subPath);
+  const OpenGroup group = parent.below(created.get(), subPath);
   for (const auto& [name, entry] : *this) {
-    Path path(".");  // a name that begins with a slash still means a member of the group
-    if (!fitsRecord(name) || !fitsPath(groupPath, name) || !path.appendMember(name) ||
-        writeMember(group.get(), path, entry) != kOk) {
+    if (writeMember(group, name, entry) != kOk) {
       return kFailed;
-    }
-    if (entry.mustBeTransmitted) {
-      const int flag = 1;
-      // Contract: a flag that cannot be written is no failure; readers never find it anyway.
-      (void)H5LTset_attribute_int(group.get(), path.c_str(), layout::kMustBeTransmitted, &flag, 1);
     }
   }
   return kOk;
 }
 
-int OML_AttributesVector::HDF5Read(const SourceFile& file, const char* groupPath) {
-  const GroupId group = file.tryOpenGroup(Path(groupPath));
-  if (!group.valid()) {
-    return kOk;
+int OML_AttributesVector::HDF5Read(SourceFile& file, const OpenGroup& parent, const char* subPath) {
+  const Opened<GroupId> opened = file.openGroup(parent, subPath);
+  if (!opened.isObject()) {
+    return opened.isRefused() ? kFailed : kOk;
   }
-  const std::optional<std::vector<std::string>> names = linkNames(group.get());
+  const OpenGroup group = parent.below(opened.id.get(), subPath);
+  const std::optional<std::vector<std::string>> names = linkNames(group.id());
   if (!names) {
+    file.report(Trouble::unreadable, group, "", [] { return "cannot be listed"; });
     return kFailed;
   }
-  const bool mustBeTransmitted = !names->empty() && readMustBeTransmitted(file, groupPath);
+  const bool mustBeTransmitted = !names->empty() && readMustBeTransmitted(file, group);
+  VectorBatch batch(file, group);
   AnyFailure any;
   for (const std::string& name : *names) {
-    any.add(fitsPath(groupPath, name)
-                ? readLinkedMember(file, group.get(), name, mustBeTransmitted, *this)
-                : kFailed);
+    any.add(addLinkedMember(file, group, name, batch));
   }
+  any.add(batch.read([&](const OpenVector& vector, MallocBlock block) {
+    SetBlock(vector.link.c_str(), std::move(block), vector.code, vector.length, mustBeTransmitted);
+  }));
   return any.status();
 }
 

@@ -96,34 +96,34 @@ class OrvInputAndOrvOutput {
   // Exchange file: root attributes and dimension (src/hdf5/document_io.cpp)
   [[nodiscard]] int WriteIOCreator(hid_t file) const;
   [[nodiscard]] int WriteModuleNameAndVersion(hid_t file) const;
-  int ReadIOCreator(const SourceFile& file);
-  int ReadModuleNameAndVersion(const SourceFile& file);
-  int ReadFormatVersion(const SourceFile& file);
-  [[nodiscard]] int ReadSpatialDimension(const SourceFile& file, const char* group);
+  int ReadIOCreator(SourceFile& file);
+  int ReadModuleNameAndVersion(SourceFile& file);
+  int ReadFormatVersion(SourceFile& file);
+  [[nodiscard]] int ReadSpatialDimension(SourceFile& file, const OpenGroup& document);
   [[nodiscard]] int WriteCommonPart(hid_t file, const char* group, const char* version) const;
-  [[nodiscard]] int ReadCommonPart(const SourceFile& file, const char* group);
+  [[nodiscard]] int ReadCommonPart(SourceFile& file, const char* group);
 
   // Exchange file: containers (src/hdf5/mesh_datasets.cpp)
-  [[nodiscard]] int WriteNodes(hid_t file, const char* group) const;
-  [[nodiscard]] int WriteEdges(hid_t file, const char* group) const;
-  [[nodiscard]] int WriteFaces(hid_t file, const char* group) const;
-  [[nodiscard]] int WriteElements(hid_t file, const char* group) const;
-  [[nodiscard]] int ReadNodes(const SourceFile& file, const char* group);
-  [[nodiscard]] int ReadEdges(const SourceFile& file, const char* group);
-  [[nodiscard]] int ReadFaces(const SourceFile& file, const char* group);
-  [[nodiscard]] int ReadElements(const SourceFile& file, const char* group);
+  [[nodiscard]] int WriteNodes(const OpenGroup& document) const;
+  [[nodiscard]] int WriteEdges(const OpenGroup& document) const;
+  [[nodiscard]] int WriteFaces(const OpenGroup& document) const;
+  [[nodiscard]] int WriteElements(const OpenGroup& document) const;
+  [[nodiscard]] int ReadNodes(SourceFile& file, const OpenGroup& document);
+  [[nodiscard]] int ReadEdges(SourceFile& file, const OpenGroup& document);
+  [[nodiscard]] int ReadFaces(SourceFile& file, const OpenGroup& document);
+  [[nodiscard]] int ReadElements(SourceFile& file, const OpenGroup& document);
 
   // Exchange file: parameters (src/hdf5/value_datasets.cpp)
-  [[nodiscard]] int WriteParametersScalar(hid_t file, const char* group, const char* version) const;
-  [[nodiscard]] int ReadParametersScalar(const SourceFile& file, const char* group);
-  [[nodiscard]] int WriteParametersVector(hid_t file, const char* group, const char* version) const;
-  [[nodiscard]] int ReadParametersVector(const SourceFile& file, const char* group);
+  [[nodiscard]] int WriteParametersScalar(const OpenGroup& document, const char* version) const;
+  [[nodiscard]] int ReadParametersScalar(SourceFile& file, const OpenGroup& document);
+  [[nodiscard]] int WriteParametersVector(const OpenGroup& document, const char* version) const;
+  [[nodiscard]] int ReadParametersVector(SourceFile& file, const OpenGroup& document);
 
   // Exchange file: parameters of formats older than 1.4 (src/hdf5/legacy_layouts.cpp)
-  [[nodiscard]] int WriteParametersScalarOld(hid_t file, const char* group) const;
-  [[nodiscard]] int ReadParametersScalarOld(const SourceFile& file, const char* group);
-  [[nodiscard]] int WriteParametersVectorOld(hid_t file, const char* group) const;
-  [[nodiscard]] int ReadParametersVectorOld(const SourceFile& file, const char* group);
+  [[nodiscard]] int WriteParametersScalarOld(const OpenGroup& document) const;
+  [[nodiscard]] int ReadParametersScalarOld(SourceFile& file, const OpenGroup& document);
+  [[nodiscard]] int WriteParametersVectorOld(const OpenGroup& document) const;
+  [[nodiscard]] int ReadParametersVectorOld(SourceFile& file, const OpenGroup& document);
 };
 
 /// Tells whether a document that is read may have the dimension.
@@ -144,7 +144,7 @@ class OrvInput : public OrvInputAndOrvOutput {
   /// callers hand in documents of either kind.
   [[nodiscard]] static int Write(const OrvInputAndOrvOutput& document, hid_t file,
                                  const char* version);
-  [[nodiscard]] int Read(const SourceFile& file);
+  [[nodiscard]] int Read(SourceFile& file);
 };
 
 /// The document that a meshing module sends back.
@@ -153,7 +153,7 @@ class OrvOutput : public OrvInputAndOrvOutput {
   /// Writes a document as the output of a file, likewise.
   [[nodiscard]] static int Write(const OrvInputAndOrvOutput& document, hid_t file,
                                  const char* version);
-  [[nodiscard]] int Read(const SourceFile& file);
+  [[nodiscard]] int Read(SourceFile& file);
 };
 
 /// Turns a document into its handle. A handle always points to the base class, whichever the kind.

@@ -5,6 +5,8 @@
 
 namespace orvml_io {
 
+struct Extent;  // src/hdf5/extents.h
+
 /// The cells of one kind (edges, faces or volume elements) of a document, in consecutive type
 /// groups: all cells of a group have one shape and one number of nodes.
 class Elems {
@@ -49,22 +51,24 @@ class Elems {
   /// the caller stay referenced, so their number, shapes and node counts are still answered.
   void DeleteContent() noexcept;
 
-  /// Writes the container's group; see src/hdf5/mesh_datasets.cpp.
-  [[nodiscard]] int Write(hid_t file, const char* path) const;
-  [[nodiscard]] int WriteElementTypes(hid_t file, const char* path) const;
-  [[nodiscard]] int WriteConnectivities(hid_t file, const char* path) const;
+  /// Writes the container's group at a sub-path of the document's, which tells edges, faces and
+  /// volume elements apart; see src/hdf5/mesh_datasets.cpp.
+  [[nodiscard]] int Write(const OpenGroup& document, const char* subPath) const;
+  [[nodiscard]] int WriteElementTypes(const OpenGroup& container) const;
+  [[nodiscard]] int WriteConnectivities(const OpenGroup& container) const;
   /// Reads the container's group into this (empty) container.
-  [[nodiscard]] int Read(const SourceFile& file, const char* path, const char* formatVersion,
-                         ORVML_TYPE_OF_ENTITY entity);
-  [[nodiscard]] int ReadElementTypes(const SourceFile& file, const char* path);
-  [[nodiscard]] int ReadConnectivities(const SourceFile& file, const char* path);
+  [[nodiscard]] int Read(SourceFile& file, const OpenGroup& document, const char* subPath,
+                         const char* formatVersion, ORVML_TYPE_OF_ENTITY entity);
+  [[nodiscard]] int ReadElementTypes(SourceFile& file, const OpenGroup& container);
+  [[nodiscard]] int ReadConnectivities(SourceFile& file, const OpenGroup& container);
   /// Reads the attribute vectors in the layout of the format version.
-  [[nodiscard]] int ReadAttributes(const SourceFile& file, const char* path, int count,
+  [[nodiscard]] int ReadAttributes(SourceFile& file, const OpenGroup& container, int count,
                                    const char* formatVersion, ORVML_TYPE_OF_ENTITY entity);
 
  private:
-  [[nodiscard]] int readShapesAndNodeCounts(const SourceFile& file, const char* path,
-                                            hid_t typesDataset);
+  [[nodiscard]] int readCellCounts(SourceFile& file, const OpenGroup& container);
+  [[nodiscard]] int readShapesAndNodeCounts(SourceFile& file, const OpenGroup& container,
+                                            hid_t typesDataset, const Extent& typesExtent);
 };
 
 }  // namespace orvml_io

@@ -17,11 +17,16 @@ inline constexpr std::size_t kNameBytes = 80;
 /// Most values of an array or entries of a list: the file format counts with 32-bit integers.
 inline constexpr int kMostValues = INT_MAX;
 
-/// A dataset of more bytes than this is read only when enough of it is stored.
-inline constexpr std::size_t kUnstoredBytesTolerated = std::size_t{1} << 20;
+/// How often one read may draw on the size of its file: every byte once, and a few datasets again
+/// that honest files have several links to.
+inline constexpr unsigned kDrawsPerFile = 4;
 
-/// The best that deflate can do: no honest dataset stores less than its size divided by this.
-inline constexpr std::size_t kBestCompressionRatio = 1100;
+/// The best that deflate can do. Values beyond it, in the file's own type, count as not stored, and
+/// so they do behind any other filter.
+inline constexpr unsigned kBestCompressionRatio = 1100;
+
+/// Memory for values that a file does not store, such as fill values, in one read.
+inline constexpr std::size_t kUnstoredBytesPerRead = std::size_t{64} << 20;
 
 /// Node numbers behind the end of the connectivities that one block of the text export may print:
 /// so many for each one held, and some for small meshes. Meshes of cells of up to 32 nodes, none of

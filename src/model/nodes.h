@@ -41,12 +41,12 @@ class Nodes {
   /// src/compare/equality.cpp.
   bool IsEqual(const Nodes* other, int dimension) const;
 
-  /// Writes the container's group; see src/hdf5/mesh_datasets.cpp.
-  [[nodiscard]] int Write(hid_t file, const char* path, int dimension) const;
-  /// Reads the container's group into this (empty) container.
-  [[nodiscard]] int Read(const SourceFile& file, const char* path, const char* formatVersion);
+  /// Writes the container's group below that of the document; see src/hdf5/mesh_datasets.cpp.
+  [[nodiscard]] int Write(const OpenGroup& document, int dimension) const;
+  /// Reads the container's group below that of the document into this (empty) container.
+  [[nodiscard]] int Read(SourceFile& file, const OpenGroup& document, const char* formatVersion);
   /// Reads the attribute vectors in the layout of the format version.
-  [[nodiscard]] int ReadAttributes(const SourceFile& file, const char* path, int count,
+  [[nodiscard]] int ReadAttributes(SourceFile& file, const OpenGroup& container, int count,
                                    const char* formatVersion);
 };
 

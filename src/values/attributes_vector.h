@@ -12,6 +12,7 @@
 
 namespace orvml_io {
 
+class OpenGroup;   // src/hdf5/open_group.h
 class SourceFile;  // src/hdf5/source_file.h
 
 inline constexpr char kIntCode = 'i';
@@ -62,12 +63,13 @@ class OML_AttributesVector {
   /// Releases every block and removes all entries.
   void DeleteAll() noexcept;
 
-  /// Writes the store as a group of datasets, nothing when it is empty. Returns 0 or 1.
-  [[nodiscard]] int HDF5Write(hid_t file, const char* groupPath) const;
+  /// Writes the store as a group of datasets at a sub-path of another group, nothing when it is
+  /// empty. Returns 0 or 1.
+  [[nodiscard]] int HDF5Write(const OpenGroup& parent, const char* subPath) const;
 
   /// Adds the int and float datasets of a group to the store; a missing group adds nothing and is
   /// no error. Returns 1 when a member could not be read; the others are read all the same.
-  [[nodiscard]] int HDF5Read(const SourceFile& file, const char* groupPath);
+  [[nodiscard]] int HDF5Read(SourceFile& file, const OpenGroup& parent, const char* subPath);
 
   /// Returns the entry of a name, valid until the store changes; null when the name is absent.
   const Entry* find(std::string_view name) const;
