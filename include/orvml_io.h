@@ -150,6 +150,13 @@ ORVML_IO_EXPORT void* OrvML_IO_NewOrvInputHandle(void* source);
 /// @return a new handle; release it with OrvML_IO_DeleteOrvOutputHandle()
 ORVML_IO_EXPORT void* OrvML_IO_NewOrvOutputHandle(void* source);
 
+/// Pointers to anything but a document are no source: a name that is not const would otherwise be
+/// taken for a handle.
+template <class T>
+void* OrvML_IO_NewOrvInputHandle(T* notADocument) = delete;
+template <class T>
+void* OrvML_IO_NewOrvOutputHandle(T* notADocument) = delete;
+
 /// Creates an input document with its identification and node coordinates.
 ///
 /// The first four parameters are those of OrvML_IO_NewOrvInputHandle().
@@ -188,8 +195,10 @@ ORVML_IO_EXPORT void* OrvML_IO_NewOrvInputHandleWithVolumeElements(
 /// A document that was read from a file releases all it holds. Of a document made by a constructor
 /// the mesh arrays stay the caller's and untouched, and so do the blocks of its attributes: they
 /// stay allocated and readable, because the caller may hold them (release them first with
-/// OrvML_IO_DeleteAttributesEntitiesVector()). Vector parameters are always released, and so are
-/// the group arrays of one entry that the library made for a single-shape setter.
+/// OrvML_IO_DeleteAttributesEntitiesVector()). The same holds for the type group arrays of one
+/// entry that the library made for a single-shape setter, which a caller may have given to another
+/// document: who wants them back asks a four-output getter such as OrvML_IO_GetFaces() for them
+/// first and releases each with `delete[]` afterwards. Vector parameters are always released.
 ///
 /// @param[in,out] handle  input or output document; null is left alone
 ORVML_IO_EXPORT void OrvML_IO_DeleteOrvInputHandle(void*& handle);

@@ -12,6 +12,7 @@ using orvml_io::FileId;
 using orvml_io::handleOf;
 using orvml_io::kFailed;
 using orvml_io::kOk;
+using orvml_io::NewFile;
 using orvml_io::OrvInput;
 using orvml_io::OrvInputAndOrvOutput;
 using orvml_io::OrvOutput;
@@ -29,23 +30,22 @@ const char* versionForBoth(void* inputHandle, void* outputHandle) {
 }
 
 /// Writes each document that is given, the input first; the first failure ends the work. The file
-/// is closed in any case and the result of closing it is the result when all was written.
-/// Which group a document goes to is decided by its role here, not by its kind.
+/// is closed in any case and the result of closing it is the result when all was written. Which
+/// group a document goes to is decided by its role here, not by its kind.
 int writeDocuments(const char* fileName, const char* version, const OrvInputAndOrvOutput* input,
                    const OrvInputAndOrvOutput* output) {
-  FileId file = orvml_io::tryCreateMarkedFile(fileName, version);
+  NewFile file = orvml_io::createMarkedFile(fileName, version);
   if (!file.valid()) {
     return kFailed;
   }
   int status = kOk;
   if (input != nullptr) {
-    status = OrvInput::Write(*input, file.get(), version);
+    status = OrvInput::Write(*input, file.id(), version);
   }
   if (status == kOk && output != nullptr) {
-    status = OrvOutput::Write(*output, file.get(), version);
+    status = OrvOutput::Write(*output, file.id(), version);
   }
-  const int closed = file.close();
-  return status != kOk ? status : closed;
+  return file.finish(status);
 }
 
 /// Reads one document into a handle with the core's reader of its kind.

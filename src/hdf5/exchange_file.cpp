@@ -2,8 +2,6 @@
 #include "hdf5/exchange_file.h"
 
 #include "hdf5/datasets.h"
-#include "hdf5/file_lock.h"
-#include "hdf5/kept_open.h"
 #include "hdf5/layout.h"
 #include "hdf5/probes.h"
 #include "hdf5/status.h"
@@ -29,18 +27,11 @@ int readDocument(SourceFile& file, std::unique_ptr<Document>& document) {
 
 }  // namespace
 
-FileId tryCreateMarkedFile(const char* fileName, const char* version) {
-  if (isHeldByAnother(fileName)) {
-    return FileId();
-  }
-  FileId file(H5Fcreate(fileName, H5F_ACC_TRUNC, H5P_DEFAULT, H5P_DEFAULT));
-  if (!file.valid()) {
-    return FileId();
-  }
-  if (setText(file.get(), layout::kFormat, layout::kFormatMarker) != kOk ||
-      setText(file.get(), layout::kFormatVersion, version) != kOk) {
-    (void)keepOpen(std::move(file), KeptOpen::fileAfterMarkerFailure);
-    return FileId();
+NewFile createMarkedFile(const char* fileName, const char* version) {
+  NewFile file(fileName);
+  if (file.valid() && (setText(file.id(), layout::kFormat, layout::kFormatMarker) != kOk ||
+                       setText(file.id(), layout::kFormatVersion, version) != kOk)) {
+    file.abandonOpen();
   }
   return file;
 }

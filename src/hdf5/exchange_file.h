@@ -1,6 +1,7 @@
 #pragma once
 
 #include "hdf5/id.h"
+#include "hdf5/new_file.h"
 #include "hdf5/source_file.h"
 #include "model/document.h"
 
@@ -8,9 +9,8 @@
 
 namespace orvml_io {
 
-/// Creates a file and marks it as an exchange file of the version; invalid when either fails. A
-/// file of that name is replaced, unless somebody holds it.
-[[nodiscard]] FileId tryCreateMarkedFile(const char* fileName, const char* version);
+/// Creates a file and marks it as an exchange file of the version; not valid when either fails.
+[[nodiscard]] NewFile createMarkedFile(const char* fileName, const char* version);
 
 /// Tells whether the root attribute "FORMAT" is exactly the marker of exchange files.
 [[nodiscard]] bool IsOrvMeshLibraryIOFormat(hid_t file);

@@ -25,23 +25,11 @@ void releaseElems(Elems& elems) noexcept {
   }
 }
 
-/// Deletes an element container together with the document. Group arrays that the library made go
-/// with it; arrays of the caller are left alone.
-void deleteWithDocument(Elems*& elems, bool arraysOwnedByCaller) noexcept {
-  if (elems != nullptr) {
-    if (!arraysOwnedByCaller) {
-      elems->DeleteContent();
-    }
-    if (elems->groupArraysMadeByLibrary) {
-      elems->DeleteAuxiliarContent();
-    }
-  }
-  deleteContainer(elems);
-}
-
-/// Contract: removing faces or edges from a document whose arrays are the caller's keeps the
-/// one-entry arrays of the single-shape setter allocated; a caller may still read them.
-void removeKeepingGroupArrays(Elems*& elems, bool arraysOwnedByCaller) noexcept {
+/// Deletes an element container, alone or with its document.
+///
+/// Contract: of a document whose arrays are the caller's no group array is released, the one-entry
+/// arrays of a single-shape setter neither: a caller may have handed them on to another document.
+void deleteElems(Elems*& elems, bool arraysOwnedByCaller) noexcept {
   if (elems != nullptr && !arraysOwnedByCaller) {
     releaseElems(*elems);
   }
@@ -61,9 +49,9 @@ OrvInputAndOrvOutput::~OrvInputAndOrvOutput() {
     nodes->DeleteContent();
   }
   deleteContainer(nodes);
-  deleteWithDocument(elements, arraysOwnedByCaller);
-  deleteWithDocument(faces, arraysOwnedByCaller);
-  deleteWithDocument(edges, arraysOwnedByCaller);
+  deleteElems(elements, arraysOwnedByCaller);
+  deleteElems(faces, arraysOwnedByCaller);
+  deleteElems(edges, arraysOwnedByCaller);
   DeleteParametersContent();
 }
 
@@ -92,20 +80,17 @@ void OrvInputAndOrvOutput::DeleteNodes() noexcept {
 }
 
 void OrvInputAndOrvOutput::DeleteElements() noexcept {
-  if (elements != nullptr && !arraysOwnedByCaller) {
-    releaseElems(*elements);
-  } else if (elements != nullptr && elements->groupArraysMadeByLibrary) {
+  if (elements != nullptr && elements->groupArraysMadeByLibrary) {
     elements->DeleteAuxiliarContent();
   }
-  deleteContainer(elements);
+  deleteElems(elements, arraysOwnedByCaller);
 }
 
-void OrvInputAndOrvOutput::DeleteFaces() noexcept {
-  removeKeepingGroupArrays(faces, arraysOwnedByCaller);
-}
+// Contract: removing faces or edges from a document whose arrays are the caller's keeps the
+// one-entry arrays of the single-shape setter allocated, as its deletion does, while removing
+// volume elements releases theirs.
+void OrvInputAndOrvOutput::DeleteFaces() noexcept { deleteElems(faces, arraysOwnedByCaller); }
 
-void OrvInputAndOrvOutput::DeleteEdges() noexcept {
-  removeKeepingGroupArrays(edges, arraysOwnedByCaller);
-}
+void OrvInputAndOrvOutput::DeleteEdges() noexcept { deleteElems(edges, arraysOwnedByCaller); }
 
 }  // namespace orvml_io
