@@ -26,7 +26,7 @@ install(FILES "${PROJECT_BINARY_DIR}/orvml_io-config.cmake"
 # pkg-config finds the prefix from the place of its own file.
 file(RELATIVE_PATH pkgconfig_to_prefix "/${pkgconfig_dir}" "/")
 string(REGEX REPLACE "/$" "" pkgconfig_to_prefix "${pkgconfig_to_prefix}")
-string(JOIN " " private_libraries ${HDF5_C_HL_LIBRARIES} ${HDF5_C_LIBRARIES})
+string(JOIN " " private_libraries ${HDF5_C_LIBRARIES})
 configure_file("${PROJECT_SOURCE_DIR}/cmake/orvml_io.pc.in" "${PROJECT_BINARY_DIR}/orvml_io.pc" @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/orvml_io.pc"
   DESTINATION "${pkgconfig_dir}" COMPONENT development)
