@@ -3,6 +3,7 @@
 
     check_pages.py [--browser] SITE EXPORTED_SYMBOLS
 
+It also looks for what a reader needs to find: code and installation on the first page.
 With --browser each page is also loaded in headless Chromium, which must show its heading and report
 no error.
 """
@@ -59,6 +60,18 @@ def undocumented(pages, symbols):
             yield f"{name} is documented {documented} times and exported {overloads} times"
 
 
+def plain(markup):
+    return html.unescape(re.sub(r"<[^>]+>", "", markup)).strip()
+
+
+def missing_on_the_first_page(site):
+    blocks = [plain(block) for block in
+              re.findall(r"<pre>(.*?)</pre>", (site / "index.html").read_text(), re.S)]
+    for what in ("#include <orvml_io.h>", "cmake --install"):
+        if not any(what in block for block in blocks):
+            yield f"index.html: no block of code has {what}"
+
+
 def failures_in_browser(site, paths):
     from selenium import webdriver  # only this needs it
 
@@ -91,6 +104,7 @@ def main(arguments):
     pages = {path: Page(path) for path in paths}
     failures = list(dead_links(site, pages))
     failures.extend(undocumented(pages, symbols))
+    failures.extend(missing_on_the_first_page(site))
     if use_browser:
         failures.extend(failures_in_browser(site, paths))
     print("\n".join(failures), file=sys.stderr, end="\n" if failures else "")
