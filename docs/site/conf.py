@@ -2,6 +2,10 @@
 import os
 import pathlib
 import re
+import sys
+
+sys.path.insert(0, str(pathlib.Path(__file__).parent))
+sys.dont_write_bytecode = True
 
 cmake_lists = pathlib.Path(os.environ["ORVML_IO_CMAKE_LISTS"]).read_text()
 
@@ -10,7 +14,8 @@ author = "the liborvml_io authors"
 copyright = "2026, the liborvml_io authors"
 version = release = re.search(r"VERSION (\d+\.\d+\.\d+)", cmake_lists).group(1)
 
-extensions = ["myst_parser", "breathe", "sphinx_copybutton"]
+extensions = ["myst_parser", "breathe", "sphinx_copybutton", "names"]
+templates_path = ["templates"]
 source_suffix = {".md": "markdown"}
 exclude_patterns = ["site", "README.md"]
 nitpicky = True
