@@ -5,7 +5,7 @@
 
 It also looks for what a reader needs to find: names in the index by what tells them apart, a contents
 list beside each page of the reference, code and installation on the first page. With --browser each page
-is also loaded in headless Chromium, which must show its heading and report no error.
+is besides loaded in headless Chromium at several widths and in both colour schemes.
 """
 import collections
 import html
@@ -14,6 +14,8 @@ import pathlib
 import re
 import sys
 import urllib.parse
+
+from browser_checks import failures_in_browser
 
 # A name without what most names begin with; enumerators stand behind their enumeration.
 NAME_IN_INDEX = re.compile(r"(?:\w+::)?(?:OrvML_IO_|ORVML_IO_|ORVML_)?(\w+)")
@@ -100,30 +102,6 @@ def missing_on_the_first_page(site):
     for what in ("#include <orvml_io.h>", "cmake --install"):
         if not any(what in block for block in blocks):
             yield f"index.html: no block of code has {what}"
-
-
-def failures_in_browser(site, paths):
-    from selenium import webdriver  # only this needs it
-
-    options = webdriver.ChromeOptions()
-    for argument in ("--headless", "--no-sandbox", "--disable-gpu", "--disable-dev-shm-usage"):
-        options.add_argument(argument)
-    options.set_capability("goog:loggingPrefs", {"browser": "ALL"})
-    browser = webdriver.Chrome(options=options)
-    try:
-        for path in paths:
-            browser.get(path.as_uri())
-            heading = re.search(r"<h1>(.*?)<", path.read_text(), re.S)
-            shown = browser.find_elements("css selector", "h1")
-            if heading and (not shown or html.unescape(heading.group(1)) not in shown[0].text):
-                yield f"{path.relative_to(site)}: the browser does not show its heading"
-            for image in browser.find_elements("css selector", "article img"):
-                if not browser.execute_script("return arguments[0].naturalWidth > 0", image):
-                    yield f"{path.relative_to(site)}: {image.get_attribute('src')} is not shown"
-            for entry in browser.get_log("browser"):
-                yield f"{path.relative_to(site)}: the browser says {entry['message']}"
-    finally:
-        browser.quit()
 
 
 def main(arguments):
