@@ -3,8 +3,9 @@
 
     check_pages.py [--browser] SITE EXPORTED_SYMBOLS
 
-With --browser each page is also loaded in headless Chromium, which must show its heading and report
-no error.
+It also looks for what a reader needs to find: names in the index by what tells them apart, a contents
+list beside each page of the reference, code and installation on the first page. With --browser each page
+is besides loaded in headless Chromium at several widths and in both colour schemes.
 """
 import collections
 import html
@@ -13,6 +14,11 @@ import pathlib
 import re
 import sys
 import urllib.parse
+
+from browser_checks import failures_in_browser
+
+# A name without what most names begin with; enumerators stand behind their enumeration.
+NAME_IN_INDEX = re.compile(r"(?:\w+::)?(?:OrvML_IO_|ORVML_IO_|ORVML_)?(\w+)")
 
 
 class Page(html.parser.HTMLParser):
@@ -59,28 +65,43 @@ def undocumented(pages, symbols):
             yield f"{name} is documented {documented} times and exported {overloads} times"
 
 
-def failures_in_browser(site, paths):
-    from selenium import webdriver  # only this needs it
+def plain(markup):
+    return html.unescape(re.sub(r"<[^>]+>", "", markup)).strip()
 
-    options = webdriver.ChromeOptions()
-    for argument in ("--headless", "--no-sandbox", "--disable-gpu", "--disable-dev-shm-usage"):
-        options.add_argument(argument)
-    options.set_capability("goog:loggingPrefs", {"browser": "ALL"})
-    browser = webdriver.Chrome(options=options)
-    try:
-        for path in paths:
-            browser.get(path.as_uri())
-            heading = re.search(r"<h1>(.*?)<", path.read_text(), re.S)
-            shown = browser.find_elements("css selector", "h1")
-            if heading and (not shown or html.unescape(heading.group(1)) not in shown[0].text):
-                yield f"{path.relative_to(site)}: the browser does not show its heading"
-            for image in browser.find_elements("css selector", "article img"):
-                if not browser.execute_script("return arguments[0].naturalWidth > 0", image):
-                    yield f"{path.relative_to(site)}: {image.get_attribute('src')} is not shown"
-            for entry in browser.get_log("browser"):
-                yield f"{path.relative_to(site)}: the browser says {entry['message']}"
-    finally:
-        browser.quit()
+
+def index_disorder(site):
+    """Nearly all names share a prefix, so the index is sorted by what follows it."""
+    index = (site / "genindex.html").read_text()
+    last = ""
+    for heading, entries in re.findall(r"<h2>(.*?)</h2>(.*?)</section>", index, re.S):
+        for entry in re.findall(r"<li>.*?<a [^>]*>(.*?)</a>", entries, re.S):
+            name = NAME_IN_INDEX.match(plain(entry)).group(1).lower()
+            if name[0] != plain(heading).lower():
+                yield f"genindex.html: {plain(entry)} stands under {plain(heading)}"
+            if name < last:
+                yield f"genindex.html: {plain(entry)} stands behind {last}"
+            last = name
+    if not last:
+        yield "genindex.html: no name is listed"
+
+
+def unlisted(site, pages):
+    """Each page of the reference lists what it documents beside the text."""
+    for path, page in pages.items():
+        text = path.read_text()
+        _, _, contents = text.partition('<div class="toc-tree">')
+        documented = re.findall(r'<dl class="cpp (?:function|enum|var)">\s*<dt [^>]*id="(\w+)"', text)
+        for place in documented:
+            if f'href="#{place}"' not in contents:
+                yield f"{path.relative_to(site)}: its contents list does not have {place}"
+
+
+def missing_on_the_first_page(site):
+    blocks = [plain(block) for block in
+              re.findall(r"<pre>(.*?)</pre>", (site / "index.html").read_text(), re.S)]
+    for what in ("#include <orvml_io.h>", "cmake --install"):
+        if not any(what in block for block in blocks):
+            yield f"index.html: no block of code has {what}"
 
 
 def main(arguments):
@@ -91,6 +112,9 @@ def main(arguments):
     pages = {path: Page(path) for path in paths}
     failures = list(dead_links(site, pages))
     failures.extend(undocumented(pages, symbols))
+    failures.extend(index_disorder(site))
+    failures.extend(unlisted(site, pages))
+    failures.extend(missing_on_the_first_page(site))
     if use_browser:
         failures.extend(failures_in_browser(site, paths))
     print("\n".join(failures), file=sys.stderr, end="\n" if failures else "")

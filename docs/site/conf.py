@@ -2,6 +2,10 @@
 import os
 import pathlib
 import re
+import sys
+
+sys.path.insert(0, str(pathlib.Path(__file__).parent))
+sys.dont_write_bytecode = True
 
 cmake_lists = pathlib.Path(os.environ["ORVML_IO_CMAKE_LISTS"]).read_text()
 
@@ -10,7 +14,9 @@ author = "the liborvml_io authors"
 copyright = "2026, the liborvml_io authors"
 version = release = re.search(r"VERSION (\d+\.\d+\.\d+)", cmake_lists).group(1)
 
-extensions = ["myst_parser", "breathe", "sphinx_copybutton"]
+extensions = ["myst_parser", "breathe", "sphinx_copybutton", "dark_scheme", "names",
+              "wide_tables"]
+templates_path = ["templates"]
 source_suffix = {".md": "markdown"}
 exclude_patterns = ["site", "README.md"]
 nitpicky = True
@@ -24,6 +30,8 @@ breathe_default_project = "header"
 breathe_show_enumvalue_initializer = True
 primary_domain = "cpp"
 highlight_language = "none"
+pygments_style = "default"
+pygments_dark_style = "github-dark"
 cpp_id_attributes = ["ORVML_IO_EXPORT"]
 copybutton_prompt_text = r"\$ |>>> |\.\.\. "
 copybutton_prompt_is_regexp = True
@@ -44,6 +52,7 @@ html_theme_options = {
         "color-brand-content": "#0b6e6e",
         "color-api-name": "#0b6e6e",
         "color-api-pre-name": "#5b6f6f",
+        "icon-filter": "none",
         "font-stack": "'Inter', 'DejaVu Sans', system-ui, sans-serif",
         "font-stack--monospace": "'JetBrains Mono', 'DejaVu Sans Mono', monospace",
     },
@@ -52,6 +61,7 @@ html_theme_options = {
         "color-brand-content": "#5cc8c2",
         "color-api-name": "#5cc8c2",
         "color-api-pre-name": "#9fb5b3",
+        "icon-filter": "invert(0.8)",
     },
 }
 

@@ -56,7 +56,7 @@ def sections(text):
 
 def as_paragraphs(details):
     text = re.sub(r"\b([A-Z]+_[A-Z_]+)\b", r"`\1`", details)
-    return f"{text}\n\n" if text else ""
+    return f"{text[0].upper()}{text[1:]}\n\n" if text else ""
 
 
 def write_pages(text, folder):
@@ -65,7 +65,7 @@ def write_pages(text, folder):
     entries = "\n".join(identifier(title) for title, _ in sections(text))
     (folder / "index.md").write_text(
         "# Reference\n\nOne header, `orvml_io.h`, declares everything. It compiles as C++11 and needs "
-        f"nothing but the language.\n\n{rest}\n\n```{{toctree}}\n:caption: Functions\n{entries}\n```\n")
+        f"nothing but the language. The {{ref}}`index of names <genindex>` lists what it declares.\n\n{rest}\n\n```{{toctree}}\n:caption: Functions\n{entries}\n```\n")
     for title, details in sections(text):
         name = identifier(title)
         (folder / f"{name}.md").write_text(
