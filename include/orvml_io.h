@@ -28,8 +28,7 @@
 //     hold at most 79 bytes; what is longer is cut there. Names of parameters and attributes that
 //     go to a file must be shorter than 80 bytes, else writing gives 1.
 //  7. Numbers. Node indices in connectivities are 0-based. Lengths have the caller's unit; the
-//     library attaches none. Version texts are read with `strtod`, so a process that sets a
-//     locale whose decimal point is a comma misreads them: keep LC_NUMERIC at "C" while reading.
+//     library attaches none. Files are written and read alike in every locale.
 //  8. Threads. A handle must not be used from two threads at once; distinct handles are
 //     independent. The file functions call HDF5, which must be called from one thread at a time
 //     unless it was built thread-safe.
