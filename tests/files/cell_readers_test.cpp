@@ -1,8 +1,8 @@
 // Reading cells where the readers of whole documents do not reach, and next to cells that fail.
 #include "files/exchange_file_fixture.h"
-#include "hdf5/silence.h"
 #include "hdf5/source_file.h"
 #include "model/document.h"
+#include "support/group_at.h"
 
 namespace orvml_io_tests {
 namespace {
@@ -11,9 +11,10 @@ class CellReaders : public ExchangeFileTest {};
 
 TEST_F(CellReaders, NegativeFileGivesOne) {
   orvml_io::Elems elems;
+  orvml_io::SourceFile none(-1);
 
-  EXPECT_EQ(elems.Read(-1, "/F", "1.4", ORVML_FACES), 1);
-  EXPECT_EQ(elems.ReadAttributes(-1, "/F", 1, "1.4", ORVML_FACES), 1);
+  EXPECT_EQ(elems.Read(none, none.root(), "/F", "1.4", ORVML_FACES), 1);
+  EXPECT_EQ(elems.ReadAttributes(none, none.root(), 1, "1.4", ORVML_FACES), 1);
 }
 
 TEST_F(CellReaders, NoTypeGroupsEndTheReadingWhateverTheContainerHeld) {
@@ -22,20 +23,25 @@ TEST_F(CellReaders, NoTypeGroupsEndTheReadingWhateverTheContainerHeld) {
   file.intVector("/F/element_types", {});
   orvml_io::Elems elems;
   elems.numberOfElements = 2;
+  orvml_io::SourceFile source(file.id());
 
-  EXPECT_EQ(elems.Read(file.id(), "/F", "1.4", ORVML_FACES), 0);
+  EXPECT_EQ(elems.Read(source, source.root(), "/F", "1.4", ORVML_FACES), 0);
 }
 
 TEST_F(CellReaders, PathThatIsTooLongGivesOne) {
-  const RawFile file = RawFile::create(path());
+  RawFile file = RawFile::create(path());
   const BuiltDocument built = BuiltDocument::input(3);
   orvml_io::OrvInputAndOrvOutput& document = *orvml_io::documentOf(built.handle());
-  const std::string group = "/" + std::string(2000, 'g');
-  const orvml_io::Silence silence;
+  const std::string path = "/" + std::string(2000, 'g');
+  for (const char* member : {"", "/Edges", "/Faces", "/Elements"}) {
+    file.group(path + member);
+  }
+  const GroupAt group(file.id(), path);
+  orvml_io::SourceFile source(file.id());
 
-  EXPECT_EQ(document.ReadEdges(file.id(), group.c_str()), 1);
-  EXPECT_EQ(document.ReadFaces(file.id(), group.c_str()), 1);
-  EXPECT_EQ(document.ReadElements(file.id(), group.c_str()), 1);
+  EXPECT_EQ(document.ReadEdges(source, group), 1);
+  EXPECT_EQ(document.ReadFaces(source, group), 1);
+  EXPECT_EQ(document.ReadElements(source, group), 1);
 }
 
 /// The result of reading cells from a group whose path leaves some bytes to the names in it.
@@ -47,9 +53,9 @@ TEST_P(CellsInALongPath, GiveOneWhenANameDoesNotFit) {
   const std::string group = "/" + std::string(1022 - GetParam(), 'g');
   file.elements(group, {1}, {TRIANGLE}, {3}, {0, 1, 2});
   orvml_io::Elems elems;
-  const orvml_io::Silence silence;
+  orvml_io::SourceFile source(file.id());
 
-  EXPECT_EQ(elems.Read(file.id(), group.c_str(), "1.4", ORVML_FACES), 1);
+  EXPECT_EQ(elems.Read(source, source.root(), group.c_str(), "1.4", ORVML_FACES), 1);
 
   elems.DeleteContent();
   elems.DeleteAuxiliarContent();

@@ -3,6 +3,7 @@
 #include "hdf5/silence.h"
 #include "hdf5/source_file.h"
 #include "model/document.h"
+#include "support/group_at.h"
 
 namespace orvml_io_tests {
 namespace {
@@ -99,8 +100,10 @@ TEST_P(SpatialDimension, IsReadWhenItIsOneValueFromOneToThree) {
   const BuiltDocument built = BuiltDocument::input(2);
   orvml_io::OrvInputAndOrvOutput& document = *orvml_io::documentOf(built.handle());
   const orvml_io::Silence silence;
+  orvml_io::SourceFile source(file.id());
+  const GroupAt group(file.id(), "/OrvInput");
 
-  EXPECT_EQ(document.ReadSpatialDimension(file.id(), "/OrvInput"), GetParam().result);
+  EXPECT_EQ(document.ReadSpatialDimension(source, group), GetParam().result);
 
   EXPECT_EQ(document.meshDimension, GetParam().dimension);
 }
@@ -144,11 +147,13 @@ INSTANTIATE_TEST_SUITE_P(Each, SpatialDimension, ::testing::ValuesIn(kDimensionR
 class LongDimensionPath : public ExchangeFileTest {};
 
 TEST_F(LongDimensionPath, GivesOneAndMinusOne) {
-  const RawFile file = RawFile::create(path());
+  RawFile file = RawFile::create(path());
+  file.intVector("/dimension", {3});
   const BuiltDocument built = BuiltDocument::input(2);
   orvml_io::OrvInputAndOrvOutput& document = *orvml_io::documentOf(built.handle());
+  orvml_io::SourceFile source(file.id());
 
-  EXPECT_EQ(document.ReadSpatialDimension(file.id(), std::string(1020, '/').c_str()), 1);
+  EXPECT_EQ(document.ReadSpatialDimension(source, GroupAt(file.id(), std::string(1020, '/'))), 1);
 
   EXPECT_EQ(document.meshDimension, -1);
 }

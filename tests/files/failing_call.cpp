@@ -1,7 +1,6 @@
 #include "files/failing_call.h"
 
 #include <hdf5.h>
-#include <hdf5_hl.h>
 
 #include <string_view>
 #include <utility>
@@ -35,7 +34,7 @@ bool mustFail(Hdf5Function function, std::string_view name) {
   return true;
 }
 
-/// The path from the root of what is named relative to a location.
+/// The path from the root of what is named relative to a location; of that itself without a name.
 std::string absolutePath(hid_t location, std::string_view path) {
   if (path.substr(0, 1) == "/") {
     return std::string(path);
@@ -45,7 +44,7 @@ std::string absolutePath(hid_t location, std::string_view path) {
   }
   char parent[1024] = {};
   (void)H5Iget_name(location, parent, sizeof parent);
-  return std::string(parent) + "/" + std::string(path);
+  return path.empty() ? std::string(parent) : std::string(parent) + "/" + std::string(path);
 }
 
 }  // namespace
@@ -72,25 +71,21 @@ hid_t wrappedCreateDataset(hid_t location, const char* path, hid_t type, hid_t s
                            hid_t creation, hid_t access) __asm__("__wrap_H5Dcreate2");
 herr_t realCloseFile(hid_t file) __asm__("__real_H5Fclose");
 herr_t wrappedCloseFile(hid_t file) __asm__("__wrap_H5Fclose");
-herr_t realMakeDataset(hid_t location, const char* path, int rank, const hsize_t* extents,
-                       hid_t type, const void* values) __asm__("__real_H5LTmake_dataset");
-herr_t wrappedMakeDataset(hid_t location, const char* path, int rank, const hsize_t* extents,
-                          hid_t type, const void* values) __asm__("__wrap_H5LTmake_dataset");
-herr_t realSetInt(hid_t location, const char* object, const char* name, const int* values,
-                  size_t count) __asm__("__real_H5LTset_attribute_int");
-herr_t wrappedSetInt(hid_t location, const char* object, const char* name, const int* values,
-                     size_t count) __asm__("__wrap_H5LTset_attribute_int");
+herr_t realWrite(hid_t dataset, hid_t type, hid_t memory, hid_t target, hid_t transfer,
+                 const void* values) __asm__("__real_H5Dwrite");
+herr_t wrappedWrite(hid_t dataset, hid_t type, hid_t memory, hid_t target, hid_t transfer,
+                    const void* values) __asm__("__wrap_H5Dwrite");
 
 hid_t wrappedCreateAttribute(hid_t object, const char* name, hid_t type, hid_t space,
                              hid_t creation, hid_t access) {
-  return mustFail(Hdf5Function::setStringAttribute, name)
+  return mustFail(Hdf5Function::createAttribute, name)
              ? H5I_INVALID_HID
              : realCreateAttribute(object, name, type, space, creation, access);
 }
 
 hid_t wrappedCreateDataset(hid_t location, const char* path, hid_t type, hid_t space, hid_t link,
                            hid_t creation, hid_t access) {
-  return mustFail(Hdf5Function::makeTable, absolutePath(location, path))
+  return mustFail(Hdf5Function::createDataset, absolutePath(location, path))
              ? H5I_INVALID_HID
              : realCreateDataset(location, path, type, space, link, creation, access);
 }
@@ -100,18 +95,11 @@ herr_t wrappedCloseFile(hid_t file) {
   return mustFail(Hdf5Function::closeFile, "") ? plan().result : result;
 }
 
-herr_t wrappedMakeDataset(hid_t location, const char* path, int rank, const hsize_t* extents,
-                          hid_t type, const void* values) {
-  return mustFail(Hdf5Function::makeDataset, absolutePath(location, path))
+herr_t wrappedWrite(hid_t dataset, hid_t type, hid_t memory, hid_t target, hid_t transfer,
+                    const void* values) {
+  return mustFail(Hdf5Function::writeDataset, absolutePath(dataset, ""))
              ? plan().result
-             : realMakeDataset(location, path, rank, extents, type, values);
-}
-
-herr_t wrappedSetInt(hid_t location, const char* object, const char* name, const int* values,
-                     size_t count) {
-  return mustFail(Hdf5Function::setIntAttribute, name)
-             ? plan().result
-             : realSetInt(location, object, name, values, count);
+             : realWrite(dataset, type, memory, target, transfer, values);
 }
 
 }  // extern "C"

@@ -9,11 +9,10 @@ namespace orvml_io_tests {
 /// The HDF5 functions that can be made to fail. They are replaced when the test program is linked,
 /// so the library needs no change; each forwards to HDF5 unless a FailingCall is meant for it.
 enum class Hdf5Function {
-  closeFile,           ///< H5Fclose; the file is closed all the same
-  makeDataset,         ///< H5LTmake_dataset, by the end of the path
-  makeTable,           ///< H5Dcreate2, which makes the table of parameters
-  setIntAttribute,     ///< H5LTset_attribute_int, by the name of the attribute
-  setStringAttribute,  ///< H5Acreate2, by the name of the attribute
+  closeFile,        ///< H5Fclose; the file is closed all the same
+  createDataset,    ///< H5Dcreate2, by the end of the path
+  writeDataset,     ///< H5Dwrite, by the end of the path
+  createAttribute,  ///< H5Acreate2, by the name of the attribute
 };
 
 /// Makes calls of one HDF5 function fail while it lives. One may live at a time.

@@ -1,8 +1,8 @@
 // Reading the nodes of files that others made.
 #include "files/exchange_file_fixture.h"
-#include "hdf5/silence.h"
 #include "hdf5/source_file.h"
 #include "model/document.h"
+#include "support/group_at.h"
 
 namespace orvml_io_tests {
 namespace {
@@ -196,18 +196,21 @@ TEST_F(ReadNodes, UnreadableAttributeGivesOneAndKeepsTheNodes) {
 
 TEST_F(ReadNodes, NegativeFileGivesOne) {
   orvml_io::Nodes nodes;
+  orvml_io::SourceFile none(-1);
 
-  EXPECT_EQ(nodes.Read(-1, "/N", "1.4"), 1);
-  EXPECT_EQ(nodes.ReadAttributes(-1, "/N", 1, "1.4"), 1);
+  EXPECT_EQ(nodes.Read(none, none.root(), "1.4"), 1);
+  EXPECT_EQ(nodes.ReadAttributes(none, none.root(), 1, "1.4"), 1);
 }
 
 TEST_F(ReadNodes, PathThatIsTooLongGivesOne) {
-  const RawFile file = RawFile::create(path());
+  RawFile file = RawFile::create(path());
   const BuiltDocument built = BuiltDocument::input(3);
   const std::string group = "/" + std::string(2000, 'g');
-  const orvml_io::Silence silence;
+  file.group(group);
+  file.group(group + "/Nodes");
+  orvml_io::SourceFile source(file.id());
 
-  EXPECT_EQ(orvml_io::documentOf(built.handle())->ReadNodes(file.id(), group.c_str()), 1);
+  EXPECT_EQ(orvml_io::documentOf(built.handle())->ReadNodes(source, GroupAt(file.id(), group)), 1);
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 #include "files/exchange_file_fixture.h"
 #include "hdf5/source_file.h"
 #include "model/document.h"
+#include "support/group_at.h"
 
 #include <cmath>
 #include <cstring>
@@ -121,8 +122,9 @@ TEST_F(ReadParameters, RecordsAreAddedToTheParametersOfTheDocument) {
   OrvML_IO_SetParameter(built.handle(), "kept", 8.0);
   orvml_io::OrvInputAndOrvOutput& document = *orvml_io::documentOf(built.handle());
   std::strcpy(document.fileFormatVersion, "1.4");
+  orvml_io::SourceFile source(file_.id());
 
-  EXPECT_EQ(document.ReadParametersScalar(file_.id(), "/OrvInput"), 0);
+  EXPECT_EQ(document.ReadParametersScalar(source, GroupAt(file_.id(), "/OrvInput")), 0);
 
   EXPECT_EQ(scalarOf(built.handle(), "size"), 0.5);
   EXPECT_EQ(scalarOf(built.handle(), "kept"), 8.0);
@@ -275,33 +277,27 @@ TEST_F(ReadParameters, NegativeFileGivesOne) {
   const BuiltDocument built = BuiltDocument::input(3);
   orvml_io::OrvInputAndOrvOutput& document = *orvml_io::documentOf(built.handle());
   std::strcpy(document.fileFormatVersion, "1.4");
+  orvml_io::SourceFile none(-1);
 
-  EXPECT_EQ(document.ReadParametersScalar(-1, "/OrvInput"), 1);
-  EXPECT_EQ(document.ReadParametersVector(-1, "/OrvInput"), 1);
+  EXPECT_EQ(document.ReadParametersScalar(none, none.root()), 1);
+  EXPECT_EQ(document.ReadParametersVector(none, none.root()), 1);
 }
 
+// The objects are there under a path that is too long: they must not be read by a shorter one.
 TEST_F(ReadParameters, PathThatIsTooLongGivesOne) {
+  file_.group("/OrvInput/ParametersVector");
+  file_.intVector("/OrvInput/ParametersVector/v", {1});
   const BuiltDocument built = BuiltDocument::input(3);
   orvml_io::OrvInputAndOrvOutput& document = *orvml_io::documentOf(built.handle());
   std::strcpy(document.fileFormatVersion, "1.4");
-  const std::string group(1020, '/');
+  orvml_io::SourceFile source(file_.id());
+  const GroupAt group(file_.id(), std::string(1013, '/') + "OrvInput");
 
-  EXPECT_EQ(document.ReadParametersScalar(file_.id(), group.c_str()), 1);
-  EXPECT_EQ(document.ReadParametersVector(file_.id(), group.c_str()), 1);
-}
-
-// What fits of such a path names an object that is there: it must not be read instead.
-TEST_F(ReadParameters, PathThatIsTooLongIsNotCut) {
-  const BuiltDocument built = BuiltDocument::input(3);
-  orvml_io::OrvInputAndOrvOutput& document = *orvml_io::documentOf(built.handle());
-  std::strcpy(document.fileFormatVersion, "1.4");
-  const std::string table = std::string(1000, '/') + "OrvInput/parameters";
-  const std::string root(1007, '/');
-
-  EXPECT_EQ(document.ReadParametersScalar(file_.id(), table.c_str()), 1);
-  EXPECT_EQ(document.ReadParametersVector(file_.id(), root.c_str()), 1);
+  EXPECT_EQ(document.ReadParametersScalar(source, group), 1);
+  EXPECT_EQ(document.ReadParametersVector(source, group), 1);
 
   EXPECT_EQ(OrvML_IO_GetNumberOfParameters(built.handle()), 0U);
+  EXPECT_EQ(OrvML_IO_GetNumberOfParametersVector(built.handle()), 0U);
 }
 
 }  // namespace

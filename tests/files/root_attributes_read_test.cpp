@@ -280,10 +280,11 @@ TEST_F(ReadIdentification, MissingTextsLeaveTheFieldsOfADocumentUnchanged) {
   orvml_io::OrvInputAndOrvOutput& document = *orvml_io::documentOf(built.handle());
   std::strcpy(document.fileFormatVersion, "1.4");
   const RawFile file = smallInput("");
+  orvml_io::SourceFile source(file.id());
 
-  EXPECT_EQ(document.ReadIOCreator(file.id()), 0);
-  EXPECT_EQ(document.ReadModuleNameAndVersion(file.id()), 0);
-  EXPECT_EQ(document.ReadFormatVersion(file.id()), 0);
+  EXPECT_EQ(document.ReadIOCreator(source), 0);
+  EXPECT_EQ(document.ReadModuleNameAndVersion(source), 0);
+  EXPECT_EQ(document.ReadFormatVersion(source), 0);
 
   EXPECT_STREQ(document.ioCreator, "c");
   EXPECT_STREQ(document.moduleName, "m");

@@ -3,6 +3,8 @@
 #include "files/exchange_file_fixture.h"
 #include "hdf5/silence.h"
 #include "model/document.h"
+#include "model/limits.h"
+#include "support/group_at.h"
 
 namespace orvml_io_tests {
 namespace {
@@ -13,8 +15,8 @@ using orvml_io::Nodes;
 using orvml_io::OML_AttributesVector;
 using orvml_io::OrvInputAndOrvOutput;
 
-constexpr hid_t kNoFile = -1;
-constexpr std::size_t kLongestPath = 1023;
+using orvml_io::kLongestPath;
+using orvml_io::OpenGroup;
 
 /// The absolute path of a group whose name fills the path up to a length.
 std::string groupOfLength(std::size_t length) { return "/" + std::string(length - 1, 'g'); }
@@ -42,6 +44,10 @@ class FilledStore {
 class SectionWriters : public ExchangeFileTest {
  protected:
   [[nodiscard]] OrvInputAndOrvOutput& document() { return *documentOf(built_.handle()); }
+  [[nodiscard]] OpenGroup root() const { return {file_.id(), 0}; }
+  [[nodiscard]] GroupAt at(const std::string& path) const { return {file_.id(), path}; }
+  /// A group that could not be opened.
+  [[nodiscard]] static OpenGroup noGroup() { return {-1, 0}; }
 
   BuiltDocument built_ = fullDocument();
   RawFile file_ = RawFile::create(path());
@@ -49,17 +55,17 @@ class SectionWriters : public ExchangeFileTest {
   orvml_io::Silence silence_;
 };
 
-TEST_F(SectionWriters, NegativeFileGivesOne) {
-  EXPECT_EQ(document().nodes->Write(kNoFile, "/N", 3), 1);
-  EXPECT_EQ(document().faces->Write(kNoFile, "/F"), 1);
-  EXPECT_EQ(document().WriteParametersVector(kNoFile, "/G", "1.4"), 1);
+TEST_F(SectionWriters, GroupThatIsNotOpenGivesOne) {
+  EXPECT_EQ(document().nodes->Write(noGroup(), 3), 1);
+  EXPECT_EQ(document().faces->Write(noGroup(), "/F"), 1);
+  EXPECT_EQ(document().WriteParametersVector(noGroup(), "1.4"), 1);
 }
 
-TEST_F(SectionWriters, NegativeFileGivesOneForAContainerWithoutTypeGroupsToo) {
+TEST_F(SectionWriters, GroupThatIsNotOpenGivesOneForAContainerWithoutTypeGroupsToo) {
   const Elems empty;
 
-  EXPECT_EQ(empty.Write(kNoFile, "/F"), 1);
-  EXPECT_EQ(empty.Write(file_.id(), "/F"), 0);
+  EXPECT_EQ(empty.Write(noGroup(), "/F"), 1);
+  EXPECT_EQ(empty.Write(root(), "/F"), 0);
 }
 
 TEST_F(SectionWriters, ExistingDocumentGroupIsUsedAsItIs) {
@@ -73,14 +79,14 @@ TEST_F(SectionWriters, ExistingDocumentGroupIsUsedAsItIs) {
 }
 
 TEST_F(SectionWriters, ExistingContainerGroupsAreUsedAsTheyAre) {
-  for (const char* group : {"/N", "/N/Attributes", "/F", "/F/Attributes"}) {
+  for (const char* group : {"/Nodes", "/Nodes/Attributes", "/F", "/F/Attributes"}) {
     file_.group(group);
   }
 
-  EXPECT_EQ(document().nodes->Write(file_.id(), "/N", 3), 0);
-  EXPECT_EQ(document().faces->Write(file_.id(), "/F"), 0);
+  EXPECT_EQ(document().nodes->Write(root(), 3), 0);
+  EXPECT_EQ(document().faces->Write(root(), "/F"), 0);
 
-  EXPECT_TRUE(file_.has("/N/Attributes/size"));
+  EXPECT_TRUE(file_.has("/Nodes/Attributes/size"));
   EXPECT_TRUE(file_.has("/F/Attributes/surface"));
 }
 
@@ -88,7 +94,7 @@ TEST_F(SectionWriters, ExistingDatasetGivesOne) {
   file_.group("/F");
   file_.intVector("/F/element_types", {1});
 
-  EXPECT_EQ(document().faces->Write(file_.id(), "/F"), 1);
+  EXPECT_EQ(document().faces->Write(root(), "/F"), 1);
 
   EXPECT_TRUE(file_.has("/F/connectivities"));
 }
@@ -100,7 +106,7 @@ TEST_F(SectionWriters, SecondDocumentInTheSameGroupGivesOne) {
 }
 
 TEST_F(SectionWriters, EmptyStoreMakesNoGroup) {
-  EXPECT_EQ(OML_AttributesVector().HDF5Write(file_.id(), "/A"), 0);
+  EXPECT_EQ(OML_AttributesVector().HDF5Write(root(), "/A"), 0);
 
   EXPECT_FALSE(file_.has("/A"));
 }
@@ -109,7 +115,7 @@ TEST_F(SectionWriters, EntryOfAnUnknownCodeGivesOneAfterTheEntriesBefore) {
   FilledStore store;
   store.get().SetZeros("j", 'x', 1, false);
 
-  EXPECT_EQ(store.get().HDF5Write(file_.id(), "/A"), 1);
+  EXPECT_EQ(store.get().HDF5Write(root(), "/A"), 1);
 
   EXPECT_EQ(file_.members("/A"), (Names{"d", "i"}));
 }
@@ -117,8 +123,8 @@ TEST_F(SectionWriters, EntryOfAnUnknownCodeGivesOneAfterTheEntriesBefore) {
 TEST_F(SectionWriters, VersionBelowTheNamedFormatWritesPositionsInsteadOfNames) {
   file_.group("/G");
 
-  EXPECT_EQ(document().WriteParametersScalar(file_.id(), "/G", "1.3"), 0);
-  EXPECT_EQ(document().WriteParametersVector(file_.id(), "/G", "1.3"), 0);
+  EXPECT_EQ(document().WriteParametersScalar(at("/G"), "1.3"), 0);
+  EXPECT_EQ(document().WriteParametersVector(at("/G"), "1.3"), 0);
 
   EXPECT_EQ(file_.members("/G"), (Names{"GenericAttributes", "GenericMarkers", "parameters"}));
   EXPECT_EQ(file_.doubles("/G/parameters"), (std::vector<double>{40.0, 0.25}));
@@ -129,8 +135,8 @@ class NamedVersion : public SectionWriters, public ::testing::WithParamInterface
 TEST_P(NamedVersion, WritesNames) {
   file_.group("/G");
 
-  EXPECT_EQ(document().WriteParametersScalar(file_.id(), "/G", GetParam()), 0);
-  EXPECT_EQ(document().WriteParametersVector(file_.id(), "/G", GetParam()), 0);
+  EXPECT_EQ(document().WriteParametersScalar(at("/G"), GetParam()), 0);
+  EXPECT_EQ(document().WriteParametersVector(at("/G"), GetParam()), 0);
 
   EXPECT_EQ(file_.members("/G"), (Names{"ParametersVector", "parameters"}));
   EXPECT_EQ(file_.shape("/G/parameters").typeClass, H5T_COMPOUND);
@@ -160,7 +166,7 @@ TEST_F(SectionWriters, DocumentGroupThatLeavesNoRoomForTheDimensionGivesOne) {
 struct Suffix {
   const char* name;
   const char* text;
-  int (*write)(OrvInputAndOrvOutput&, hid_t, const char*);
+  int (*write)(OrvInputAndOrvOutput&, const OpenGroup&);
 
   friend std::ostream& operator<<(std::ostream& stream, const Suffix& suffix) {
     return stream << suffix.text;
@@ -178,7 +184,7 @@ TEST_P(LongestPath, OfAMemberIsWritten) {
   const std::string group = groupThatLeaves(std::string(GetParam().text).size());
   file_.group(group);
 
-  EXPECT_EQ(GetParam().write(document(), file_.id(), group.c_str()), 0);
+  EXPECT_EQ(GetParam().write(document(), at(group)), 0);
 
   EXPECT_TRUE(file_.has(group + GetParam().text));
 }
@@ -187,47 +193,49 @@ TEST_P(LongestPath, WithOneByteMoreGivesOne) {
   const std::string group = groupThatLeaves(std::string(GetParam().text).size() - 1);
   file_.group(group);
 
-  EXPECT_EQ(GetParam().write(document(), file_.id(), group.c_str()), 1);
+  EXPECT_EQ(GetParam().write(document(), at(group)), 1);
 }
 
 INSTANTIATE_TEST_SUITE_P(
     Each, LongestPath,
     ::testing::Values(Suffix{"Table", "/parameters",
-                             [](OrvInputAndOrvOutput& document, hid_t file, const char* group) {
-                               return document.WriteParametersScalar(file, group, "1.4");
+                             [](OrvInputAndOrvOutput& document, const OpenGroup& group) {
+                               return document.WriteParametersScalar(group, "1.4");
                              }},
                       Suffix{"VectorParameter", "/ParametersVector/volumes_sizes",
-                             [](OrvInputAndOrvOutput& document, hid_t file, const char* group) {
-                               return document.WriteParametersVector(file, group, "1.4");
+                             [](OrvInputAndOrvOutput& document, const OpenGroup& group) {
+                               return document.WriteParametersVector(group, "1.4");
                              }},
                       Suffix{"Coordinates", "/Nodes/Attributes/forced",
-                             [](OrvInputAndOrvOutput& document, hid_t file, const char* group) {
+                             [](OrvInputAndOrvOutput& document, const OpenGroup& group) {
                                document.nodes->attributes.Delete("size");
-                               return document.WriteNodes(file, group);
+                               return document.WriteNodes(group);
                              }},
                       Suffix{"CellsPerGroup", "/Edges/number_of_nodes_by_element",
-                             [](OrvInputAndOrvOutput& document, hid_t file, const char* group) {
+                             [](OrvInputAndOrvOutput& document, const OpenGroup& group) {
                                document.edges->attributes.DeleteAll();
-                               return document.WriteEdges(file, group);
+                               return document.WriteEdges(group);
                              }},
                       Suffix{"CellAttribute", "/Elements/Attributes/an_attribute_of_a_long_name",
-                             [](OrvInputAndOrvOutput& document, hid_t file, const char* group) {
+                             [](OrvInputAndOrvOutput& document, const OpenGroup& group) {
                                const int value = 1;
                                document.elements->attributes.Set("an_attribute_of_a_long_name",
                                                                  &value, 1, false);
-                               return document.WriteElements(file, group);
+                               return document.WriteElements(group);
                              }}),
     RowName());
 
 TEST_F(SectionWriters, PathThatIsFarTooLongGivesOneEverywhere) {
-  const std::string group = groupOfLength(5000);
+  const std::string path = groupOfLength(5000);
+  file_.group(path);
+  const GroupAt group = at(path);
 
-  EXPECT_EQ(document().WriteNodes(file_.id(), group.c_str()), 1);
-  EXPECT_EQ(document().WriteEdges(file_.id(), group.c_str()), 1);
-  EXPECT_EQ(document().WriteFaces(file_.id(), group.c_str()), 1);
-  EXPECT_EQ(document().WriteElements(file_.id(), group.c_str()), 1);
-  EXPECT_EQ(document().WriteParametersScalar(file_.id(), group.c_str(), "1.4"), 1);
-  EXPECT_EQ(document().WriteParametersVector(file_.id(), group.c_str(), "1.4"), 1);
+  EXPECT_EQ(document().WriteNodes(group), 1);
+  EXPECT_EQ(document().WriteEdges(group), 1);
+  EXPECT_EQ(document().WriteFaces(group), 1);
+  EXPECT_EQ(document().WriteElements(group), 1);
+  EXPECT_EQ(document().WriteParametersScalar(group, "1.4"), 1);
+  EXPECT_EQ(document().WriteParametersVector(group, "1.4"), 1);
 }
 
 }  // namespace

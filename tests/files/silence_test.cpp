@@ -90,7 +90,7 @@ int writeRefusedCounts(const char* path) {
 }
 
 int writeWithoutMarker(const char* path) {
-  const FailingCall failure(Hdf5Function::setStringAttribute, "FORMAT");
+  const FailingCall failure(Hdf5Function::createAttribute, "FORMAT");
   return writeFull(path);
 }
 

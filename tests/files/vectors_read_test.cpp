@@ -307,8 +307,9 @@ TEST_F(VectorStore, KeepsItsOtherEntriesWhenAGroupIsRead) {
   store.Set("kept", &old, 1, true);
   // The block of a replaced entry stays allocated for whoever holds it.
   const orvml_io::MallocBlock replaced(store.find("both")->data);
+  orvml_io::SourceFile source(file.id());
 
-  EXPECT_EQ(store.HDF5Read(file.id(), "/A"), 0);
+  EXPECT_EQ(store.HDF5Read(source, source.root(), "/A"), 0);
 
   EXPECT_EQ(store.count(), 3U);
   EXPECT_EQ(store.find("both")->code, 'i');
@@ -321,8 +322,9 @@ TEST_F(VectorStore, KeepsItsOtherEntriesWhenAGroupIsRead) {
 TEST_F(VectorStore, TakesNothingFromAFileThatIsNone) {
   const orvml_io::Silence silence;
   orvml_io::OML_AttributesVector store;
+  orvml_io::SourceFile none(-1);
 
-  EXPECT_EQ(store.HDF5Read(-1, "/A"), 0);
+  EXPECT_EQ(store.HDF5Read(none, none.root(), "/A"), 0);
 
   EXPECT_EQ(store.count(), 0U);
 }

@@ -28,7 +28,7 @@ class FailingWrite : public ExchangeFileTest {
 };
 
 TEST_F(FailingWrite, MarkerThatCannotBeWrittenLeavesTheFileOpen) {
-  const FailingCall failure(Hdf5Function::setStringAttribute, "FORMAT");
+  const FailingCall failure(Hdf5Function::createAttribute, "FORMAT");
 
   EXPECT_EQ(OrvML_IO_WriteOrvInput(path(), document_.handle()), 1);
 
@@ -37,7 +37,7 @@ TEST_F(FailingWrite, MarkerThatCannotBeWrittenLeavesTheFileOpen) {
 }
 
 TEST_F(FailingWrite, VersionThatCannotBeWrittenLeavesTheFileOpen) {
-  const FailingCall failure(Hdf5Function::setStringAttribute, "ORVMESHLIBRARY_FORMAT_VERSION");
+  const FailingCall failure(Hdf5Function::createAttribute, "ORVMESHLIBRARY_FORMAT_VERSION");
 
   EXPECT_EQ(OrvML_IO_WriteOrvOutput(path(), document_.handle()), 1);
 
@@ -48,7 +48,7 @@ TEST_F(FailingWrite, VersionThatCannotBeWrittenLeavesTheFileOpen) {
 }
 
 TEST_F(FailingWrite, MarkerOfBothDocumentsLeavesTheFileOpenToo) {
-  const FailingCall failure(Hdf5Function::setStringAttribute, "FORMAT");
+  const FailingCall failure(Hdf5Function::createAttribute, "FORMAT");
 
   EXPECT_EQ(OrvML_IO_WriteOrvInputAndOrvOutput(path(), document_.handle(), document_.handle()), 1);
 
@@ -57,7 +57,7 @@ TEST_F(FailingWrite, MarkerOfBothDocumentsLeavesTheFileOpenToo) {
 
 TEST_F(FailingWrite, CreatorThatCannotBeWrittenEndsTheWriting) {
   const RawFile file =
-      writtenDespite(FailingCall(Hdf5Function::setStringAttribute, "ORVML_IO_CREATOR"), 1);
+      writtenDespite(FailingCall(Hdf5Function::createAttribute, "ORVML_IO_CREATOR"), 1);
 
   EXPECT_EQ(file.attributes("/"), (Names{"FORMAT", "ORVMESHLIBRARY_FORMAT_VERSION"}));
   EXPECT_EQ(allPaths(file), Names{"/OrvInput/"});
@@ -65,7 +65,7 @@ TEST_F(FailingWrite, CreatorThatCannotBeWrittenEndsTheWriting) {
 
 TEST_F(FailingWrite, ModuleNameThatCannotBeWrittenEndsTheWriting) {
   const RawFile file =
-      writtenDespite(FailingCall(Hdf5Function::setStringAttribute, "ORVML_MODULE_NAME"), 1);
+      writtenDespite(FailingCall(Hdf5Function::createAttribute, "ORVML_MODULE_NAME"), 1);
 
   EXPECT_EQ(file.attributes("/"),
             (Names{"FORMAT", "ORVMESHLIBRARY_FORMAT_VERSION", "ORVML_IO_CREATOR"}));
@@ -73,22 +73,37 @@ TEST_F(FailingWrite, ModuleNameThatCannotBeWrittenEndsTheWriting) {
 }
 
 TEST_F(FailingWrite, ModuleVersionThatCannotBeWrittenEndsTheWriting) {
-  const RawFile file = writtenDespite(
-      FailingCall(Hdf5Function::setStringAttribute, "ORVML_MODULE_FORMAT_VERSION"), 1);
+  const RawFile file =
+      writtenDespite(FailingCall(Hdf5Function::createAttribute, "ORVML_MODULE_FORMAT_VERSION"), 1);
 
   EXPECT_TRUE(file.hasAttribute("/", "ORVML_MODULE_NAME"));
   EXPECT_EQ(allPaths(file), Names{"/OrvInput/"});
 }
 
 TEST_F(FailingWrite, TableThatCannotBeMadeEndsTheWritingBeforeTheVectors) {
-  const RawFile file = writtenDespite(FailingCall(Hdf5Function::makeTable), 1);
+  const RawFile file = writtenDespite(FailingCall(Hdf5Function::createDataset, "/parameters"), 1);
 
   EXPECT_TRUE(file.has("/OrvInput/Elements"));
   EXPECT_FALSE(file.has("/OrvInput/ParametersVector"));
 }
 
+TEST_F(FailingWrite, RecordsThatCannotBeWrittenEndTheWritingBeforeTheVectors) {
+  const RawFile file = writtenDespite(FailingCall(Hdf5Function::writeDataset, "/parameters"), 1);
+
+  EXPECT_TRUE(file.has("/OrvInput/Elements"));
+  EXPECT_FALSE(file.has("/OrvInput/ParametersVector"));
+}
+
+TEST_F(FailingWrite, ValuesThatCannotBeWrittenGiveOneAndLaterContainersAreNotWritten) {
+  const RawFile file =
+      writtenDespite(FailingCall(Hdf5Function::writeDataset, "/Edges/connectivities"), 1);
+
+  EXPECT_EQ(file.members("/OrvInput"), (Names{"Edges", "Nodes", "dimension"}));
+}
+
 TEST_F(FailingWrite, FlagsThatCannotBeWrittenAreNoFailure) {
-  const RawFile file = writtenDespite(FailingCall(Hdf5Function::setIntAttribute), 0);
+  const RawFile file =
+      writtenDespite(FailingCall(Hdf5Function::createAttribute, "MustBeTransmitted"), 0);
 
   EXPECT_FALSE(file.hasAttribute("/OrvInput/Nodes/Attributes/size", "MustBeTransmitted"));
   EXPECT_TRUE(file.has("/OrvInput/ParametersVector/volumes_sizes"));
@@ -127,7 +142,7 @@ struct LostDataset {
 class LostDatasetTest : public FailingWrite, public ::testing::WithParamInterface<LostDataset> {};
 
 TEST_P(LostDatasetTest, GivesOneAndLaterContainersAreNotWritten) {
-  const RawFile file = writtenDespite(FailingCall(Hdf5Function::makeDataset, GetParam().path), 1);
+  const RawFile file = writtenDespite(FailingCall(Hdf5Function::createDataset, GetParam().path), 1);
 
   EXPECT_EQ(file.members("/OrvInput"), GetParam().members);
   EXPECT_EQ(file.members(GetParam().group), GetParam().groupMembers);
@@ -175,7 +190,7 @@ INSTANTIATE_TEST_SUITE_P(
     RowName());
 
 TEST_F(FailingWrite, NothingStaysOpenWhenAStepFails) {
-  const FailingCall failure(Hdf5Function::makeDataset, "/Faces/connectivities");
+  const FailingCall failure(Hdf5Function::createDataset, "/Faces/connectivities");
 
   EXPECT_EQ(OrvML_IO_WriteOrvInput(path(), document_.handle()), 1);
 

@@ -4,6 +4,7 @@
 #include "model/document.h"
 #include "support/document_builder.h"
 #include "support/document_queries.h"
+#include "support/group_at.h"
 #include "support/open_ids.h"
 #include "support/raw_file.h"
 #include "support/row_name.h"
@@ -29,6 +30,11 @@ class DocumentFileTest : public ::testing::Test {
   [[nodiscard]] orvml_io::OrvInputAndOrvOutput& document() {
     return *orvml_io::documentOf(built_.handle());
   }
+  [[nodiscard]] orvml_io::OpenGroup root() const { return {file_.id(), 0}; }
+  /// The group that takes what the document writes.
+  [[nodiscard]] GroupAt group() const { return {file_.id(), "/OrvInput"}; }
+  /// A group that could not be opened.
+  [[nodiscard]] static orvml_io::OpenGroup noGroup() { return {-1, 0}; }
   /// What was opened and not closed; the file of the test itself is one of it.
   [[nodiscard]] IdCounts opened() const { return ids_.opened(); }
   [[nodiscard]] const char* path() const { return temp_.path(); }

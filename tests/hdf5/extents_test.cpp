@@ -4,222 +4,145 @@
 #include "hdf5/id.h"
 
 #include <climits>
+#include <limits>
 
 namespace orvml_io_tests {
 namespace {
 
 using orvml_io::DatasetId;
-using orvml_io::TableExtents;
+using orvml_io::Extent;
+using orvml_io::extentOf;
+using orvml_io::numberOfRows32;
+using orvml_io::numberOfValues32;
+using orvml_io::vectorLength;
 
-constexpr hsize_t kMebibyte = hsize_t{1} << 20;
-
-/// How a dataset is laid out in its file.
-struct Layout {
-  std::vector<hsize_t> extents;
-  std::vector<hsize_t> chunk = {};  // none: contiguous
-  bool deflated = false;
-};
+constexpr hsize_t kMost = INT_MAX;
 
 class Extents : public DocumentFileTest {
  protected:
-  /// Makes a dataset of bytes; nothing of it is stored until it is written.
-  hid_t make(const Layout& layout) {
-    const hid_t properties = H5Pcreate(H5P_DATASET_CREATE);
-    if (!layout.chunk.empty()) {
-      H5Pset_chunk(properties, static_cast<int>(layout.chunk.size()), layout.chunk.data());
-    }
-    if (layout.deflated) {
-      H5Pset_deflate(properties, 9);
-    }
-    const hid_t space = layout.extents.empty()
-                            ? H5Screate(H5S_SCALAR)
-                            : H5Screate_simple(static_cast<int>(layout.extents.size()),
-                                               layout.extents.data(), nullptr);
-    dataset_ = DatasetId(H5Dcreate2(file().id(), "/OrvInput/d", H5T_NATIVE_SCHAR, space,
-                                    H5P_DEFAULT, properties, H5P_DEFAULT));
-    EXPECT_TRUE(dataset_.valid());
-    H5Sclose(space);
-    H5Pclose(properties);
-    return dataset_.get();
+  /// Makes a dataset of bytes, of which nothing is stored, and returns its extent.
+  std::optional<Extent> made(const std::vector<hsize_t>& extents) {
+    return madeIn(extents.empty() ? H5Screate(H5S_SCALAR)
+                                  : H5Screate_simple(static_cast<int>(extents.size()),
+                                                     extents.data(), nullptr));
   }
-
-  /// Makes a dataset and stores every byte of it.
-  hid_t makeStored(const Layout& layout) {
-    const hid_t dataset = make(layout);
-    hsize_t bytes = 1;
-    for (const hsize_t extent : layout.extents) {
-      bytes *= extent;
-    }
-    const std::vector<signed char> values(bytes, 1);
-    EXPECT_GE(H5Dwrite(dataset, H5T_NATIVE_SCHAR, H5S_ALL, H5S_ALL, H5P_DEFAULT, values.data()), 0);
-    return dataset;
-  }
-
-  /// Opens a dataset without any extents at all.
-  hid_t makeNull() {
-    const hid_t space = H5Screate(H5S_NULL);
-    dataset_ = DatasetId(H5Dcreate2(file().id(), "/OrvInput/d", H5T_NATIVE_SCHAR, space,
-                                    H5P_DEFAULT, H5P_DEFAULT, H5P_DEFAULT));
-    H5Sclose(space);
-    return dataset_.get();
-  }
+  std::optional<Extent> madeWithoutASpace() { return madeIn(H5Screate(H5S_NULL)); }
 
  private:
-  DatasetId dataset_;
+  std::optional<Extent> madeIn(hid_t space) {
+    const orvml_io::DataspaceId owned(space);
+    const DatasetId dataset(H5Dcreate2(file().id(), "/OrvInput/d", H5T_NATIVE_SCHAR, space,
+                                       H5P_DEFAULT, H5P_DEFAULT, H5P_DEFAULT));
+    EXPECT_TRUE(dataset.valid());
+    return extentOf(dataset.get());
+  }
 };
 
-bool operator==(const TableExtents& a, const TableExtents& b) {
-  return a.rows == b.rows && a.columns == b.columns;
+void expectExtent(const std::optional<Extent>& extent, int rank, hsize_t first,
+                  hsize_t numberOfValues) {
+  ASSERT_TRUE(extent.has_value());
+  EXPECT_EQ(extent->rank, rank);
+  EXPECT_EQ(extent->first, first);
+  EXPECT_EQ(extent->numberOfValues, numberOfValues);
 }
 
-TEST_F(Extents, OfAVectorAreItsLength) { EXPECT_EQ(orvml_io::vectorLength(make({{5}}), 1), 5); }
+TEST_F(Extents, OfAVectorAreItsLength) { expectExtent(made({5}), 1, 5, 5); }
 
-TEST_F(Extents, OfAnEmptyVectorAreZero) { EXPECT_EQ(orvml_io::vectorLength(make({{0}}), 1), 0); }
+TEST_F(Extents, OfATableAreItsRowsAndAllItsValues) { expectExtent(made({4, 3}), 2, 4, 12); }
 
-TEST_F(Extents, OfOtherRanksAreNoLength) {
-  EXPECT_EQ(orvml_io::vectorLength(make({{5, 2}}), 1), std::nullopt);
+TEST_F(Extents, OfASingleValueAreOneValueWithoutRows) { expectExtent(made({}), 0, 0, 1); }
+
+TEST_F(Extents, OfANullSpaceAreNoValues) { expectExtent(madeWithoutASpace(), 0, 0, 0); }
+
+TEST_F(Extents, OfTheHighestRankAreAllItsValues) {
+  std::vector<hsize_t> extents(H5S_MAX_RANK, 1);
+  extents.front() = 3;
+  extents.back() = 2;
+
+  expectExtent(made(extents), H5S_MAX_RANK, 3, 6);
 }
 
-TEST_F(Extents, OfASingleValueAreNoLength) {
-  EXPECT_EQ(orvml_io::vectorLength(make({{}}), 1), std::nullopt);
-}
+TEST_F(Extents, WithAZeroAreNoValuesWhateverElseTheyAre) { expectExtent(made({4, 0}), 2, 4, 0); }
 
-TEST_F(Extents, OfAHighRankAreNeitherLengthNorTable) {
-  const hid_t dataset = make({std::vector<hsize_t>(32, 1)});
-
-  EXPECT_EQ(orvml_io::vectorLength(dataset, 1), std::nullopt);
-  EXPECT_FALSE(orvml_io::tableExtents(dataset, 1).has_value());
-}
-
-TEST_F(Extents, OfANullSpaceAreNeitherLengthNorTable) {
-  const hid_t dataset = makeNull();
-
-  EXPECT_EQ(orvml_io::vectorLength(dataset, 1), std::nullopt);
-  EXPECT_FALSE(orvml_io::tableExtents(dataset, 1).has_value());
-}
-
-TEST_F(Extents, OfNoDatasetAreNeitherLengthNorTable) {
-  EXPECT_EQ(orvml_io::vectorLength(-1, 1), std::nullopt);
-  EXPECT_FALSE(orvml_io::tableExtents(-1, 1).has_value());
-}
-
-// Values of no bytes leave only the test of the 32-bit integer.
-TEST_F(Extents, UpToTheLargestIntegerAreALength) {
-  EXPECT_EQ(orvml_io::vectorLength(make({{hsize_t{INT_MAX}}}), 0), INT_MAX);
-}
-
-TEST_F(Extents, BeyondTheLargestIntegerAreNoLength) {
-  EXPECT_EQ(orvml_io::vectorLength(make({{hsize_t{INT_MAX} + 1}}), 0), std::nullopt);
-}
-
-// Cut to 32 bits, this length would read as 3.
-TEST_F(Extents, BeyondThirtyTwoBitsAreNoLength) {
-  EXPECT_EQ(orvml_io::vectorLength(make({{(hsize_t{1} << 40) + 3}, {1024}}), 1), std::nullopt);
-}
-
-TEST_F(Extents, UpToOneMebibyteNeedNoStorage) {
-  EXPECT_EQ(orvml_io::vectorLength(make({{kMebibyte / 8}}), 8), static_cast<int>(kMebibyte / 8));
-}
-
-TEST_F(Extents, BeyondOneMebibyteNeedStorage) {
-  EXPECT_EQ(orvml_io::vectorLength(make({{kMebibyte / 8 + 1}}), 8), std::nullopt);
-}
-
-TEST_F(Extents, BeyondOneMebibyteThatAreStoredAreALength) {
-  const hsize_t length = kMebibyte + 1;
-
-  EXPECT_EQ(orvml_io::vectorLength(makeStored({{length}}), 1), static_cast<int>(length));
-}
-
-TEST_F(Extents, OfDeflatedValuesAreALength) {
-  const hsize_t length = 4 * kMebibyte;
-
-  EXPECT_EQ(orvml_io::vectorLength(makeStored({{length}, {length}, true}), 1),
-            static_cast<int>(length));
-}
-
-TEST_F(Extents, WithOneStoredChunkOfManyAreNoLength) {
-  const hid_t dataset = make({{hsize_t{1} << 28}, {1024}});
-  const signed char value = 1;
-  const hsize_t first = 0;
-  const hsize_t one = 1;
-  const orvml_io::DataspaceId target(H5Dget_space(dataset));
-  const orvml_io::DataspaceId source(H5Screate_simple(1, &one, nullptr));
-  H5Sselect_hyperslab(target.get(), H5S_SELECT_SET, &first, nullptr, &one, nullptr);
-  ASSERT_GE(H5Dwrite(dataset, H5T_NATIVE_SCHAR, source.get(), target.get(), H5P_DEFAULT, &value),
-            0);
-
-  EXPECT_EQ(orvml_io::vectorLength(dataset, 1), std::nullopt);
-}
-
-TEST_F(Extents, MustBeThoseAskedFor) {
-  const hid_t dataset = make({{5}});
-
-  EXPECT_TRUE(orvml_io::isVectorOfLength(dataset, 5, 1));
-  EXPECT_FALSE(orvml_io::isVectorOfLength(dataset, 4, 1));
-  EXPECT_FALSE(orvml_io::isVectorOfLength(dataset, 6, 1));
-  EXPECT_FALSE(orvml_io::isVectorOfLength(dataset, -5, 1));
-}
-
-TEST_F(Extents, OfOtherRanksAreNotThoseAskedFor) {
-  EXPECT_FALSE(orvml_io::isVectorOfLength(make({{5, 2}}), 5, 1));
-}
-
-TEST_F(Extents, OfATableAreItsRowsAndColumns) {
-  const std::optional<TableExtents> extents = orvml_io::tableExtents(make({{4, 3}}), 8);
-
-  ASSERT_TRUE(extents.has_value());
-  EXPECT_TRUE(*extents == (TableExtents{4, 3}));
-  EXPECT_EQ(extents->numberOfValues(), 12);
-}
-
-TEST_F(Extents, OfAVectorAreNoTable) {
-  EXPECT_FALSE(orvml_io::tableExtents(make({{4}}), 8).has_value());
-}
-
-TEST_F(Extents, OfTablesWithoutValuesAreAnswered) {
-  const std::optional<TableExtents> extents = orvml_io::tableExtents(make({{0, 3}}), 8);
-
-  ASSERT_TRUE(extents.has_value());
-  EXPECT_TRUE(*extents == (TableExtents{0, 3}));
-}
-
-TEST_F(Extents, OfATableWithTooManyValuesAreRefused) {
-  EXPECT_FALSE(orvml_io::tableExtents(make({{hsize_t{1} << 30, 2}}), 0).has_value());
-}
-
-// In 32 bits this product is 0.
-TEST_F(Extents, OfATableWhoseProductWrapsAreRefused) {
-  EXPECT_FALSE(orvml_io::tableExtents(make({{1 << 16, 1 << 16}}), 0).has_value());
-}
-
-TEST_F(Extents, OfATableWithAnExtentBeyondThirtyTwoBitsAreRefused) {
-  EXPECT_FALSE(orvml_io::tableExtents(make({{(hsize_t{1} << 33) + 1, 1}}), 0).has_value());
-}
-
-TEST_F(Extents, OfASecondExtentBeyondThirtyTwoBitsAreRefused) {
-  EXPECT_FALSE(orvml_io::tableExtents(make({{1, (hsize_t{1} << 33) + 1}}), 0).has_value());
-}
-
-TEST_F(Extents, OfALargeTableWithoutStorageAreRefused) {
-  EXPECT_FALSE(orvml_io::tableExtents(make({{kMebibyte / 16 + 1, 2}}), 8).has_value());
-}
-
-TEST_F(Extents, OfATableOfOneMebibyteNeedNoStorage) {
-  EXPECT_TRUE(orvml_io::tableExtents(make({{kMebibyte / 16, 2}}), 8).has_value());
-}
+TEST_F(Extents, OfNoDatasetAreUnknown) { EXPECT_FALSE(extentOf(-1).has_value()); }
 
 TEST_F(Extents, LeaveNoDataspaceOpen) {
-  const hid_t dataset = make({{4, 3}});
   hsize_t before = 0;
   hsize_t after = 0;
   H5Inmembers(H5I_DATASPACE, &before);
 
-  (void)orvml_io::tableExtents(dataset, 8);
-  (void)orvml_io::vectorLength(dataset, 8);
+  (void)made({4, 3});
 
   H5Inmembers(H5I_DATASPACE, &after);
   EXPECT_EQ(after, before);
+}
+
+TEST(VectorLength, IsTheFirstExtentOfAnyRank) {
+  EXPECT_EQ(vectorLength({1, 5, 5}), 5);
+  EXPECT_EQ(vectorLength({2, 5, 5}), 5);
+  EXPECT_EQ(vectorLength({32, 5, 5}), 5);
+  EXPECT_EQ(vectorLength({1, 0, 0}), 0);
+}
+
+TEST(VectorLength, OfASingleValueHasNoAnswer) { EXPECT_EQ(vectorLength({0, 0, 1}), std::nullopt); }
+
+TEST(VectorLength, OfANullSpaceHasNoAnswer) { EXPECT_EQ(vectorLength({0, 0, 0}), std::nullopt); }
+
+TEST(VectorLength, OfRowsOfOtherThanOneValueHasNoAnswer) {
+  EXPECT_EQ(vectorLength({2, 5, 10}), std::nullopt);
+  EXPECT_EQ(vectorLength({2, 5, 0}), std::nullopt);
+}
+
+// Cut to 32 bits, the last one would read as 3.
+TEST(VectorLength, BeyondTheLargestIntegerHasNoAnswer) {
+  EXPECT_EQ(vectorLength({1, kMost, kMost}), INT_MAX);
+  EXPECT_EQ(vectorLength({1, kMost + 1, kMost + 1}), std::nullopt);
+  EXPECT_EQ(vectorLength({1, (hsize_t{1} << 40) + 3, (hsize_t{1} << 40) + 3}), std::nullopt);
+}
+
+TEST(NumberOfValues32, IsThatOfAnyRank) {
+  EXPECT_EQ(numberOfValues32({0, 0, 1}), 1);
+  EXPECT_EQ(numberOfValues32({2, 4, 12}), 12);
+  EXPECT_EQ(numberOfValues32({2, 4, kMost}), INT_MAX);
+}
+
+TEST(NumberOfValues32, BeyondTheLargestIntegerHasNoAnswer) {
+  EXPECT_EQ(numberOfValues32({2, 4, kMost + 1}), std::nullopt);
+}
+
+// In 32 bits, and in 64, such products are 0.
+TEST_F(Extents, WhoseProductWrapsAreTooManyValues) {
+  EXPECT_EQ(numberOfValues32(*made({1 << 16, 1 << 16})), std::nullopt);
+}
+
+TEST_F(Extents, WhoseProductLeaves64BitsAreTheLargestNumber) {
+  // HDF5 stores no dataset so large, but files may claim one in chunks.
+  const hsize_t extents[] = {hsize_t{1} << 40, hsize_t{1} << 40};
+  const hsize_t chunk[] = {1, 1};
+  const orvml_io::PropertyListId properties(H5Pcreate(H5P_DATASET_CREATE));
+  H5Pset_chunk(properties.get(), 2, chunk);
+  const orvml_io::DataspaceId space(H5Screate_simple(2, extents, nullptr));
+  const DatasetId dataset(H5Dcreate2(file().id(), "/OrvInput/d", H5T_NATIVE_SCHAR, space.get(),
+                                     H5P_DEFAULT, properties.get(), H5P_DEFAULT));
+  if (!dataset.valid()) {
+    GTEST_SKIP() << "this HDF5 makes no such dataset";
+  }
+
+  EXPECT_EQ(extentOf(dataset.get())->numberOfValues, std::numeric_limits<hsize_t>::max());
+}
+
+TEST(NumberOfRows32, IsTheFirstExtentOfAnyRank) {
+  EXPECT_EQ(numberOfRows32({1, 6, 6}), 6);
+  EXPECT_EQ(numberOfRows32({3, 6, 36}), 6);
+  EXPECT_EQ(numberOfRows32({2, kMost, 0}), INT_MAX);
+}
+
+TEST(NumberOfRows32, WithoutAnExtentHasNoAnswer) {
+  EXPECT_EQ(numberOfRows32({0, 0, 1}), std::nullopt);
+}
+
+TEST(NumberOfRows32, BeyondTheLargestIntegerHasNoAnswer) {
+  EXPECT_EQ(numberOfRows32({2, kMost + 1, 0}), std::nullopt);
 }
 
 TEST(Sum32, AddsCounts) {

@@ -13,7 +13,7 @@ class LegacyWriters : public DocumentFileTest {};
 TEST_F(LegacyWriters, ScalarsAreTheValuesInTheOrderOfTheirNames) {
   built().scalar("b", 2).scalar("a", 1).scalar("B", 3);
 
-  EXPECT_EQ(document().WriteParametersScalarOld(file().id(), "/OrvInput"), 0);
+  EXPECT_EQ(document().WriteParametersScalarOld(group()), 0);
 
   const RawShape shape = file().shape("/OrvInput/parameters");
   EXPECT_EQ(shape.typeClass, H5T_FLOAT);
@@ -25,13 +25,13 @@ TEST_F(LegacyWriters, ScalarsAreTheValuesInTheOrderOfTheirNames) {
 TEST_F(LegacyWriters, ScalarsHaveNoAttributesOfATable) {
   built().scalar("a", 1);
 
-  ASSERT_EQ(document().WriteParametersScalarOld(file().id(), "/OrvInput"), 0);
+  ASSERT_EQ(document().WriteParametersScalarOld(group()), 0);
 
   EXPECT_EQ(file().attributes("/OrvInput/parameters"), std::vector<std::string>{});
 }
 
 TEST_F(LegacyWriters, NoScalarsMakeNoDataset) {
-  EXPECT_EQ(document().WriteParametersScalarOld(file().id(), "/OrvInput"), 0);
+  EXPECT_EQ(document().WriteParametersScalarOld(group()), 0);
 
   EXPECT_FALSE(file().has("/OrvInput/parameters"));
 }
@@ -40,25 +40,25 @@ TEST_F(LegacyWriters, ScalarsThatExistAlreadyGiveOne) {
   file().doubleVector("/OrvInput/parameters", {9});
   built().scalar("a", 1);
 
-  EXPECT_EQ(document().WriteParametersScalarOld(file().id(), "/OrvInput"), 1);
+  EXPECT_EQ(document().WriteParametersScalarOld(group()), 1);
 
   EXPECT_EQ(file().doubles("/OrvInput/parameters"), (Doubles{9}));
 }
 
 TEST_F(LegacyWriters, NoScalarsNeedNoFile) {
-  EXPECT_EQ(document().WriteParametersScalarOld(-1, "/OrvInput"), 0);
+  EXPECT_EQ(document().WriteParametersScalarOld(noGroup()), 0);
 }
 
 TEST_F(LegacyWriters, ScalarsWithoutAFileGiveOne) {
   built().scalar("a", 1);
 
-  EXPECT_EQ(document().WriteParametersScalarOld(-1, "/OrvInput"), 1);
+  EXPECT_EQ(document().WriteParametersScalarOld(noGroup()), 1);
 }
 
 TEST_F(LegacyWriters, IntVectorsAreNumberedInTheOrderOfTheirNames) {
   built().vector("b", Ints{2, 2}).vector("a", Ints{1}).vector("0", Doubles{0.5});
 
-  EXPECT_EQ(document().WriteParametersVectorOld(file().id(), "/OrvInput"), 0);
+  EXPECT_EQ(document().WriteParametersVectorOld(group()), 0);
 
   EXPECT_EQ(file().intAttribute("/OrvInput/GenericMarkers", "MAX_ID"), 2);
   EXPECT_EQ(file().members("/OrvInput/GenericMarkers"), (std::vector<std::string>{"0", "1"}));
@@ -69,7 +69,7 @@ TEST_F(LegacyWriters, IntVectorsAreNumberedInTheOrderOfTheirNames) {
 TEST_F(LegacyWriters, DoubleVectorsAreNumberedInTheOrderOfTheirNames) {
   built().vector("b", Doubles{2.5}).vector("c", Ints{1}).vector("a", Doubles{1.5, 1.25});
 
-  EXPECT_EQ(document().WriteParametersVectorOld(file().id(), "/OrvInput"), 0);
+  EXPECT_EQ(document().WriteParametersVectorOld(group()), 0);
 
   EXPECT_EQ(file().intAttribute("/OrvInput/GenericAttributes", "MAX_ID"), 2);
   EXPECT_EQ(file().members("/OrvInput/GenericAttributes"), (std::vector<std::string>{"0", "1"}));
@@ -80,7 +80,7 @@ TEST_F(LegacyWriters, DoubleVectorsAreNumberedInTheOrderOfTheirNames) {
 TEST_F(LegacyWriters, VectorsAreOfNativeTypesAndRankOne) {
   built().vector("i", Ints{1, 2, 3}).vector("d", Doubles{1, 2});
 
-  ASSERT_EQ(document().WriteParametersVectorOld(file().id(), "/OrvInput"), 0);
+  ASSERT_EQ(document().WriteParametersVectorOld(group()), 0);
 
   const RawShape ints = file().shape("/OrvInput/GenericMarkers/0");
   EXPECT_EQ(ints.typeClass, H5T_INTEGER);
@@ -95,7 +95,7 @@ TEST_F(LegacyWriters, VectorsAreOfNativeTypesAndRankOne) {
 TEST_F(LegacyWriters, MaxIdIsOneNativeInteger) {
   built().vector("i", Ints{1});
 
-  ASSERT_EQ(document().WriteParametersVectorOld(file().id(), "/OrvInput"), 0);
+  ASSERT_EQ(document().WriteParametersVectorOld(group()), 0);
 
   const RawShape shape = file().attributeShape("/OrvInput/GenericMarkers", "MAX_ID");
   EXPECT_EQ(shape.typeClass, H5T_INTEGER);
@@ -106,13 +106,13 @@ TEST_F(LegacyWriters, MaxIdIsOneNativeInteger) {
 TEST_F(LegacyWriters, TypesWithoutVectorsMakeNoGroup) {
   built().vector("i", Ints{1});
 
-  ASSERT_EQ(document().WriteParametersVectorOld(file().id(), "/OrvInput"), 0);
+  ASSERT_EQ(document().WriteParametersVectorOld(group()), 0);
 
   EXPECT_FALSE(file().has("/OrvInput/GenericAttributes"));
 }
 
 TEST_F(LegacyWriters, NoVectorsMakeNoGroups) {
-  EXPECT_EQ(document().WriteParametersVectorOld(file().id(), "/OrvInput"), 0);
+  EXPECT_EQ(document().WriteParametersVectorOld(group()), 0);
 
   EXPECT_EQ(file().members("/OrvInput"), std::vector<std::string>{});
 }
@@ -120,7 +120,7 @@ TEST_F(LegacyWriters, NoVectorsMakeNoGroups) {
 TEST_F(LegacyWriters, EmptyVectorsAreEmptyDatasets) {
   built().vector("i", Ints{}).vector("d", Doubles{});
 
-  EXPECT_EQ(document().WriteParametersVectorOld(file().id(), "/OrvInput"), 0);
+  EXPECT_EQ(document().WriteParametersVectorOld(group()), 0);
 
   EXPECT_EQ(file().shape("/OrvInput/GenericMarkers/0").extents, std::vector<hsize_t>{0});
   EXPECT_EQ(file().shape("/OrvInput/GenericAttributes/0").extents, std::vector<hsize_t>{0});
@@ -130,7 +130,7 @@ TEST_F(LegacyWriters, GroupThatExistsIsUsedAsItIs) {
   file().group("/OrvInput/GenericMarkers");
   built().vector("i", Ints{4});
 
-  EXPECT_EQ(document().WriteParametersVectorOld(file().id(), "/OrvInput"), 0);
+  EXPECT_EQ(document().WriteParametersVectorOld(group()), 0);
 
   EXPECT_EQ(file().ints("/OrvInput/GenericMarkers/0"), (Ints{4}));
 }
@@ -140,7 +140,7 @@ TEST_F(LegacyWriters, FirstVectorThatFailsEndsTheWriting) {
   file().intVector("/OrvInput/GenericMarkers/1", {9});
   built().vector("a", Ints{1}).vector("b", Ints{2}).vector("c", Ints{3}).vector("d", Doubles{4});
 
-  EXPECT_EQ(document().WriteParametersVectorOld(file().id(), "/OrvInput"), 1);
+  EXPECT_EQ(document().WriteParametersVectorOld(group()), 1);
 
   EXPECT_EQ(file().intAttribute("/OrvInput/GenericMarkers", "MAX_ID"), 3);
   EXPECT_EQ(file().members("/OrvInput/GenericMarkers"), (std::vector<std::string>{"0", "1"}));
@@ -150,18 +150,18 @@ TEST_F(LegacyWriters, FirstVectorThatFailsEndsTheWriting) {
 TEST_F(LegacyWriters, MaxIdThatCannotBeWrittenGivesOne) {
   built().vector("i", Ints{1});
 
-  EXPECT_EQ(document().WriteParametersVectorOld(file().id(), "/NoSuchGroup"), 1);
+  EXPECT_EQ(document().WriteParametersVectorOld(noGroup()), 1);
 }
 
 TEST_F(LegacyWriters, VectorsWithoutAFileGiveOneEvenWhenThereAreNone) {
-  EXPECT_EQ(document().WriteParametersVectorOld(-1, "/OrvInput"), 1);
+  EXPECT_EQ(document().WriteParametersVectorOld(noGroup()), 1);
 }
 
 TEST_F(LegacyWriters, EntriesOfAnotherTypeAreSkipped) {
   document().parametersVector.SetZeros("a", 'x', 1, false);
   built().vector("b", Ints{2});
 
-  EXPECT_EQ(document().WriteParametersVectorOld(file().id(), "/OrvInput"), 0);
+  EXPECT_EQ(document().WriteParametersVectorOld(group()), 0);
 
   EXPECT_EQ(file().members("/OrvInput"), std::vector<std::string>{"GenericMarkers"});
   EXPECT_EQ(file().ints("/OrvInput/GenericMarkers/0"), (Ints{2}));
@@ -169,18 +169,20 @@ TEST_F(LegacyWriters, EntriesOfAnotherTypeAreSkipped) {
 
 TEST_F(LegacyWriters, PathsThatDoNotFitGiveOne) {
   built().scalar("s", 1).vector("i", Ints{1});
-  const std::string group = "/" + std::string(1022, 'g');
+  const GroupAt group(file().id(), std::string(1023, '/'));
 
-  EXPECT_EQ(document().WriteParametersScalarOld(file().id(), group.c_str()), 1);
-  EXPECT_EQ(document().WriteParametersVectorOld(file().id(), group.c_str()), 1);
+  EXPECT_EQ(document().WriteParametersScalarOld(group), 1);
+  EXPECT_EQ(document().WriteParametersVectorOld(group), 1);
+
+  EXPECT_EQ(file().members("/"), std::vector<std::string>{"OrvInput"});
 }
 
 // "/GenericMarkers" fits and the longer "/GenericAttributes" does not.
 TEST_F(LegacyWriters, PathThatFitsForMarkersAloneGivesOneAndNothingIsWritten) {
   built().vector("i", Ints{1});
-  const std::string group(1023 - 15, '/');
+  const GroupAt group(file().id(), std::string(1023 - 15, '/'));
 
-  EXPECT_EQ(document().WriteParametersVectorOld(file().id(), group.c_str()), 1);
+  EXPECT_EQ(document().WriteParametersVectorOld(group), 1);
 
   EXPECT_EQ(file().members("/"), std::vector<std::string>{"OrvInput"});
 }
@@ -189,8 +191,8 @@ TEST_F(LegacyWriters, LeaveNoIdentifierOpen) {
   built().scalar("s", 1).vector("i", Ints{1}).vector("d", Doubles{1});
   const IdCounts before = opened();
 
-  ASSERT_EQ(document().WriteParametersScalarOld(file().id(), "/OrvInput"), 0);
-  ASSERT_EQ(document().WriteParametersVectorOld(file().id(), "/OrvInput"), 0);
+  ASSERT_EQ(document().WriteParametersScalarOld(group()), 0);
+  ASSERT_EQ(document().WriteParametersVectorOld(group()), 0);
 
   EXPECT_EQ(opened(), before);
 }
@@ -213,8 +215,8 @@ class LayoutsOfWriters : public DocumentFileTest,
 TEST_P(LayoutsOfWriters, AreSelectedByTheVersion) {
   built().scalar("s", 1).vector("v", Ints{1});
 
-  ASSERT_EQ(document().WriteParametersScalar(file().id(), "/OrvInput", GetParam().text), 0);
-  ASSERT_EQ(document().WriteParametersVector(file().id(), "/OrvInput", GetParam().text), 0);
+  ASSERT_EQ(document().WriteParametersScalar(group(), GetParam().text), 0);
+  ASSERT_EQ(document().WriteParametersVector(group(), GetParam().text), 0);
 
   EXPECT_EQ(file().shape("/OrvInput/parameters").typeClass,
             GetParam().scalarsAreTable ? H5T_COMPOUND : H5T_FLOAT);

@@ -76,7 +76,9 @@ TEST_F(Links, BelowZeroAndBelowLessAreNone) {
   EXPECT_EQ(orvml_io::positionsBelow(group, -1), Ints{});
 }
 
-TEST_F(Links, OfNoGroupHoldNoPositions) { EXPECT_EQ(orvml_io::positionsBelow(-1, 10), Ints{}); }
+TEST_F(Links, OfNoGroupHoldPositionsThatCannotBeTold) {
+  EXPECT_EQ(orvml_io::positionsBelow(-1, 10), std::nullopt);
+}
 
 }  // namespace
 }  // namespace orvml_io_tests

@@ -5,6 +5,7 @@
 
 #include <climits>
 #include <cstdio>
+#include <optional>
 
 namespace orvml_io_tests {
 namespace {
@@ -22,20 +23,20 @@ class Probes : public DocumentFileTest {};
 TEST_F(Probes, GroupExistsForAnyObject) {
   file().intVector("/OrvInput/v", {1});
 
-  EXPECT_TRUE(Orv_H5_GroupExists(file().id(), "/OrvInput"));
-  EXPECT_TRUE(Orv_H5_GroupExists(file().id(), "/OrvInput/v"));
+  EXPECT_TRUE(Orv_H5_GroupExists(root(), "/OrvInput"));
+  EXPECT_TRUE(Orv_H5_GroupExists(group(), "/v"));
 }
 
 TEST_F(Probes, GroupExistsForALinkToNowhere) {
   H5Lcreate_soft("/nowhere", file().id(), "/OrvInput/link", H5P_DEFAULT, H5P_DEFAULT);
 
-  EXPECT_TRUE(Orv_H5_GroupExists(file().id(), "/OrvInput/link"));
+  EXPECT_TRUE(Orv_H5_GroupExists(group(), "/link"));
 }
 
 TEST_F(Probes, GroupDoesNotExistWithoutALink) {
-  EXPECT_FALSE(Orv_H5_GroupExists(file().id(), "/OrvInput/nothing"));
-  EXPECT_FALSE(Orv_H5_GroupExists(file().id(), "/nothing/nothing"));
-  EXPECT_FALSE(Orv_H5_GroupExists(-1, "/OrvInput"));
+  EXPECT_FALSE(Orv_H5_GroupExists(group(), "/nothing"));
+  EXPECT_FALSE(Orv_H5_GroupExists(root(), "/nothing/nothing"));
+  EXPECT_FALSE(Orv_H5_GroupExists(noGroup(), "/OrvInput"));
 }
 
 TEST_F(Probes, AttributeOfAFileIsThatOfItsRootGroup) {
@@ -55,7 +56,11 @@ class TextProbes : public Probes {
   /// Tells the location that the attribute exists, whatever the group's is.
   TextProbes() { file().textAttribute("/", "text", "of the root"); }
 
-  int readText() { return Orv_H5_GetAttributeIfExists(file().id(), "/OrvInput", "text", text_); }
+  int readText() {
+    const orvml_io::SourceFile source(file().id());
+    const orvml_io::OpenGroup object = group_;
+    return Orv_H5_GetAttributeIfExists(source, object.id(), "text", text_);
+  }
 
   void addText(hid_t type, const std::vector<hsize_t>& extents, const void* data) {
     file().attribute("/OrvInput", "text", type, extents, data);
@@ -73,6 +78,7 @@ class TextProbes : public Probes {
 
  private:
   std::string text_ = "untouched";
+  GroupAt group_ = group();
 };
 
 TEST_F(TextProbes, TextIsThatOfTheObject) {
@@ -98,10 +104,11 @@ TEST_F(TextProbes, TextOfTheLocationAloneCannotBeRead) {
   EXPECT_EQ(text(), "untouched");
 }
 
-TEST_F(TextProbes, TextOfAMissingObjectCannotBeRead) {
+TEST_F(TextProbes, TextOfNoObjectCannotBeRead) {
+  const orvml_io::SourceFile source(file().id());
   std::string text;
 
-  EXPECT_LT(Orv_H5_GetAttributeIfExists(file().id(), "/nothing", "text", text), 0);
+  EXPECT_LT(Orv_H5_GetAttributeIfExists(source, -1, "text", text), 0);
 }
 
 TEST_F(TextProbes, EmptyTextIsRead) {
@@ -194,79 +201,95 @@ TEST_F(TextProbes, LeaveNoIdentifierOpen) {
   EXPECT_EQ(opened(), before);
 }
 
-TEST_F(Probes, VectorDimensionIsTheLength) {
+class VectorDimension : public Probes {
+ protected:
+  int dimensionOf(const char* path) {
+    const orvml_io::DatasetId dataset(H5Dopen2(file().id(), path, H5P_DEFAULT));
+    return Orv_H5_GetVectorDimension(dataset.get());
+  }
+};
+
+TEST_F(VectorDimension, IsTheLength) {
   file().doubleVector("/OrvInput/v", {1, 2, 3});
 
-  EXPECT_EQ(Orv_H5_GetVectorDimension(file().id(), "/OrvInput/v", sizeof(double)), 3);
+  EXPECT_EQ(dimensionOf("/OrvInput/v"), 3);
 }
 
-TEST_F(Probes, VectorDimensionOfAnEmptyVectorIsZero) {
+TEST_F(VectorDimension, OfAnEmptyVectorIsZero) {
   file().doubleVector("/OrvInput/v", {});
 
-  EXPECT_EQ(Orv_H5_GetVectorDimension(file().id(), "/OrvInput/v", sizeof(double)), 0);
+  EXPECT_EQ(dimensionOf("/OrvInput/v"), 0);
 }
 
-TEST_F(Probes, VectorDimensionOfNoDatasetIsMinusOne) {
-  EXPECT_EQ(Orv_H5_GetVectorDimension(file().id(), "/OrvInput/v", sizeof(int)), -1);
-  EXPECT_EQ(Orv_H5_GetVectorDimension(file().id(), "/OrvInput", sizeof(int)), -1);
-  EXPECT_EQ(Orv_H5_GetVectorDimension(-1, "/OrvInput", sizeof(int)), -1);
+TEST_F(VectorDimension, OfATableWithOneColumnIsItsRows) {
+  file().doubleTable("/OrvInput/v", 3, 1, {1, 2, 3});
+
+  EXPECT_EQ(dimensionOf("/OrvInput/v"), 3);
 }
 
-TEST_F(Probes, VectorDimensionOfATableIsNotAVector) {
+TEST_F(VectorDimension, OfNoDatasetIsMinusOne) { EXPECT_EQ(dimensionOf("/OrvInput/nothing"), -1); }
+
+TEST_F(VectorDimension, OfATableWithMoreColumnsIsMinusOne) {
   file().doubleTable("/OrvInput/v", 2, 2, {1, 2, 3, 4});
 
-  EXPECT_EQ(Orv_H5_GetVectorDimension(file().id(), "/OrvInput/v", sizeof(double)),
-            orvml_io::kNotAVector);
+  EXPECT_EQ(dimensionOf("/OrvInput/v"), -1);
 }
 
-TEST_F(Probes, VectorDimensionBeyondThirtyTwoBitsIsNotAVector) {
+TEST_F(VectorDimension, BeyondThirtyTwoBitsIsMinusOne) {
   file().dataset("/OrvInput/v", H5T_NATIVE_SCHAR, {hsize_t{1} << 32}, nullptr);
 
-  EXPECT_EQ(Orv_H5_GetVectorDimension(file().id(), "/OrvInput/v", 1), orvml_io::kNotAVector);
+  EXPECT_EQ(dimensionOf("/OrvInput/v"), -1);
 }
 
-TEST_F(Probes, VectorDimensionLeavesTheDatasetOpen) {
-  file().intVector("/OrvInput/v", {1});
+class IntegerAttribute : public Probes {
+ protected:
+  std::optional<int> read(const char* object, const char* name) {
+    orvml_io::SourceFile source(file().id());
+    return readIntegerAttribute(source, root(), object, name);
+  }
+};
 
-  (void)Orv_H5_GetVectorDimension(file().id(), "/OrvInput/v", sizeof(int));
-
-  EXPECT_EQ(opened(), (IdCounts{1, 0, 1, 0, 0}));
-}
-
-TEST_F(Probes, IntegerAttributeIsRead) {
+TEST_F(IntegerAttribute, IsRead) {
   file().intAttributeValue("/OrvInput", "MAX_ID", -7);
 
-  EXPECT_EQ(readIntegerAttribute(file().id(), "/OrvInput", "MAX_ID"), -7);
+  EXPECT_EQ(read("/OrvInput", "MAX_ID"), -7);
 }
 
-TEST_F(Probes, IntegerAttributeWithoutExtentsIsRead) {
+TEST_F(IntegerAttribute, WithoutExtentsIsRead) {
   const int value = 7;
   file().attribute("/OrvInput", "MAX_ID", H5T_NATIVE_INT, {}, &value);
 
-  EXPECT_EQ(readIntegerAttribute(file().id(), "/OrvInput", "MAX_ID"), 7);
+  EXPECT_EQ(read("/OrvInput", "MAX_ID"), 7);
 }
 
-TEST_F(Probes, LongIntegerAttributeEndsAtTheLargestInteger) {
+TEST_F(IntegerAttribute, ThatIsLongEndsAtTheLargestInteger) {
   const long long value = 1LL << 40;
   file().attribute("/OrvInput", "MAX_ID", H5T_NATIVE_LLONG, {1}, &value);
 
-  EXPECT_EQ(readIntegerAttribute(file().id(), "/OrvInput", "MAX_ID"), INT_MAX);
+  EXPECT_EQ(read("/OrvInput", "MAX_ID"), INT_MAX);
 }
 
-TEST_F(Probes, IntegerAttributeOfAnotherKindHasNoValue) {
+TEST_F(IntegerAttribute, ThatIsAFloatLosesItsFraction) {
+  const double value = -7.75;
+  file().attribute("/OrvInput", "MAX_ID", H5T_NATIVE_DOUBLE, {1}, &value);
+
+  EXPECT_EQ(read("/OrvInput", "MAX_ID"), -7);
+}
+
+TEST_F(IntegerAttribute, OfAnotherKindHasNoValue) {
   const int two[2] = {1, 2};
   file().attribute("/OrvInput", "two", H5T_NATIVE_INT, {2}, two);
   file().attribute("/OrvInput", "none", H5T_NATIVE_INT, {0}, nullptr);
   file().textAttribute("/OrvInput", "text", "1");
 
-  EXPECT_EQ(readIntegerAttribute(file().id(), "/OrvInput", "two"), std::nullopt);
-  EXPECT_EQ(readIntegerAttribute(file().id(), "/OrvInput", "none"), std::nullopt);
-  EXPECT_EQ(readIntegerAttribute(file().id(), "/OrvInput", "text"), std::nullopt);
+  EXPECT_EQ(read("/OrvInput", "two"), std::nullopt);
+  EXPECT_EQ(read("/OrvInput", "none"), std::nullopt);
+  EXPECT_EQ(read("/OrvInput", "text"), std::nullopt);
 }
 
-TEST_F(Probes, IntegerAttributeThatIsMissingHasNoValue) {
-  EXPECT_EQ(readIntegerAttribute(file().id(), "/OrvInput", "MAX_ID"), std::nullopt);
-  EXPECT_EQ(readIntegerAttribute(file().id(), "/nothing", "MAX_ID"), std::nullopt);
+TEST_F(IntegerAttribute, ThatIsMissingHasNoValue) {
+  EXPECT_EQ(read("/OrvInput", "MAX_ID"), std::nullopt);
+  EXPECT_EQ(read("/nothing", "MAX_ID"), std::nullopt);
 }
 
 /// The bytes of a "FORMAT" attribute, and whether they mark an exchange file.

@@ -6,7 +6,7 @@
 namespace orvml_io_tests {
 namespace {
 
-using orvml_io::Path;
+using orvml_io::Found;
 using orvml_io::SourceFile;
 
 class SourceFiles : public DocumentFileTest {
@@ -49,94 +49,128 @@ TEST_F(SourceFiles, AreInvalidForANegativeIdentifierAlone) {
 
 TEST_F(SourceFiles, OpenTheirDatasets) {
   file().intVector("/OrvInput/v", {1});
-  const SourceFile source(file().id());
+  SourceFile source(file().id());
 
-  EXPECT_TRUE(source.tryOpenDataset("/OrvInput/v").valid());
-  EXPECT_TRUE(source.tryOpenDataset(Path("/OrvInput/v")).valid());
-  EXPECT_FALSE(source.hasRefused());
+  EXPECT_EQ(source.openDataset(group(), "/v").found, Found::object);
 }
 
 TEST_F(SourceFiles, OpenTheirGroups) {
-  const SourceFile source(file().id());
+  SourceFile source(file().id());
 
-  EXPECT_TRUE(source.tryOpenGroup(Path("/OrvInput")).valid());
+  EXPECT_EQ(source.openGroup(root(), "/OrvInput").found, Found::object);
 }
 
 TEST_F(SourceFiles, OpenTheirAttributes) {
   file().textAttribute("/OrvInput", "text", "x");
-  const SourceFile source(file().id());
+  SourceFile source(file().id());
 
-  EXPECT_TRUE(source.tryOpenAttribute("/OrvInput", "text").valid());
+  EXPECT_EQ(source.openAttribute(root(), "/OrvInput", "text").found, Found::object);
 }
 
 TEST_F(SourceFiles, FollowSoftLinksWithinThem) {
   file().intVector("/OrvInput/v", {1});
   H5Lcreate_soft("/OrvInput/v", file().id(), "/OrvInput/soft", H5P_DEFAULT, H5P_DEFAULT);
-  const SourceFile source(file().id());
+  SourceFile source(file().id());
 
-  EXPECT_TRUE(source.tryOpenDataset("/OrvInput/soft").valid());
+  EXPECT_EQ(source.openDataset(group(), "/soft").found, Found::object);
 }
 
-TEST_F(SourceFiles, DoNotRefuseWhatIsMerelyMissing) {
+TEST_F(SourceFiles, OpenMembersByTheirNames) {
   file().intVector("/OrvInput/v", {1});
-  const SourceFile source(file().id());
+  SourceFile source(file().id());
 
-  EXPECT_FALSE(source.tryOpenDataset("/nothing").valid());
-  EXPECT_FALSE(source.tryOpenDataset("/OrvInput").valid());
-  EXPECT_FALSE(source.tryOpenGroup(Path("/OrvInput/v")).valid());
-  EXPECT_FALSE(source.tryOpenAttribute("/OrvInput", "nothing").valid());
-  EXPECT_FALSE(source.hasRefused());
+  EXPECT_EQ(source.openMember(group(), "v").found, Found::object);
+  // HDF5 would take this for a path from the root.
+  EXPECT_EQ(source.openMember(group(), "/v").found, Found::object);
+  EXPECT_EQ(source.openMember(group(), "nothing").found, Found::absent);
+}
+
+TEST_F(SourceFiles, LackWhatNoLinkLeadsTo) {
+  H5Lcreate_soft("/nowhere", file().id(), "/OrvInput/soft", H5P_DEFAULT, H5P_DEFAULT);
+  SourceFile source(file().id());
+
+  EXPECT_EQ(source.openDataset(root(), "/nothing").found, Found::absent);
+  EXPECT_EQ(source.openDataset(group(), "/soft").found, Found::absent);
+  EXPECT_EQ(source.openGroup(group(), "/nothing").found, Found::absent);
+  EXPECT_EQ(source.openAttribute(root(), "/OrvInput", "nothing").found, Found::absent);
+}
+
+TEST_F(SourceFiles, FailToOpenWhatIsOfAnotherKind) {
+  file().intVector("/OrvInput/v", {1});
+  SourceFile source(file().id());
+
+  EXPECT_EQ(source.openDataset(root(), "/OrvInput").found, Found::failed);
+  EXPECT_EQ(source.openGroup(group(), "/v").found, Found::failed);
+}
+
+TEST_F(SourceFiles, RefuseWhatHasAPathThatIsTooLong) {
+  file().intVector("/OrvInput/v", {1});
+  file().group("/OrvInput/g");
+  SourceFile source(file().id());
+  const GroupAt opened = group();
+  const orvml_io::OpenGroup tooDeep(orvml_io::OpenGroup(opened).id(), 1022);
+
+  EXPECT_EQ(source.openDataset(tooDeep, "/v").found, Found::refused);
+  EXPECT_EQ(source.openMember(tooDeep, "v").found, Found::refused);
+  EXPECT_EQ(source.openGroup(tooDeep, "/g").found, Found::refused);
 }
 
 TEST_F(SourceFiles, RefuseDatasetsOfOtherFiles) {
   linkToOtherFile("/OrvInput/v", "/OrvInput/v");
-  const SourceFile source(file().id());
+  SourceFile source(file().id());
 
-  EXPECT_FALSE(source.tryOpenDataset("/OrvInput/v").valid());
-  EXPECT_TRUE(source.hasRefused());
+  EXPECT_EQ(source.openDataset(group(), "/v").found, Found::refused);
 }
 
 TEST_F(SourceFiles, RefuseGroupsOfOtherFiles) {
   linkToOtherFile("/OrvInput", "/OrvInput/g");
-  const SourceFile source(file().id());
+  SourceFile source(file().id());
 
-  EXPECT_FALSE(source.tryOpenGroup(Path("/OrvInput/g")).valid());
-  EXPECT_TRUE(source.hasRefused());
+  EXPECT_EQ(source.openGroup(group(), "/g").found, Found::refused);
 }
 
 TEST_F(SourceFiles, RefuseAttributesOfOtherFiles) {
   linkToOtherFile("/OrvInput", "/OrvInput/g");
-  const SourceFile source(file().id());
+  SourceFile source(file().id());
 
-  EXPECT_FALSE(source.tryOpenAttribute("/OrvInput/g", "text").valid());
-  EXPECT_TRUE(source.hasRefused());
+  EXPECT_EQ(source.openAttribute(group(), "/g", "text").found, Found::refused);
 }
 
 TEST_F(SourceFiles, RefuseOtherFilesOnTheWayToo) {
   linkToOtherFile("/OrvInput", "/OrvInput/g");
-  const SourceFile source(file().id());
+  SourceFile source(file().id());
 
-  EXPECT_FALSE(source.tryOpenDataset("/OrvInput/g/v").valid());
-  EXPECT_TRUE(source.hasRefused());
+  EXPECT_EQ(source.openDataset(group(), "/g/v").found, Found::refused);
 }
 
 TEST_F(SourceFiles, RefuseOtherFilesBehindSoftLinks) {
   linkToOtherFile("/OrvInput/v", "/OrvInput/v");
   H5Lcreate_soft("/OrvInput/v", file().id(), "/OrvInput/soft", H5P_DEFAULT, H5P_DEFAULT);
-  const SourceFile source(file().id());
+  SourceFile source(file().id());
 
-  EXPECT_FALSE(source.tryOpenDataset("/OrvInput/soft").valid());
-  EXPECT_TRUE(source.hasRefused());
+  EXPECT_EQ(source.openDataset(group(), "/soft").found, Found::refused);
 }
 
-TEST_F(SourceFiles, RefuseOtherFilesThatDoNotExist) {
+// Such a link leads nowhere, like any other.
+TEST_F(SourceFiles, LackWhatLinksToMissingFilesLeadTo) {
   ASSERT_GE(H5Lcreate_external("no_such_file.h5", "/v", file().id(), "/OrvInput/v", H5P_DEFAULT,
                                H5P_DEFAULT),
             0);
-  const SourceFile source(file().id());
+  SourceFile source(file().id());
 
-  EXPECT_FALSE(source.tryOpenDataset("/OrvInput/v").valid());
-  EXPECT_TRUE(source.hasRefused());
+  EXPECT_EQ(source.openDataset(group(), "/v").found, Found::absent);
+  EXPECT_EQ(source.openMember(group(), "v").found, Found::absent);
+  EXPECT_EQ(source.openGroup(group(), "/v").found, Found::absent);
+  EXPECT_EQ(source.openAttribute(group(), "/v", "text").found, Found::absent);
+}
+
+// One link must not decide about the next one.
+TEST_F(SourceFiles, LackWhatIsMissingAfterARefusalToo) {
+  linkToOtherFile("/OrvInput/v", "/OrvInput/v");
+  SourceFile source(file().id());
+  ASSERT_EQ(source.openDataset(group(), "/v").found, Found::refused);
+
+  EXPECT_EQ(source.openDataset(group(), "/nothing").found, Found::absent);
 }
 
 TEST_F(SourceFiles, RefuseValuesThatLieInOtherFiles) {
@@ -144,10 +178,12 @@ TEST_F(SourceFiles, RefuseValuesThatLieInOtherFiles) {
   H5Pset_external(properties, otherPath(), 0, H5F_UNLIMITED);
   addDataset("/OrvInput/v", properties);
   H5Pclose(properties);
-  const SourceFile source(file().id());
+  SourceFile source(file().id());
 
-  EXPECT_FALSE(source.tryOpenDataset("/OrvInput/v").valid());
-  EXPECT_TRUE(source.hasRefused());
+  const orvml_io::Opened<orvml_io::DatasetId> dataset = source.openDataset(group(), "/v");
+
+  EXPECT_EQ(dataset.found, Found::refused);
+  EXPECT_TRUE(dataset.id.valid()) << "its extent may be asked for";
 }
 
 TEST_F(SourceFiles, RefuseValuesThatAreGatheredFromOtherDatasets) {
@@ -158,10 +194,9 @@ TEST_F(SourceFiles, RefuseValuesThatAreGatheredFromOtherDatasets) {
   addDataset("/OrvInput/v", properties);
   H5Pclose(properties);
   H5Sclose(space);
-  const SourceFile source(file().id());
+  SourceFile source(file().id());
 
-  EXPECT_FALSE(source.tryOpenDataset("/OrvInput/v").valid());
-  EXPECT_TRUE(source.hasRefused());
+  EXPECT_EQ(source.openDataset(group(), "/v").found, Found::refused);
 }
 
 // Chunked and compact datasets, and those of which nothing was written, have no place of their own
@@ -177,18 +212,17 @@ TEST_F(SourceFiles, OpenDatasetsOfEveryLayoutOfTheirOwn) {
   addDataset("/OrvInput/compact", compact);
   H5Pclose(compact);
   addDataset("/OrvInput/unwritten", H5P_DEFAULT);
-  const SourceFile source(file().id());
+  SourceFile source(file().id());
 
-  EXPECT_TRUE(source.tryOpenDataset("/OrvInput/chunked").valid());
-  EXPECT_TRUE(source.tryOpenDataset("/OrvInput/compact").valid());
-  EXPECT_TRUE(source.tryOpenDataset("/OrvInput/unwritten").valid());
-  EXPECT_FALSE(source.hasRefused());
+  EXPECT_EQ(source.openDataset(group(), "/chunked").found, Found::object);
+  EXPECT_EQ(source.openDataset(group(), "/compact").found, Found::object);
+  EXPECT_EQ(source.openDataset(group(), "/unwritten").found, Found::object);
 }
 
 TEST_F(SourceFiles, AreBorrowed) {
   const IdCounts before = opened();
   {
-    const SourceFile source(file().id());
+    SourceFile source(file().id());
     EXPECT_EQ(source.id(), file().id());
   }
 
@@ -205,7 +239,7 @@ TEST_F(SourceFiles, LeaveNoPropertyListOpen) {
   hsize_t after = 0;
   H5Inmembers(H5I_GENPROP_LST, &before);
 
-  { const SourceFile source(file().id()); }
+  { SourceFile source(file().id()); }
 
   H5Inmembers(H5I_GENPROP_LST, &after);
   EXPECT_EQ(after, before);

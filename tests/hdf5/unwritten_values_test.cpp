@@ -44,11 +44,11 @@ class UnwrittenValues : public DocumentFileTest {
 TEST_F(UnwrittenValues, OfAVectorOfDoublesAreZeros) {
   file().group("/OrvInput/v");
   addUnwritten("/OrvInput/v/values", H5T_NATIVE_DOUBLE);
-  const orvml_io::SourceFile source(file().id());
+  orvml_io::SourceFile source(file().id());
   orvml_io::OML_AttributesVector store;
   soilMemory(kLength * sizeof(double));
 
-  EXPECT_EQ(store.HDF5Read(source, "/OrvInput/v"), 0);
+  EXPECT_EQ(store.HDF5Read(source, group(), "/v"), 0);
 
   const auto* entry = store.find("values");
   ASSERT_NE(entry, nullptr);
@@ -60,11 +60,11 @@ TEST_F(UnwrittenValues, OfAVectorOfDoublesAreZeros) {
 TEST_F(UnwrittenValues, OfAVectorOfIntsAreZeros) {
   file().group("/OrvInput/v");
   addUnwritten("/OrvInput/v/values", H5T_NATIVE_INT);
-  const orvml_io::SourceFile source(file().id());
+  orvml_io::SourceFile source(file().id());
   orvml_io::OML_AttributesVector store;
   soilMemory(kLength * sizeof(int));
 
-  EXPECT_EQ(store.HDF5Read(source, "/OrvInput/v"), 0);
+  EXPECT_EQ(store.HDF5Read(source, group(), "/v"), 0);
 
   const auto* entry = store.find("values");
   ASSERT_NE(entry, nullptr);

@@ -3,6 +3,7 @@
 
 #include "hdf5/extents.h"
 #include "hdf5/id.h"
+#include "hdf5/read_budget.h"
 #include "hostile/attacked_file.h"
 #include "support/document_builder.h"
 #include "support/document_queries.h"
@@ -14,6 +15,32 @@ namespace orvml_io_tests {
 namespace {
 
 const std::string kVectors = "/OrvInput/ParametersVector";
+
+/// A dataset of bytes behind a filter that compresses, of which one chunk is stored.
+class CompressedBytes {
+ public:
+  CompressedBytes(const RawFile& file, const std::string& path) {
+    const hsize_t chunk = 100;
+    const hsize_t unlimited = H5S_UNLIMITED;
+    const orvml_io::PropertyListId properties(H5Pcreate(H5P_DATASET_CREATE));
+    H5Pset_chunk(properties.get(), 1, &chunk);
+    H5Pset_deflate(properties.get(), 9);
+    const orvml_io::DataspaceId space(H5Screate_simple(1, &chunk, &unlimited));
+    dataset_ =
+        orvml_io::DatasetId(H5Dcreate2(file.id(), path.c_str(), H5T_NATIVE_SCHAR, space.get(),
+                                       H5P_DEFAULT, properties.get(), H5P_DEFAULT));
+    const std::vector<signed char> values(chunk, 1);
+    EXPECT_GE(H5Dwrite(id(), H5T_NATIVE_SCHAR, H5S_ALL, H5S_ALL, H5P_DEFAULT, values.data()), 0);
+    EXPECT_GE(H5Fflush(file.id(), H5F_SCOPE_LOCAL), 0);
+  }
+
+  [[nodiscard]] hid_t id() const noexcept { return dataset_.get(); }
+  [[nodiscard]] hsize_t storedBytes() const { return H5Dget_storage_size(id()); }
+  void lengthen(hsize_t length) const { EXPECT_GE(H5Dset_extent(id(), &length), 0); }
+
+ private:
+  orvml_io::DatasetId dataset_;
+};
 
 /// What a limit lets through: -1 is one below it, 0 is the limit itself, 1 is one above.
 class Limits : public AttackedFile, public ::testing::WithParamInterface<int> {
@@ -29,26 +56,6 @@ class Limits : public AttackedFile, public ::testing::WithParamInterface<int> {
   static int writeAndForget(const BuiltDocument& document) {
     const TempFile temp;
     return OrvML_IO_WriteOrvInput(temp.path(), document.handle());
-  }
-
-  /// Adds a vector of ints in chunks of 100, of which the first ones are stored.
-  void addChunkedVector(hsize_t length, hsize_t storedChunks) {
-    const hsize_t chunk = 100;
-    const hid_t properties = H5Pcreate(H5P_DATASET_CREATE);
-    H5Pset_chunk(properties, 1, &chunk);
-    const hid_t space = H5Screate_simple(1, &length, nullptr);
-    const hid_t dataset = H5Dcreate2(file().id(), (kVectors + "/v").c_str(), H5T_NATIVE_INT, space,
-                                     H5P_DEFAULT, properties, H5P_DEFAULT);
-    const std::vector<int> values(storedChunks * chunk, 1);
-    const hsize_t first = 0;
-    const hsize_t count = values.size();
-    H5Sselect_hyperslab(space, H5S_SELECT_SET, &first, nullptr, &count, nullptr);
-    const hid_t source = H5Screate_simple(1, &count, nullptr);
-    EXPECT_GE(H5Dwrite(dataset, H5T_NATIVE_INT, source, space, H5P_DEFAULT, values.data()), 0);
-    H5Sclose(source);
-    H5Dclose(dataset);
-    H5Sclose(space);
-    H5Pclose(properties);
   }
 };
 
@@ -86,13 +93,10 @@ TEST_P(Limits, LongestAttributeNameIsWrittenAndLongerOnesAreNot) {
   EXPECT_EQ(writeAndForget(document), expectedStatus());
 }
 
-// Values of no bytes need no storage, so that only their number counts.
 TEST_P(Limits, MostValuesAreCountedAndMoreAreNot) {
   const hsize_t length = around(orvml_io::kMostValues);
-  file().dataset("/OrvInput/v", H5T_NATIVE_SCHAR, {length}, nullptr);
-  const orvml_io::DatasetId dataset(H5Dopen2(file().id(), "/OrvInput/v", H5P_DEFAULT));
 
-  EXPECT_EQ(orvml_io::vectorLength(dataset.get(), 0).has_value(), isWithin());
+  EXPECT_EQ(orvml_io::vectorLength({1, length, length}).has_value(), isWithin());
 }
 
 TEST_P(Limits, MostCellsAreCountedAndMoreAreNot) {
@@ -103,28 +107,34 @@ TEST_P(Limits, MostCellsAreCountedAndMoreAreNot) {
 }
 
 // As doubles; the values that were never stored are zeros.
-TEST_P(Limits, UnstoredBytesAreToleratedAndMoreAreNot) {
-  const hsize_t length = around(orvml_io::kUnstoredBytesTolerated / sizeof(double));
+TEST_P(Limits, UnstoredBytesAreReadAndMoreAreNot) {
+  const hsize_t length = around(orvml_io::kUnstoredBytesPerRead / sizeof(double));
   file().dataset(kVectors + "/v", H5T_NATIVE_DOUBLE, {length}, nullptr);
 
   EXPECT_EQ(read().status, expectedStatus());
 }
 
-INSTANTIATE_TEST_SUITE_P(Around, Limits, ::testing::Values(-1, 0, 1));
+TEST_P(Limits, FileIsDrawnOnAFewTimesAndNotMoreOften) {
+  hsize_t fileBytes = 0;
+  ASSERT_GE(H5Fget_filesize(file().id(), &fileBytes), 0);
+  const orvml_io::ReadBudget budget(file().id());
 
-/// Four chunks of 400 bytes are the least that a vector of this length can be compressed to.
-class CompressionLimit : public Limits {
- protected:
-  static constexpr hsize_t kLength = 4 * orvml_io::kBestCompressionRatio * 100;
-};
-
-TEST_P(CompressionLimit, StoredShareIsEnoughAndLessIsNot) {
-  addChunkedVector(kLength, 4U - static_cast<hsize_t>(GetParam()));
-
-  EXPECT_EQ(read().status, expectedStatus());
+  EXPECT_EQ(budget.covers({around(fileBytes * orvml_io::kDrawsPerFile), 0}), isWithin());
 }
 
-INSTANTIATE_TEST_SUITE_P(Around, CompressionLimit, ::testing::Values(-1, 0, 1));
+TEST_P(Limits, BestCompressionCountsAsStoredAndABetterOneDoesNot) {
+  const CompressedBytes bytes(file(), kVectors + "/v");
+  const hsize_t length = around(bytes.storedBytes() * orvml_io::kBestCompressionRatio);
+  bytes.lengthen(length);
+
+  const orvml_io::ReadCost cost =
+      orvml_io::readCostOf(bytes.id(), *orvml_io::extentOf(bytes.id()),
+                           static_cast<long long>(length), sizeof(signed char));
+
+  EXPECT_EQ(cost.unstoredBytes == 0, isWithin());
+}
+
+INSTANTIATE_TEST_SUITE_P(Around, Limits, ::testing::Values(-1, 0, 1));
 
 }  // namespace
 }  // namespace orvml_io_tests

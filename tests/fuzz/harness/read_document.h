@@ -19,9 +19,10 @@ struct ReadResult {
 template <class Document>
 ReadResult readDocument(hid_t file, const char* group = nullptr) {
   auto document = std::make_unique<Document>();
+  orvml_io::SourceFile source(file);
   document->arraysOwnedByCaller = false;
   const int status =
-      group == nullptr ? document->Read(file) : document->ReadCommonPart(file, group);
+      group == nullptr ? document->Read(source) : document->ReadCommonPart(source, group);
   const bool isKept = document->meshDimension == 2 || document->meshDimension == 3;
   return {status, Handle(isKept ? orvml_io::handleOf(document.release()) : nullptr)};
 }

@@ -99,37 +99,37 @@ void readByLongName(hid_t file, unsigned bytesThatFit) {
 
 /// Without a file every reader fails; for some a missing group or dataset would be no failure.
 void requireThatNoFileFails() {
-  constexpr hid_t kNoFile = -1;
+  orvml_io::SourceFile none(-1);
+  const orvml_io::OpenGroup group = none.root();
   constexpr char kVersion[] = "1.4";
-  const char* group = orvml_io::layout::kOrvInput;
   OrvInput document;
   orvml_io::Nodes nodes;
   orvml_io::Elems elems;
-  require(document.Read(kNoFile) == 1 && OrvOutput().Read(kNoFile) == 1,
+  require(document.Read(none) == 1 && OrvOutput().Read(none) == 1,
           "no document is read without a file");
-  require(nodes.Read(kNoFile, group, kVersion) == 1 &&
-              nodes.ReadAttributes(kNoFile, group, 1, kVersion) == 1 &&
-              elems.Read(kNoFile, group, kVersion, ORVML_FACES) == 1 &&
-              elems.ReadAttributes(kNoFile, group, 1, kVersion, ORVML_FACES) == 1,
+  require(nodes.Read(none, group, kVersion) == 1 &&
+              nodes.ReadAttributes(none, group, 1, kVersion) == 1 &&
+              elems.Read(none, group, "/Faces", kVersion, ORVML_FACES) == 1 &&
+              elems.ReadAttributes(none, group, 1, kVersion, ORVML_FACES) == 1,
           "no container is read without a file");
-  require(document.ReadParametersScalar(kNoFile, group) == 1 &&
-              document.ReadParametersVector(kNoFile, group) == 1,
+  require(document.ReadParametersScalar(none, group) == 1 &&
+              document.ReadParametersVector(none, group) == 1,
           "no parameters are read without a file");
 }
 
 /// The same of the positional layouts.
 void requireThatNoFileFailsPositionally() {
-  constexpr hid_t kNoFile = -1;
-  const char* group = orvml_io::layout::kOrvInput;
+  orvml_io::SourceFile none(-1);
+  const orvml_io::OpenGroup group = none.root();
+  constexpr char kMarkers[] = "/UserMarkers";
   OrvInput document;
-  orvml_io::PositionedVectors<int> ints;
-  orvml_io::PositionedVectors<double> doubles;
-  require(document.ReadParametersScalarOld(kNoFile, group) == 1,
+  orvml_io::PositionedVectors vectors;
+  require(document.ReadParametersScalarOld(none, group) == 1,
           "no positional parameters are read without a file");
   require(
-      orvml_io::ReadAttributesOld(kNoFile, group, 1, document.parametersVector, ORVML_NODES) == 1 &&
-          orvml_io::ReadAttributesOldInt(kNoFile, group, 1, ints) == 1 &&
-          orvml_io::ReadAttributesOldDouble(kNoFile, group, 1, doubles) == 1,
+      orvml_io::ReadAttributesOld(none, group, 1, document.parametersVector, ORVML_NODES) == 1 &&
+          orvml_io::ReadAttributesOldInt(none, group, kMarkers, 1, vectors) == 1 &&
+          orvml_io::ReadAttributesOldDouble(none, group, kMarkers, 1, vectors) == 1,
       "no positional attributes are read without a file");
 }
 
