@@ -63,7 +63,7 @@ NewArray<int> tryReadInts(const SourceFile& file, const char* containerPath, con
   if (!dataset.valid() || !isVectorOfLength(dataset.get(), length, sizeof(int))) {
     return nullptr;
   }
-  NewArray<int> values = makeNewArray<int>(length);
+  NewArray<int> values = makeNewArray<int>(length, file.freshMemory());
   return readFresh(dataset.get(), values.get(), length) == kOk ? std::move(values) : nullptr;
 }
 
@@ -173,7 +173,7 @@ int Nodes::Read(const SourceFile& file, const char* path, const char* formatVers
   if (extents->rows == 0) {
     return kOk;
   }
-  NewArray<double> values = makeNewArray<double>(extents->numberOfValues());
+  NewArray<double> values = makeNewArray<double>(extents->numberOfValues(), file.freshMemory());
   numberOfNodes = extents->rows;
   if (readFresh(dataset, values.get(), extents->numberOfValues()) != kOk) {
     return kFailed;  // Contract: the count just read stays, without coordinates.

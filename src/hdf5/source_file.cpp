@@ -42,6 +42,12 @@ const char* pathBelow(const std::string& group, const char* path) noexcept {
   return *rest == '\0' ? nullptr : rest;
 }
 
+/// The size of a file, which is about what its arrays need; 0 where it is not known.
+std::size_t bytesOf(hid_t file) noexcept {
+  hsize_t bytes = 0;
+  return file >= 0 && H5Fget_filesize(file, &bytes) >= 0 ? static_cast<std::size_t>(bytes) : 0;
+}
+
 /// Tells whether the values of a dataset lie in its own file.
 bool isSelfContained(hid_t dataset) noexcept {
   if (H5Dget_offset(dataset) != HADDR_UNDEF) {
@@ -56,6 +62,7 @@ bool isSelfContained(hid_t dataset) noexcept {
 
 SourceFile::SourceFile(hid_t file) noexcept
     : file_(file),
+      freshMemory_(bytesOf(file)),
       datasetAccess_(makeAccess(H5P_DATASET_ACCESS, hasRefused_)),
       groupAccess_(makeAccess(H5P_GROUP_ACCESS, hasRefused_)) {
   if (!datasetAccess_.valid() || !groupAccess_.valid()) {

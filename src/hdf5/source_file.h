@@ -3,6 +3,7 @@
 #include "hdf5/id.h"
 #include "hdf5/kept_open.h"
 #include "hdf5/path.h"
+#include "values/fresh_memory.h"
 
 #include <string>
 #include <vector>
@@ -44,6 +45,9 @@ class SourceFile {
   [[nodiscard]] AttributeId tryOpenAttribute(const char* objectPath,
                                              const char* name) const noexcept;
 
+  /// The large arrays that are made for what is read from the file.
+  [[nodiscard]] FreshMemory* freshMemory() const noexcept { return &freshMemory_; }
+
   /// The same object as an absolute path names, as seen from the nearest group that is kept open.
   struct Place {
     hid_t location;
@@ -62,6 +66,7 @@ class SourceFile {
   hid_t file_;
   mutable std::vector<KeptGroup> keptGroups_;  // a group comes after the ones around it
   mutable bool hasRefused_ = false;  // HDF5's callback sets it while an object is being opened
+  mutable FreshMemory freshMemory_;
   PropertyListId datasetAccess_;
   PropertyListId groupAccess_;  // also that of links, of whose lists it is one
 };

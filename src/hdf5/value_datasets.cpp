@@ -17,6 +17,7 @@
 #include <hdf5_hl.h>
 
 #include <cstdlib>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -42,17 +43,18 @@ H5T_class_t typeClassOf(hid_t dataset) {
 
 /// Reads a vector straight into the block of its entry.
 template <class T>
-int readMember(hid_t dataset, const std::string& name, char code, bool mustBeTransmitted,
-               OML_AttributesVector& store) {
+int readMember(const SourceFile& file, hid_t dataset, const std::string& name,
+               bool mustBeTransmitted, OML_AttributesVector& store) {
+  constexpr char kCode = std::is_same_v<T, int> ? kIntCode : kDoubleCode;
   const std::optional<int> length = vectorLength(dataset, sizeof(T));
   if (!length) {
     return kFailed;
   }
-  MallocBlock block = makeBlock(*length, sizeof(T));
+  MallocBlock block = makeBlock(*length, sizeof(T), file.freshMemory());
   if (readFresh(dataset, static_cast<T*>(block.get()), *length) != kOk) {
     return kFailed;
   }
-  store.SetBlock(name.c_str(), std::move(block), code, *length, mustBeTransmitted);
+  store.SetBlock(name.c_str(), std::move(block), kCode, *length, mustBeTransmitted);
   return kOk;
 }
 
@@ -76,9 +78,9 @@ int readLinkedMember(const SourceFile& file, hid_t group, const std::string& nam
   const hid_t dataset = keepOpen(std::move(opened), KeptOpen::extentProbe);
   switch (typeClassOf(dataset)) {
     case H5T_INTEGER:
-      return readMember<int>(dataset, name, kIntCode, mustBeTransmitted, store);
+      return readMember<int>(file, dataset, name, mustBeTransmitted, store);
     case H5T_FLOAT:
-      return readMember<double>(dataset, name, kDoubleCode, mustBeTransmitted, store);
+      return readMember<double>(file, dataset, name, mustBeTransmitted, store);
     case H5T_NO_CLASS:
       return kFailed;
     default:
