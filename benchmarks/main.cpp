@@ -1,6 +1,6 @@
 // Measures the library beside what bounds it and what it is compared with.
 //
-//   orvml_io_bench [--rounds=9] [--quick] [--clock=processor] [--folder=DIRECTORY]
+//   orvml_io_bench [--rounds=9] [--quick] [--clock=processor] [--pause=5] [--folder=DIRECTORY]
 //                  [options of Google Benchmark]
 //
 // Ends with 2 when a goal does not hold, and with 1 when an operation failed.
@@ -12,6 +12,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <optional>
 #include <string>
 
 namespace {
@@ -41,6 +42,8 @@ Options optionsOf(int& count, char** arguments) {
       options.quick = true;
     } else if (takes(arguments[i], "--clock=processor", value)) {
       options.clock = orvml_io_bench::Clock::processor;
+    } else if (takes(arguments[i], "--pause=", value)) {
+      options.pause = std::chrono::seconds(std::atoi(value.c_str()));
     } else if (takes(arguments[i], "--folder=", value)) {
       options.folder = value + "/";
     } else {
@@ -54,6 +57,11 @@ Options optionsOf(int& count, char** arguments) {
 }  // namespace
 
 int main(int count, char** arguments) {
+  const std::optional<int> status =
+      orvml_io_bench::performTask(count, arguments, orvml_io_bench::tasksOfFreshProcesses());
+  if (status) {
+    return *status;
+  }
   const Options options = optionsOf(count, arguments);
   benchmark::Initialize(&count, arguments);
   if (options.rounds < 1 || benchmark::ReportUnrecognizedArguments(count, arguments)) {
@@ -67,6 +75,7 @@ int main(int count, char** arguments) {
   orvml_io_bench::registerMemory(options);
   orvml_io_bench::registerStores(options);
   orvml_io_bench::registerText(options);
+  orvml_io_bench::registerFreshProcesses(options);
   orvml_io_bench::registerGrowth(options);
   benchmark::RunSpecifiedBenchmarks();
   orvml_io_bench::printResults(stdout, options);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "harness/fresh_program.h"
 #include "harness/results.h"
 
 namespace orvml_io_bench {
@@ -12,6 +13,10 @@ void registerValueFiles(const Options& options);
 void registerMemory(const Options& options);
 void registerStores(const Options& options);
 void registerText(const Options& options);
+void registerFreshProcesses(const Options& options);
 void registerGrowth(const Options& options);
+
+/// What this program is started anew for.
+Tasks tasksOfFreshProcesses();
 
 }  // namespace orvml_io_bench

@@ -2,12 +2,11 @@
 #include "contests/contests.h"
 #include "contests/file_runs.h"
 #include "contests/peer_runs.h"
+#include "harness/fresh_program.h"
 #include "inputs/document.h"
 #include "orvml_io.h"
 #include "references/exchange_files.h"
 #include "references/posix_files.h"
-
-#include <sys/prctl.h>
 
 #include <memory>
 
@@ -16,13 +15,6 @@ namespace orvml_io_bench {
 namespace {
 
 using SharedContent = std::shared_ptr<Content>;
-
-Run withoutHugePages(const Run& run) {
-  return [run](Measurement& measurement) {
-    require(::prctl(PR_SET_THP_DISABLE, 1, 0, 0, 0) == 0, "switching huge pages off");
-    run(measurement);
-  };
-}
 
 constexpr int kLargest = 10000000;
 

@@ -79,6 +79,11 @@ const Values kValues[] = {
      Peers::leftOut},
 };
 
+/// Written only: a flag is looked for once per group when a file is read, not on its members.
+const Values kTransmitted = {"1,000 attributes of 1,000, to be sent back",
+                             [] { return transmittedAttributes(1000, 1000); }, 1.10, 0,
+                             Peers::leftOut};
+
 }  // namespace
 
 void registerValueFiles(const Options& options) {
@@ -90,6 +95,9 @@ void registerValueFiles(const Options& options) {
       return readContest(options, std::make_shared<Content>(values.make()), values);
     });
   }
+  registerContest("write", kTransmitted.name, options, [=] {
+    return writeContest(options, std::make_shared<Content>(kTransmitted.make()), kTransmitted);
+  });
 }
 
 }  // namespace orvml_io_bench

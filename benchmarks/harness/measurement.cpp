@@ -42,15 +42,6 @@ double megabytesOf(const std::string& key) {
   return 0;
 }
 
-Sample received(int channel, pid_t child) {
-  Sample sample;
-  const bool isWhole = ::read(channel, &sample, sizeof sample) == sizeof sample;
-  int status = 0;
-  (void)::waitpid(child, &status, 0);
-  require(isWhole && WIFEXITED(status) && WEXITSTATUS(status) == 0, "a run in a child process");
-  return sample;
-}
-
 }  // namespace
 
 void Measurement::start() {
@@ -78,6 +69,21 @@ Run withWarmMemory(std::size_t bytes, Run run) {
 
 void measureWith(Clock clock) { chosenClock = clock; }
 
+Clock clockOfRuns() { return chosenClock; }
+
+bool sent(const Sample& sample, int channel) {
+  return ::write(channel, &sample, sizeof sample) == sizeof sample;
+}
+
+Sample received(int channel, pid_t process) {
+  Sample sample;
+  const bool isWhole = ::read(channel, &sample, sizeof sample) == sizeof sample;
+  int status = 0;
+  (void)::waitpid(process, &status, 0);
+  require(isWhole && WIFEXITED(status) && WEXITSTATUS(status) == 0, "a run in a child process");
+  return sample;
+}
+
 Sample measuredInChild(const Run& run) {
   require(H5open() >= 0, "starting HDF5");  // once here, and not again in every child
   int channel[2] = {};
@@ -88,9 +94,7 @@ Sample measuredInChild(const Run& run) {
     (void)::malloc_trim(0);  // what was freed before belongs to no run
     Measurement measurement;
     run(measurement);
-    const Sample& sample = measurement.sample();
-    const bool isSent = ::write(channel[1], &sample, sizeof sample) == sizeof sample;
-    ::_exit(isSent ? EXIT_SUCCESS : EXIT_FAILURE);
+    ::_exit(sent(measurement.sample(), channel[1]) ? EXIT_SUCCESS : EXIT_FAILURE);
   }
   (void)::close(channel[1]);
   const Sample sample = received(channel[0], child);

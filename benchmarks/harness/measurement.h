@@ -1,5 +1,7 @@
 #pragma once
 
+#include <sys/types.h>
+
 #include <cstddef>
 #include <functional>
 
@@ -11,6 +13,7 @@ enum class Clock { wall, processor };
 
 /// Chooses the clock of all runs that follow.
 void measureWith(Clock clock);
+Clock clockOfRuns();
 
 /// What one run took.
 struct Sample {
@@ -24,6 +27,8 @@ class Measurement {
  public:
   void start();
   void stop();
+  /// Takes what another process has measured.
+  void take(const Sample& sample) { sample_ = sample; }
   [[nodiscard]] const Sample& sample() const noexcept { return sample_; }
 
  private:
@@ -42,6 +47,12 @@ Run withWarmMemory(std::size_t bytes, Run run);
 /// Performs a run in a child process of its own: its memory is fresh, and files that stay open by
 /// contract and the arrays that it made go with it. A child that fails ends this program.
 Sample measuredInChild(const Run& run);
+
+/// Hands a sample to the process that waits for it. Returns whether that worked.
+bool sent(const Sample& sample, int channel);
+
+/// Waits for the sample of a process and for its end. One that fails ends this program.
+Sample received(int channel, pid_t process);
 
 /// Runs a preparation in a child process, so that nothing of it stays open in this one.
 void preparedInChild(const std::function<void()>& preparation);

@@ -2,6 +2,7 @@
 
 #include "harness/contest.h"
 
+#include <chrono>
 #include <cstdio>
 #include <functional>
 #include <string>
@@ -13,7 +14,8 @@ struct Options {
   int rounds = 9;
   bool quick = false;  // leaves out what takes long
   Clock clock = Clock::wall;
-  std::string folder = "";  // where the files are written; ends with a slash
+  std::chrono::seconds pause{5};  // before each program of the contests of fresh processes
+  std::string folder = "";        // where the files are written; ends with a slash
 };
 
 /// Registers a contest under the name "operation/input". The input is made when its turn comes and

@@ -131,4 +131,12 @@ Content nodeAttributes(int count, int valuesOfEach) {
   return content;
 }
 
+Content transmittedAttributes(int count, int valuesOfEach) {
+  Content content = nodeAttributes(count, valuesOfEach);
+  for (Vector& attribute : content.nodeAttributes) {
+    attribute.mustBeTransmitted = true;
+  }
+  return content;
+}
+
 }  // namespace orvml_io_bench

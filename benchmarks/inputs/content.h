@@ -11,6 +11,7 @@ struct Vector {
   std::string name;
   std::vector<int> ints;
   std::vector<double> doubles;
+  bool mustBeTransmitted = false;  // attributes only
 };
 
 /// The cells of one kind, in type groups.
@@ -55,5 +56,8 @@ Content smallDocument();
 Content scalarParameters(int count);
 Content vectorParameters(int count);
 Content nodeAttributes(int count, int valuesOfEach);
+
+/// The same attributes, each of which the meshing module has to send back.
+Content transmittedAttributes(int count, int valuesOfEach);
 
 }  // namespace orvml_io_bench

@@ -14,10 +14,10 @@ void setAttributes(void* handle, ORVML_TYPE_OF_ENTITY entity, const std::vector<
     const int status = vector.ints.empty()
                            ? OrvML_IO_SetAttributesEntitiesVector(
                                  handle, entity, vector.name.c_str(), vector.doubles.data(),
-                                 static_cast<int>(vector.doubles.size()), false)
+                                 static_cast<int>(vector.doubles.size()), vector.mustBeTransmitted)
                            : OrvML_IO_SetAttributesEntitiesVector(
                                  handle, entity, vector.name.c_str(), vector.ints.data(),
-                                 static_cast<int>(vector.ints.size()), false);
+                                 static_cast<int>(vector.ints.size()), vector.mustBeTransmitted);
     require(status == 0, "setting an attribute");
   }
 }

@@ -37,6 +37,10 @@ void writeVectors(hid_t file, const std::string& path, const std::vector<Vector>
       require(H5LTmake_dataset_double(file, member.c_str(), 1, &extent, vector.doubles.data()) >= 0,
               "lite: doubles");
     }
+    const int flag = 1;
+    require(!vector.mustBeTransmitted ||
+                H5LTset_attribute_int(file, member.c_str(), "MustBeTransmitted", &flag, 1) >= 0,
+            "lite: a flag");
   }
 }
 

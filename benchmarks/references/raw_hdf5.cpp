@@ -28,17 +28,48 @@ std::string readText(hid_t object, const char* name) {
   return text;
 }
 
-void writeArray(hid_t group, const char* name, hid_t type, std::vector<hsize_t> extents,
-                const void* values) {
+/// Creates a dataset with its values and returns it, which is open.
+hid_t writeOpenArray(hid_t group, const char* name, hid_t type, std::vector<hsize_t> extents,
+                     const void* values) {
   const hid_t space = H5Screate_simple(static_cast<int>(extents.size()), extents.data(), nullptr);
   const hid_t dataset = H5Dcreate2(group, name, type, space, H5P_DEFAULT, H5P_DEFAULT, H5P_DEFAULT);
   require(H5Dwrite(dataset, type, H5S_ALL, H5S_ALL, H5P_DEFAULT, values) >= 0, "raw: an array");
-  H5Dclose(dataset);
   H5Sclose(space);
+  return dataset;
+}
+
+void writeArray(hid_t group, const char* name, hid_t type, std::vector<hsize_t> extents,
+                const void* values) {
+  H5Dclose(writeOpenArray(group, name, type, std::move(extents), values));
 }
 
 void writeInts(hid_t group, const char* name, const std::vector<int>& values) {
   writeArray(group, name, H5T_NATIVE_INT, {values.size()}, values.data());
+}
+
+/// Marks a dataset as one to be sent back.
+void writeFlag(hid_t dataset) {
+  const hsize_t extent = 1;
+  const int flag = 1;
+  const hid_t space = H5Screate_simple(1, &extent, nullptr);
+  const hid_t attribute =
+      H5Acreate2(dataset, "MustBeTransmitted", H5T_NATIVE_INT, space, H5P_DEFAULT, H5P_DEFAULT);
+  require(H5Awrite(attribute, H5T_NATIVE_INT, &flag) >= 0, "raw: a flag");
+  H5Aclose(attribute);
+  H5Sclose(space);
+}
+
+void writeVector(hid_t group, const Vector& vector) {
+  const bool isInts = !vector.ints.empty();
+  const std::size_t length = isInts ? vector.ints.size() : vector.doubles.size();
+  const void* values =
+      isInts ? static_cast<const void*>(vector.ints.data()) : vector.doubles.data();
+  const hid_t type = isInts ? H5T_NATIVE_INT : H5T_NATIVE_DOUBLE;
+  const hid_t dataset = writeOpenArray(group, vector.name.c_str(), type, {length}, values);
+  if (vector.mustBeTransmitted) {
+    writeFlag(dataset);
+  }
+  H5Dclose(dataset);
 }
 
 void writeVectors(hid_t parent, const char* groupName, const std::vector<Vector>& vectors) {
@@ -47,12 +78,7 @@ void writeVectors(hid_t parent, const char* groupName, const std::vector<Vector>
   }
   const hid_t group = H5Gcreate2(parent, groupName, H5P_DEFAULT, H5P_DEFAULT, H5P_DEFAULT);
   for (const Vector& vector : vectors) {
-    if (vector.ints.empty()) {
-      writeArray(group, vector.name.c_str(), H5T_NATIVE_DOUBLE, {vector.doubles.size()},
-                 vector.doubles.data());
-    } else {
-      writeInts(group, vector.name.c_str(), vector.ints);
-    }
+    writeVector(group, vector);
   }
   H5Gclose(group);
 }

@@ -17,7 +17,7 @@ template <class T>
   if (!file.affords(group, subPath, readCostOf(dataset, extent, length, sizeof(T)))) {
     return nullptr;
   }
-  NewArray<T> values = makeNewArray<T>(length);
+  NewArray<T> values = makeNewArray<T>(length, file.freshMemory());
   if (readFresh(dataset, static_cast<int>(extent.numberOfValues), values.get(), length) != kOk) {
     file.report(Trouble::unreadable, group, subPath, [] { return "cannot be read"; });
     return nullptr;

@@ -63,12 +63,13 @@ ReadCost readCostOf(hid_t dataset, const Extent& extent, long long length, std::
   return cost;
 }
 
-ReadBudget::ReadBudget(hid_t file) noexcept : storedLeft_(0), unstoredLeft_(kUnstoredBytesPerRead) {
-  hsize_t fileBytes = 0;
-  if (H5Fget_filesize(file, &fileBytes) >= 0) {
-    storedLeft_ = times(fileBytes, kDrawsPerFile);
-  }
+hsize_t fileBytesOf(hid_t file) noexcept {
+  hsize_t bytes = 0;
+  return file >= 0 && H5Fget_filesize(file, &bytes) >= 0 ? bytes : 0;
 }
+
+ReadBudget::ReadBudget(hid_t file) noexcept
+    : storedLeft_(times(fileBytesOf(file), kDrawsPerFile)), unstoredLeft_(kUnstoredBytesPerRead) {}
 
 bool ReadBudget::take(const ReadCost& cost) noexcept {
   if (!covers(cost)) {

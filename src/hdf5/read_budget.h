@@ -25,6 +25,9 @@ struct ReadCost {
 [[nodiscard]] ReadCost readCostOf(hid_t dataset, const Extent& extent, long long length,
                                   std::size_t valueBytes);
 
+/// Returns the size of a file; 0 when HDF5 cannot tell it.
+[[nodiscard]] hsize_t fileBytesOf(hid_t file) noexcept;
+
 /// What one read of a file may take, all its documents and datasets together, so that memory stays
 /// in proportion to the file: a file may be drawn on kDrawsPerFile times its size, since links may
 /// honestly name one dataset a few times, and kUnstoredBytesPerRead of memory may be filled with

@@ -68,6 +68,7 @@ SourceFile::SourceFile(hid_t file, Diagnosis* diagnosis) noexcept
     : file_(file),
       diagnosis_(diagnosis),
       budget_(file),
+      freshMemory_(fileBytesOf(file)),  // about what its arrays need
       datasetAccess_(makeAccess(H5P_DATASET_ACCESS, watch_)),
       groupAccess_(makeAccess(H5P_GROUP_ACCESS, watch_)) {
   if (!datasetAccess_.valid() || !groupAccess_.valid()) {

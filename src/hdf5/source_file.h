@@ -6,6 +6,7 @@
 #include "hdf5/kept_open.h"
 #include "hdf5/open_group.h"
 #include "hdf5/read_budget.h"
+#include "values/fresh_memory.h"
 
 #include <cstddef>
 #include <optional>
@@ -74,6 +75,9 @@ class SourceFile {
     return budget_.covers(cost) || isRefusedAsTooMuch(group, subPath);
   }
 
+  /// What was learned about the memory of large arrays while others of this read were made.
+  [[nodiscard]] FreshMemory* freshMemory() noexcept { return &freshMemory_; }
+
   /// Tells the diagnosis, when there is one, of an object below a group.
   ///
   /// @param subPath   a sub-path, or the name of a member, which brings no slash
@@ -114,6 +118,7 @@ class SourceFile {
   hid_t file_;
   Diagnosis* diagnosis_;
   ReadBudget budget_;
+  FreshMemory freshMemory_;
   LinkWatch watch_;  // before the lists that point to it
   PropertyListId datasetAccess_;
   PropertyListId groupAccess_;  // also that of links, of whose lists it is one

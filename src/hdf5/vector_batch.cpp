@@ -24,7 +24,7 @@ void VectorBatch::add(OpenVector vector, const Extent& extent) {
 
 MallocBlock VectorBatch::readBlock(const Pending& pending) {
   const OpenVector& vector = pending.vector;
-  MallocBlock block = makeBlock(vector.length, valueBytesOf(vector.code));
+  MallocBlock block = makeBlock(vector.length, valueBytesOf(vector.code), file_.freshMemory());
   const int status = vector.code == kIntCode
                          ? readFresh(vector.dataset, pending.numberOfValues,
                                      static_cast<int*>(block.get()), vector.length)

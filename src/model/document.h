@@ -77,13 +77,14 @@ class OrvInputAndOrvOutput {
   OML_AttributesVector* attributesOf(ORVML_TYPE_OF_ENTITY entity) const noexcept;
 
   // Deep copy (clone.cpp). Apart from the parameter stores, the destination must be fresh: what it
-  // held is overwritten without being released. All return 0.
+  // held is overwritten without being released. The operation is what was learned about fresh
+  // memory while other parts were copied. All return 0.
   int CopyFromOther(const OrvInputAndOrvOutput* source);
-  int CopyNodesFromOther(const Nodes* source);
-  int CopyElemsFromOther(const Elems* source);
-  int CopyFacesFromOther(const Elems* source);
-  int CopyEdgesFromOther(const Elems* source);
-  int CopyParametersFromOther(const OrvInputAndOrvOutput* source);
+  int CopyNodesFromOther(const Nodes* source, FreshMemory* operation = nullptr);
+  int CopyElemsFromOther(const Elems* source, FreshMemory* operation = nullptr);
+  int CopyFacesFromOther(const Elems* source, FreshMemory* operation = nullptr);
+  int CopyEdgesFromOther(const Elems* source, FreshMemory* operation = nullptr);
+  int CopyParametersFromOther(const OrvInputAndOrvOutput* source, FreshMemory* operation = nullptr);
 
   // Comparison (src/compare/equality.cpp)
   bool IsEqual(const OrvInputAndOrvOutput* other) const;

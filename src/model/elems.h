@@ -35,8 +35,9 @@ class Elems {
   long long connectivityLength() const noexcept;
 
   /// Copies the groups, connectivities and attributes of another container into this (fresh) one,
-  /// which owns its copies. Arrays that the source lacks stay missing. Returns 0.
-  int CopyFromOther(const Elems* other);
+  /// which owns its copies. Arrays that the source lacks stay missing. The operation is passed as
+  /// for nodes. Returns 0.
+  int CopyFromOther(const Elems* other, FreshMemory* operation = nullptr);
 
   /// Compares group by group and node index by node index, in order, and the attributes from this
   /// side; see src/compare/equality.cpp.

@@ -32,10 +32,11 @@ class Nodes {
   /// clears a document of its own hands them over.
   int DeleteContent() noexcept;
 
-  /// Copies the coordinates and attributes of another container into this (fresh) one. Returns 0.
+  /// Copies the coordinates and attributes of another container into this (fresh) one, as a part of
+  /// an operation that makes other large arrays (null: of none). Returns 0.
   ///
   /// Contract: a source without nodes is not copied at all, its attributes neither.
-  int CopyFromOther(const Nodes* other, int dimension);
+  int CopyFromOther(const Nodes* other, int dimension, FreshMemory* operation = nullptr);
 
   /// Compares coordinates with the tolerance of kTolerance and the attributes from this side; see
   /// src/compare/equality.cpp.

@@ -9,12 +9,24 @@ namespace orvml_io {
 namespace {
 
 template <class T>
-MallocBlock copyToBlock(const T* values, int n) {
-  MallocBlock block = makeBlock(n, sizeof(T));
+MallocBlock copyToBlock(const T* values, int n, FreshMemory* operation = nullptr) {
+  MallocBlock block = makeBlock(n, sizeof(T), operation);
   if (n > 0) {
     std::memcpy(block.get(), values, static_cast<std::size_t>(n) * sizeof(T));
   }
   return block;
+}
+
+/// Copies the values of an entry; null when their type is unknown.
+MallocBlock copyOf(const OML_AttributesVector::Entry& entry, FreshMemory* operation) {
+  switch (entry.code) {
+    case kIntCode:
+      return copyToBlock(static_cast<const int*>(entry.data), entry.length, operation);
+    case kDoubleCode:
+      return copyToBlock(static_cast<const double*>(entry.data), entry.length, operation);
+    default:
+      return nullptr;
+  }
 }
 
 /// The entry of a name, created empty when there is none. Names often come in their order: the end
@@ -72,14 +84,11 @@ int OML_AttributesVector::Delete(const char* name) {
   return 0;
 }
 
-int OML_AttributesVector::CopyFromOther(const OML_AttributesVector& other) {
+int OML_AttributesVector::CopyFromOther(const OML_AttributesVector& other, FreshMemory* operation) {
   DeleteAll();
   for (const auto& [name, entry] : other) {
-    if (entry.code == kIntCode) {
-      Set(name.c_str(), static_cast<const int*>(entry.data), entry.length, entry.mustBeTransmitted);
-    } else if (entry.code == kDoubleCode) {
-      Set(name.c_str(), static_cast<const double*>(entry.data), entry.length,
-          entry.mustBeTransmitted);
+    if (MallocBlock block = copyOf(entry, operation)) {
+      SetBlock(name.c_str(), std::move(block), entry.code, entry.length, entry.mustBeTransmitted);
     }
   }
   return 0;

@@ -51,10 +51,11 @@ class OML_AttributesVector {
   /// Removes the entry of a name and releases its block. Returns 0, also for an absent name.
   int Delete(const char* name);
 
-  /// Replaces the content by copies of the other store's int and double entries. Returns 0.
+  /// Replaces the content by copies of the other store's int and double entries, as a part of an
+  /// operation that makes other large arrays (null: of none). Returns 0.
   ///
   /// Contract: the own entries are released first, so copying a store onto itself empties it.
-  int CopyFromOther(const OML_AttributesVector& other);
+  int CopyFromOther(const OML_AttributesVector& other, FreshMemory* operation = nullptr);
 
   /// Tells whether every entry of this store has an equal one in the other; see
   /// src/compare/equality.cpp.

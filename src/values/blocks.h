@@ -13,13 +13,20 @@ namespace orvml_io {
 template <class T>
 using NewArray = std::unique_ptr<T[]>;
 
+/// Announces a block to the operation that it is made for; null when there is no other of it.
+inline void willBeWrittenWhole(void* block, std::size_t bytes, FreshMemory* operation) noexcept {
+  FreshMemory alone;
+  (operation != nullptr ? *operation : alone).willBeWrittenWhole(block, bytes);
+}
+
 /// Allocates an array without setting its values, all of which the caller sets; a count that is not
-/// positive gives an empty array.
+/// positive gives an empty array. An operation that makes several large arrays passes what it has
+/// learned about fresh memory.
 template <class T>
-NewArray<T> makeNewArray(long long length) {
+NewArray<T> makeNewArray(long long length, FreshMemory* operation = nullptr) {
   const std::size_t count = length > 0 ? static_cast<std::size_t>(length) : 0;
   NewArray<T> array(new T[count]);
-  willBeWrittenWhole(array.get(), count * sizeof(T));
+  willBeWrittenWhole(array.get(), count * sizeof(T), operation);
   return array;
 }
 
@@ -32,14 +39,14 @@ using MallocBlock = std::unique_ptr<void, FreeBlock>;
 
 /// Allocates a block of `length` values without setting them, all of which the caller sets. It is
 /// never null, so that a caller can tell an empty vector from a missing one; a negative length is
-/// taken as 0.
-inline MallocBlock makeBlock(int length, std::size_t valueBytes) {
+/// taken as 0. The operation is passed as above.
+inline MallocBlock makeBlock(int length, std::size_t valueBytes, FreshMemory* operation = nullptr) {
   const std::size_t bytes = (length > 0 ? static_cast<std::size_t>(length) : 1) * valueBytes;
   MallocBlock block(std::malloc(bytes));
   if (!block) {
     throw std::bad_alloc();
   }
-  willBeWrittenWhole(block.get(), bytes);
+  willBeWrittenWhole(block.get(), bytes, operation);
   return block;
 }
 
