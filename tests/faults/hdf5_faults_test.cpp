@@ -1,7 +1,7 @@
 // Every HDF5 call of the readers and the writers fails in turn, once and from then on. A writer
 // either fails or has written everything. A reader either fails or has read everything, except
 // where the format takes what cannot be opened for absent: those places are listed in
-// incomplete_reads.txt, which may only shrink.
+// incomplete_reads, one list for each series of HDF5, which may only shrink.
 #include "faults/child.h"
 #include "faults/finding.h"
 #include "faults/hdf5_calls.h"

@@ -20,19 +20,12 @@ unshare --mount true 2>/dev/null || skip "this machine grants no mount namespace
 mkdir -p "$scratch"
 archive="$scratch/clean-root.tar"
 root="$scratch/root"
-sources=/etc/apt/sources.list.d/debian.sources
-[ -e "$sources" ] || sources=/etc/apt/sources.list
 
-# Manuals and translations would only cost time. The lists of packages stay for the installation, and
-# after half a day a mirror may no longer have what they name.
-find "$archive" -mmin +720 -delete 2>/dev/null || true
-if [ ! -s "$archive" ]; then
-  mmdebstrap --quiet --variant=apt --include=g++,pkg-config --skip=cleanup/apt/lists \
-    --aptopt='Acquire::Languages "none"' --dpkgopt=force-unsafe-io \
-    --dpkgopt='path-exclude=/usr/share/man/*' --dpkgopt='path-exclude=/usr/share/locale/*' \
-    "$(. /etc/os-release && echo "$VERSION_CODENAME")" "$scratch/new.tar" <"$sources" >&2
-  mv "$scratch/new.tar" "$archive"
-fi
+# Manuals and translations would only cost time. The lists of packages stay for the installation.
+"$(dirname "$0")/make_root.sh" "$archive" "$(. /etc/os-release && echo "$VERSION_CODENAME")" \
+  --variant=apt --include=g++,pkg-config --skip=cleanup/apt/lists \
+  --aptopt='Acquire::Languages "none"' --dpkgopt=force-unsafe-io \
+  --dpkgopt='path-exclude=/usr/share/man/*' --dpkgopt='path-exclude=/usr/share/locale/*'
 
 rm -rf "$root"
 mkdir "$root"

@@ -27,12 +27,12 @@ RawShape shapeOf(hid_t type, hid_t space) {
   return shape;
 }
 
-H5O_type_t objectType(hid_t file, const std::string& path) {
-  H5O_info_t info;
-  if (H5Oget_info_by_name(file, path.c_str(), &info, H5P_DEFAULT) < 0) {
-    return H5O_TYPE_UNKNOWN;
-  }
-  return info.type;
+/// Opened, because what else tells the kind of an object differs between versions of HDF5.
+H5I_type_t objectType(hid_t file, const std::string& path) {
+  const hid_t object = H5Oopen(file, path.c_str(), H5P_DEFAULT);
+  const H5I_type_t type = H5Iget_type(object);
+  H5Oclose(object);
+  return type;
 }
 
 herr_t addName(hid_t /*location*/, const char* name, const H5A_info_t* /*info*/, void* names) {
@@ -94,11 +94,11 @@ bool RawFile::has(const std::string& path) const {
 }
 
 bool RawFile::isGroup(const std::string& path) const {
-  return has(path) && objectType(file_, path) == H5O_TYPE_GROUP;
+  return has(path) && objectType(file_, path) == H5I_GROUP;
 }
 
 bool RawFile::isDataset(const std::string& path) const {
-  return has(path) && objectType(file_, path) == H5O_TYPE_DATASET;
+  return has(path) && objectType(file_, path) == H5I_DATASET;
 }
 
 std::vector<std::string> RawFile::members(const std::string& group) const {
