@@ -41,7 +41,8 @@ void setMeasures(const Mesh& mesh, int surfaceNodes, const std::vector<double>& 
   output.setParameter(names::kBoundingBox, boundingBox(mesh.coordinates));
   std::vector<int> byShape(std::size(ElemTypeNames), 0);
   for (std::size_t group = 0; group < mesh.elements.shapes.size(); ++group) {
-    byShape[mesh.elements.shapes[group]] += mesh.elements.cellsPerGroup[group];
+    byShape[static_cast<std::size_t>(mesh.elements.shapes[group])] +=
+        mesh.elements.cellsPerGroup[group];
   }
   output.setParameter(names::kElementsByShape, byShape);
 }
