@@ -363,8 +363,12 @@ int OrvInputAndOrvOutput::WriteParametersScalarOld(const OpenGroup& document) co
 }
 
 int OrvInputAndOrvOutput::WriteParametersVectorOld(const OpenGroup& document) const {
-  if (document.id() < 0 || writeGenericVectors<int>(document, layout::kGenericMarkers,
-                                                    parametersVector, kIntCode) != kOk) {
+  if (document.id() < 0 || !document.fits(layout::kGenericMarkers) ||
+      !document.fits(layout::kGenericAttributes)) {
+    return kFailed;
+  }
+  if (writeGenericVectors<int>(document, layout::kGenericMarkers, parametersVector, kIntCode) !=
+      kOk) {
     return kFailed;
   }
   return writeGenericVectors<double>(document, layout::kGenericAttributes, parametersVector,

@@ -144,10 +144,39 @@ TEST_P(ReadCells, MoreCellsOfGroupsThanShapesGiveOneAndNoCells) {
   expectNoCells(1);
 }
 
-TEST_P(ReadCells, FewerCellsOfGroupsThanShapesGiveOneAndNoCells) {
+TEST_P(ReadCells, FewerCellsOfGroupsThanShapesLeaveTheOtherGroupsEmpty) {
   replaceInts(file_, member("number_of_elements_by_type"), {3});
+  replaceInts(file_, member("connectivities"), {0, 1, 2, 3, 4, 5, 6, 7, 8});
 
-  expectNoCells(1);
+  const ReadDocument document = readFile();
+
+  EXPECT_EQ(document.result, 0);
+  EXPECT_EQ(OrvML_IO_GetNumberOfGenericElements(document.handle(), entity()), 3);
+  EXPECT_EQ(OrvML_IO_GetNumberOfGenericElementTypes(document.handle(), entity()), 2);
+  EXPECT_EQ(connectivitiesOf(document.handle(), entity()),
+            (std::vector<int>{0, 1, 2, 3, 4, 5, 6, 7, 8}));
+}
+
+TEST_P(ReadCells, FewerNumbersOfNodesThanShapesLeaveTheOtherGroupsWithoutNodes) {
+  replaceInts(file_, member("number_of_nodes_by_element"), {3});
+  replaceInts(file_, member("connectivities"), {0, 1, 2, 3, 4, 5, 6, 7, 8});
+
+  const ReadDocument document = readFile();
+
+  EXPECT_EQ(document.result, 0);
+  EXPECT_EQ(OrvML_IO_GetNumberOfGenericElements(document.handle(), entity()), 5);
+  EXPECT_EQ(OrvML_IO_GetNNodeGenericElement(document.handle(), entity(), 1), 0);
+}
+
+TEST_P(ReadCells, FewerConnectivitiesThanCellsTimesNodesAreFollowedByZeros) {
+  replaceInts(file_, member("connectivities"), {1, 2, 3});
+
+  const ReadDocument document = readFile();
+
+  std::vector<int> expected = {1, 2, 3};
+  expected.resize(17, 0);
+  EXPECT_EQ(document.result, 0);
+  EXPECT_EQ(connectivitiesOf(document.handle(), entity()), expected);
 }
 
 TEST_P(ReadCells, NegativeCellsOfAGroupGiveOneAndNoCells) {
@@ -193,7 +222,7 @@ TEST_P(ReadCells, UnreadableNodesPerCellGiveOneAndKeepTheShapes) {
   EXPECT_EQ(OrvML_IO_GetGenericElementType(document.handle(), entity(), 1), QUADRILATERAL);
 }
 
-TEST_P(ReadCells, OtherNumbersOfNodesPerCellThanShapesGiveOne) {
+TEST_P(ReadCells, MoreNumbersOfNodesPerCellThanShapesGiveOne) {
   replaceInts(file_, member("number_of_nodes_by_element"), {3, 4, 5});
 
   expectFailureThatKeepsTheNumber();

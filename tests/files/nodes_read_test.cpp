@@ -20,6 +20,14 @@ class ReadNodes : public ExchangeFileTest {
     EXPECT_EQ(scalarOf(document.handle(), "size"), 0.5) << "what follows is read";
   }
 
+  void expectNumberWithoutAnArray(const ReadDocument& document, int number) {
+    EXPECT_EQ(document.result, 1);
+    EXPECT_EQ(OrvML_IO_GetNumberOfNodes(document.handle()), number);
+    EXPECT_EQ(orvml_io::documentOf(document.handle())->nodes->coords, nullptr);
+    EXPECT_EQ(intAttributeOf(document.handle(), ORVML_NODES, "a"), std::nullopt);
+    EXPECT_EQ(OrvML_IO_GetNumberOfFaces(document.handle()), 1) << "what follows is read";
+  }
+
   /// Reads the small document with a node attribute and other coordinates.
   ReadDocument readWithCoordinates(hid_t type, const Extents& extents, const void* values) {
     RawFile file = smallInput();
@@ -91,11 +99,30 @@ TEST_F(ReadNodes, NullSpaceGivesOneAndNoNodes) {
 }
 
 // 65536 x 65536 values are a product of 0 in 32 bits.
-TEST_F(ReadNodes, MoreValuesThanThe32BitCountGiveOneAndNoNodes) {
-  RawFile file = smallInput();
-  replaceDataset(file, kCoordinates, H5T_NATIVE_DOUBLE, {65536, 65536}, nullptr);
+TEST_F(ReadNodes, MoreValuesThanThe32BitCountGiveOneAndKeepTheNumberWithoutAnArray) {
+  expectNumberWithoutAnArray(readWithCoordinates(H5T_NATIVE_DOUBLE, {65536, 65536}, nullptr),
+                             65536);
+}
 
-  expectNoNodes(read(file), 1);
+// What is not stored would take more than a read may fill.
+TEST_F(ReadNodes, CoordinatesOutOfProportionToTheFileGiveOneAndKeepTheNumberWithoutAnArray) {
+  expectNumberWithoutAnArray(readWithCoordinates(H5T_NATIVE_DOUBLE, {10000000, 3}, nullptr),
+                             10000000);
+}
+
+TEST_F(ReadNodes, CoordinatesInAnotherFileGiveOneAndKeepTheNumberWithoutAnArray) {
+  RawFile file = smallInput();
+  file.remove(kCoordinates);
+  const hsize_t extents[] = {4, 3};
+  const hid_t properties = H5Pcreate(H5P_DATASET_CREATE);
+  H5Pset_external(properties, "coordinates.bin", 0, H5F_UNLIMITED);
+  const hid_t space = H5Screate_simple(2, extents, nullptr);
+  H5Dclose(H5Dcreate2(file.id(), kCoordinates, H5T_NATIVE_DOUBLE, space, H5P_DEFAULT, properties,
+                      H5P_DEFAULT));
+  H5Sclose(space);
+  H5Pclose(properties);
+
+  expectNumberWithoutAnArray(read(file), 4);
 }
 
 TEST_F(ReadNodes, MoreRowsThanThe32BitCountGiveOneAndNoNodes) {
@@ -112,13 +139,7 @@ TEST_F(ReadNodes, UnreadableCoordinatesGiveOneAndKeepTheirNumberWithoutAnArray) 
   file.group("/OrvInput/Nodes/Attributes");
   file.intVector("/OrvInput/Nodes/Attributes/a", {7});
 
-  const ReadDocument document = read(file);
-
-  EXPECT_EQ(document.result, 1);
-  EXPECT_EQ(OrvML_IO_GetNumberOfNodes(document.handle()), 4);
-  EXPECT_EQ(orvml_io::documentOf(document.handle())->nodes->coords, nullptr);
-  EXPECT_EQ(intAttributeOf(document.handle(), ORVML_NODES, "a"), std::nullopt);
-  EXPECT_EQ(OrvML_IO_GetNumberOfFaces(document.handle()), 1);
+  expectNumberWithoutAnArray(read(file), 4);
 }
 
 TEST_F(ReadNodes, CoordinatesOfTextGiveOneAndKeepTheirNumberWithoutAnArray) {

@@ -238,6 +238,20 @@ TEST_P(ReadVectors, MoreValuesThanTheFirstExtentGiveOne) {
   expectFailed("table");
 }
 
+TEST_P(ReadVectors, ColumnOfATableIsRead) {
+  const double values[] = {1, 2, 3};
+  file_.dataset(member("column"), H5T_NATIVE_DOUBLE, {3, 1}, values);
+
+  EXPECT_EQ(doubles(readExpecting(0), "column"), (std::vector<double>{1, 2, 3}));
+}
+
+TEST_P(ReadVectors, LinkToAFileThatDoesNotExistIsSkipped) {
+  H5Lcreate_external("no_such_file.h5", "/v", file_.id(), member("link").c_str(), H5P_DEFAULT,
+                     H5P_DEFAULT);
+
+  expectSkipped("link");
+}
+
 TEST_P(ReadVectors, ClaimOfMoreValuesThanAVectorHoldsGivesOne) {
   file_.dataset(member("huge"), H5T_NATIVE_INT, {hsize_t{1} << 33U}, nullptr);
 

@@ -286,8 +286,18 @@ TEST_F(LegacyScalars, SingleValueWithoutExtentsGivesOne) {
   EXPECT_EQ(numberOfScalars(), 0U);
 }
 
-TEST_F(LegacyScalars, TableInsteadOfAVectorGivesOne) {
+// Other tools write vectors as the column of a table.
+TEST_F(LegacyScalars, TableWithOneColumnIsReadAsAVector) {
   file().doubleTable("/OrvInput/parameters", 2, 1, {0.5, 1.5});
+
+  EXPECT_EQ(read(), 0);
+
+  EXPECT_EQ(numberOfScalars(), 2U);
+  EXPECT_EQ(scalarOf(document(), kNames[1]), 1.5);
+}
+
+TEST_F(LegacyScalars, TableWithMoreColumnsGivesOne) {
+  file().doubleTable("/OrvInput/parameters", 1, 2, {0.5, 1.5});
 
   EXPECT_EQ(read(), 1);
 

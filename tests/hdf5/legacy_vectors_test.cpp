@@ -193,9 +193,18 @@ TEST_F(LegacyVectors, AttributeThatCannotBeReadGivesOneAndTheOthersAreRead) {
   EXPECT_EQ(doubleParameterOf(document(), "1"), (Doubles{0.5}));
 }
 
-TEST_F(LegacyVectors, TableInsteadOfAVectorGivesOneAndIsNotStored) {
+TEST_F(LegacyVectors, TableWithOneColumnIsReadAsAVector) {
   addPositions(kAttributes, 2);
-  file().doubleTable(memberOf(kAttributes, 0), 2, 1, {1, 2});
+  file().doubleTable(memberOf(kAttributes, 1), 2, 1, {1, 2});
+
+  ASSERT_EQ(read(), 0);
+
+  EXPECT_EQ(doubleParameterOf(document(), "1"), (Doubles{1, 2}));
+}
+
+TEST_F(LegacyVectors, TableWithMoreColumnsGivesOneAndIsNotStored) {
+  addPositions(kAttributes, 2);
+  file().doubleTable(memberOf(kAttributes, 0), 2, 2, {1, 2, 3, 4});
   addAttribute(1, {0.5});
 
   EXPECT_EQ(read(), 1);
@@ -252,6 +261,29 @@ TEST_F(LegacyVectors, DatasetWithMaxIdInsteadOfTheMarkersHoldsNoVectors) {
   EXPECT_EQ(read(), 0);
 
   EXPECT_EQ(numberOfVectors(), 0U);
+}
+
+TEST_F(LegacyVectors, MaxIdThatIsAFloatLosesItsFraction) {
+  file().group(kMarkers);
+  const double value = 1.75;
+  file().attribute(kMarkers, "MAX_ID", H5T_NATIVE_DOUBLE, {1}, &value);
+  addMarker(0, {1});
+  addMarker(1, {2});
+
+  ASSERT_EQ(read(), 0);
+
+  EXPECT_EQ(numberOfVectors(), 1U);
+}
+
+TEST_F(LegacyVectors, LinksToFilesThatDoNotExistAreSkipped) {
+  addPositions(kMarkers, 2);
+  H5Lcreate_external("no_such_file.h5", "/v", file().id(), memberOf(kMarkers, 0).c_str(),
+                     H5P_DEFAULT, H5P_DEFAULT);
+  addMarker(1, {2});
+
+  ASSERT_EQ(read(), 0);
+
+  EXPECT_EQ(numberOfVectors(), 1U);
 }
 
 /// A "MAX_ID" that is no usable count.
