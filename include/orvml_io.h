@@ -143,18 +143,20 @@ ORVML_IO_EXPORT void* OrvML_IO_NewOrvOutputHandle();
 ///       included. The attributes of a node container without nodes are not copied.
 ORVML_IO_EXPORT void* OrvML_IO_NewOrvInputHandle(void* source);
 
+/// Refuses a pointer to anything else, such as a text, which would be taken for a handle without
+/// this overload.
+template <class T>
+void* OrvML_IO_NewOrvInputHandle(T* notAHandle) = delete;
+
 /// Creates an output document that is a deep copy of another; everything else is as for the input.
 ///
 /// @param[in] source  document to copy; null gives null
 /// @return a new handle; release it with OrvML_IO_DeleteOrvOutputHandle()
 ORVML_IO_EXPORT void* OrvML_IO_NewOrvOutputHandle(void* source);
 
-/// Pointers to anything but a document are no source: a name that is not const would otherwise be
-/// taken for a handle.
+/// Refuses a pointer to anything else, as for the input.
 template <class T>
-void* OrvML_IO_NewOrvInputHandle(T* notADocument) = delete;
-template <class T>
-void* OrvML_IO_NewOrvOutputHandle(T* notADocument) = delete;
+void* OrvML_IO_NewOrvOutputHandle(T* notAHandle) = delete;
 
 /// Creates an input document with its identification and node coordinates.
 ///

@@ -1,6 +1,7 @@
 // The file of the text export: when it is made, when it is closed, and what the result says.
 #include "orvml_io.h"
 #include "support/captured_output.h"
+#include "support/decimal_comma.h"
 #include "support/document_builder.h"
 #include "support/row_name.h"
 #include "support/temp_file.h"
@@ -9,8 +10,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <clocale>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <ostream>
@@ -184,29 +183,6 @@ TEST_P(DocumentWithNodeContainer, LeavesNoFileOpen) {
 
 INSTANTIATE_TEST_SUITE_P(Contents, DocumentWithNodeContainer,
                          ::testing::ValuesIn(kContentsWithNodes), RowName());
-
-/// Sets the locale of numbers to one with a decimal comma, which the build made.
-class DecimalComma {
- public:
-  DecimalComma() {
-    ::setenv("LOCPATH", ORVML_IO_TESTS_LOCALES, 1);
-    isSet_ = std::setlocale(LC_NUMERIC, "de_DE.UTF-8") != nullptr &&
-             std::strcmp(std::localeconv()->decimal_point, ",") == 0;
-  }
-  DecimalComma(const DecimalComma&) = delete;
-  DecimalComma& operator=(const DecimalComma&) = delete;
-  DecimalComma(DecimalComma&&) = delete;
-  DecimalComma& operator=(DecimalComma&&) = delete;
-  ~DecimalComma() {
-    std::setlocale(LC_NUMERIC, "C");
-    ::unsetenv("LOCPATH");
-  }
-
-  [[nodiscard]] bool isSet() const noexcept { return isSet_; }
-
- private:
-  bool isSet_ = false;
-};
 
 TEST(WriteMeshInOrvFormat, PrintsTheDecimalPointOfTheLocale) {
   const DecimalComma comma;
