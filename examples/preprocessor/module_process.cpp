@@ -13,6 +13,7 @@ namespace orvml_examples {
 void runModule(const std::vector<std::string>& command) {
   std::vector<std::string> texts = command;  // the system asks for texts that may be changed
   std::vector<char*> arguments;
+  arguments.reserve(texts.size() + 1);
   for (std::string& text : texts) {
     arguments.push_back(text.data());
   }
