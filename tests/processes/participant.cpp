@@ -107,9 +107,12 @@ std::string lock(Arguments& arguments) {
   return ::flock(file, kind | LOCK_NB) == 0 ? "locked" : "no";
 }
 
-/// Lets no file grow beyond a size, as on a full disk. 0 takes the limit back.
-std::string limitFiles(Arguments& arguments) {
-  (void)std::signal(SIGXFSZ, SIG_IGN);
+/// Lets no file grow beyond a size, as on a full disk: a write beyond it fails, or ends the process
+/// when the limit is fatal. 0 takes the limit back.
+std::string limitFiles(Arguments& arguments, bool isFatal) {
+  const struct rlimit noCore = {};
+  (void)::setrlimit(RLIMIT_CORE, &noCore);
+  (void)std::signal(SIGXFSZ, isFatal ? SIG_DFL : SIG_IGN);
   struct rlimit limit = {};
   (void)::getrlimit(RLIMIT_FSIZE, &limit);
   const auto bytes = next<rlim_t>(arguments);
@@ -188,7 +191,8 @@ std::string obey(const std::string& line, Possessions& mine) {
   if (command == "possessions") return possessions(mine);
   if (command == "hold") return holdForWriting(arguments);
   if (command == "lock") return lock(arguments);
-  if (command == "limit") return limitFiles(arguments);
+  if (command == "limit") return limitFiles(arguments, false);
+  if (command == "fatal-limit") return limitFiles(arguments, true);
   if (command == "ordinary") return becomeOrdinaryUser();
   if (command == "child") return inChild(arguments);
   return "no such command";

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <fstream>
 
@@ -134,6 +135,24 @@ TEST_F(RefusedWrite, ForWantOfRoomUntilTheDocumentFits) {
   EXPECT_EQ(reader_.ask("possessions"), describe(kOld) + ", mapping unchanged, ");
   EXPECT_EQ(reader_.read(path_), wholeDocument(kNew));
   EXPECT_EQ(folder_.listing(), listing_);
+}
+
+// A writer that is killed cannot remove what it made; nobody else is disturbed by it.
+TEST_F(RefusedWrite, OfAProcessThatIsKilledLeavesTheOldFileAndOneOfAHiddenName) {
+  ASSERT_EQ(reader_.read(path_), wholeDocument(kOld));
+  ASSERT_EQ(reader_.ask("map " + path_), "mapped");
+  ASSERT_EQ(writer_.ask("fatal-limit 8192"), "limited");
+
+  EXPECT_EQ(writer_.ask("child exec " + path_ + " " + commandToWrite(path_, kNew)), "");
+
+  EXPECT_EQ(bytesIn(path_), before_);
+  const std::vector<std::string> left = folder_.listing();
+  ASSERT_EQ(left.size(), listing_.size() + 1);
+  EXPECT_EQ(left[0].find(folder_.path(".orvml_io-")), 0U) << left[0];
+  ASSERT_EQ(writer_.ask("fatal-limit 0"), "limited");
+  EXPECT_EQ(writer_.write(path_, kNew), "0");
+  EXPECT_EQ(reader_.ask("possessions"), describe(kOld) + ", mapping unchanged, ");
+  EXPECT_EQ(reader_.read(path_), wholeDocument(kNew));
 }
 
 TEST_F(RefusedWrite, ForWantOfRoomIsDoneByTheSameProcessOnceThereIsSome) {
