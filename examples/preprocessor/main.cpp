@@ -1,5 +1,5 @@
 // Models a part, meshes its surface, sends it to the mesher in an exchange file, and looks at what
-// comes back.
+// comes back; once, or again with another mesh size while it keeps the first result.
 #include "exchange/check.h"
 #include "exchange/names.h"
 #include "exchange/received.h"
@@ -10,6 +10,7 @@
 #include "preprocessor/cad_measures.h"
 #include "preprocessor/input_checks.h"
 #include "preprocessor/input_document.h"
+#include "preprocessor/module_process.h"
 #include "preprocessor/output_checks.h"
 #include "program.h"
 
@@ -68,18 +69,54 @@ void printCloseness(const Closeness& closeness, const CadMeasures& cad) {
               closeness.chordalError, closeness.allowedChordalError);
 }
 
-void show(const Part& part, const std::string& inputFile, const std::string& outputFile,
-          const std::string& recordFile) {
-  const Document input = Document::readInput(inputFile);
-  const Document output = Document::readOutput(outputFile);
+/// What came back for an input, when it is all that it should be.
+Document readAnswer(const Part& part, const Document& input, const std::string& outputFile,
+                    const std::string& recordFile) {
+  Document output = Document::readOutput(outputFile);
   requireReceivedAsSent({output, "OrvOutput", Record::load(recordFile)});
   requireSurfaceKept(input, output);
   requireUserAttributesKept(input, output);
   printCounts("Read, and as sent, an output document", output);
-  printNamedValues(output);
   const GmshSession session(part.name);
   const CadMeasures cad = measure(part.build());
   printCloseness(requireCloseToCad(input, output, cad), cad);
+  return output;
+}
+
+void show(const Part& part, const std::string& inputFile, const std::string& outputFile,
+          const std::string& recordFile) {
+  const Document input = Document::readInput(inputFile);
+  printNamedValues(readAnswer(part, input, outputFile, recordFile));
+}
+
+/// The same two files serve every run; both are told without their endings.
+struct Files {
+  std::string input;
+  std::string output;
+};
+
+Document haveMeshed(const Part& part, double size, const Files& files,
+                    const std::vector<std::string>& module) {
+  // The file that was sent is not read back here: who has read a file cannot write it again.
+  const Document input = sendKeepingACopy(part, size, files.input + ".h5", files.input + ".json");
+  runModule(module);
+  return readAnswer(part, input, files.output + ".h5", files.output + ".json");
+}
+
+/// Has a part meshed, and again with another size while the first result is in use.
+void meshTwice(const Part& part, double size, double otherSize, const Files& files,
+               const std::vector<std::string>& module) {
+  const Document first = haveMeshed(part, size, files, module);
+  const Record asRead = recordOf(first, "OrvOutput");
+  const Document second = haveMeshed(part, otherSize, files, module);
+  require(recordOf(first, "OrvOutput").entries() == asRead.entries(),
+          "the document of the first run changed when the second one was written");
+  require(first.numberOf(ORVML_NODES) != second.numberOf(ORVML_NODES),
+          "the second run gave the mesh of the first one");
+  std::printf(
+      "Meshed again into the same files: %d nodes there, and still %d in the first document\n",
+      second.numberOf(ORVML_NODES), first.numberOf(ORVML_NODES));
+  printNamedValues(second);
 }
 
 bool run(const std::vector<std::string>& arguments) {
@@ -91,15 +128,23 @@ bool run(const std::vector<std::string>& arguments) {
     show(partNamed(arguments[1]), arguments[2], arguments[3], arguments[4]);
     return true;
   }
+  if (arguments.size() > 6 && arguments[0] == "twice") {
+    meshTwice(partNamed(arguments[1]), std::stod(arguments[2]), std::stod(arguments[3]),
+              {arguments[4], arguments[5]}, {arguments.begin() + 6, arguments.end()});
+    return true;
+  }
   return false;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  return orvml_examples::runProgram(argc, argv,
-                                    "preprocessor write PART SIZE INPUT.h5 SENT.json\n"
-                                    "       preprocessor show PART INPUT.h5 OUTPUT.h5 SENT.json\n"
-                                    "PART is flange or lug, SIZE the length of edges in mm",
-                                    run);
+  return orvml_examples::runProgram(
+      argc, argv,
+      "preprocessor write PART SIZE INPUT.h5 SENT.json\n"
+      "       preprocessor show PART INPUT.h5 OUTPUT.h5 SENT.json\n"
+      "       preprocessor twice PART SIZE SIZE INPUT OUTPUT MODULE...\n"
+      "MODULE... is the command that makes OUTPUT.h5 of INPUT.h5,\n"
+      "PART is flange or lug, SIZE the length of edges in mm",
+      run);
 }

@@ -11,6 +11,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <string>
 
 namespace orvml_io_tests {
 namespace {
@@ -54,29 +55,46 @@ class OtherProcess {
   pid_t process_ = -1;
 };
 
-class HeldFile : public ::testing::TestWithParam<unsigned> {};
+using Writer = int (*)(const char* path, const Sources& sources);
+constexpr std::array<Writer, 3> kWriters = {writeInput, writeOutput, writeBoth};
 
-TEST_P(HeldFile, IsNotWrittenAndKeepsItsContent) {
-  const TempFile file;
-  const Sources sources;
-  ASSERT_EQ(writeInput(file.path(), sources), 0);
+class HeldFile : public ::testing::Test {
+ protected:
+  HeldFile() { EXPECT_EQ(writeInput(file_.path(), sources_), 0); }
+
+  TempFile file_;
+  Sources sources_;
+};
+
+TEST_F(HeldFile, IsNotWrittenAndKeepsItsContentWhileAnotherProcessWrites) {
   {
-    const OtherProcess other(file.path(), GetParam());
-    const Bytes before = bytesOf(file.path());
+    const OtherProcess other(file_.path(), H5F_ACC_RDWR);
+    const Bytes before = bytesOf(file_.path());
 
-    EXPECT_EQ(writeInput(file.path(), sources), 1);
-    EXPECT_EQ(writeOutput(file.path(), sources), 1);
-    EXPECT_EQ(writeBoth(file.path(), sources), 1);
+    for (const Writer write : kWriters) {
+      EXPECT_EQ(write(file_.path(), sources_), 1);
+    }
 
-    EXPECT_EQ(bytesOf(file.path()), before);
+    EXPECT_EQ(bytesOf(file_.path()), before);
   }
-  EXPECT_EQ(writeInput(file.path(), sources), 0) << "when it is held no more";
+  EXPECT_EQ(writeInput(file_.path(), sources_), 0) << "when it is held no more";
 }
 
-INSTANTIATE_TEST_SUITE_P(Access, HeldFile, ::testing::Values(H5F_ACC_RDONLY, H5F_ACC_RDWR),
-                         [](const ::testing::TestParamInfo<unsigned>& access) {
-                           return access.param == H5F_ACC_RDWR ? "ForWriting" : "ForReading";
-                         });
+// Each writer makes a new file; the one that is read has the path no more.
+TEST_F(HeldFile, IsReplacedWhileAnotherProcessReads) {
+  const OtherProcess other(file_.path(), H5F_ACC_RDONLY);
+  const std::string alias = std::string(file_.path()) + ".read";
+  ASSERT_EQ(::link(file_.path(), alias.c_str()), 0);
+  const Bytes before = bytesOf(alias.c_str());
+
+  for (const Writer write : kWriters) {
+    EXPECT_EQ(write(file_.path(), sources_), 0);
+  }
+
+  EXPECT_EQ(bytesOf(alias.c_str()), before);
+  EXPECT_EQ(readBoth(file_.path()).status, 0);
+  EXPECT_EQ(::unlink(alias.c_str()), 0);
+}
 
 }  // namespace
 }  // namespace orvml_io_tests
