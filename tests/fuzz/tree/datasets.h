@@ -17,7 +17,7 @@ struct DatasetChoices {
 
 DatasetChoices datasetChoicesFrom(ByteSource& bytes);
 
-/// The part of a dataset that is written.
+/// The part of a dataset that is written; all of it when there are no dataspaces.
 struct Selection {
   orvml_io::DataspaceId inFile;
   orvml_io::DataspaceId inMemory;

@@ -2,6 +2,8 @@
 
 #include "fuzz/harness/choice.h"
 
+#include <iterator>
+
 namespace orvml_io_tests {
 
 namespace {
@@ -12,6 +14,34 @@ using orvml_io::GroupId;
 
 /// How parameters and attributes are laid out.
 enum class Layout { named, positional, both };
+
+/// The parts of a document that a tree may hold or lack.
+enum Part : unsigned {
+  kNodeAttributes = 1,
+  kEdges = 2,
+  kFaces = 4,
+  kElements = 8,
+  kParameters = 16,
+  kWhole = 31
+};
+
+/// What a tree holds beside the nodes. Most of the choices are one part alone: it is made and read
+/// in a fraction of the time of a whole document, and few bytes lead to what is to be changed.
+constexpr unsigned kParts[] = {kWhole,
+                               kNodeAttributes,
+                               kEdges,
+                               kFaces,
+                               kElements,
+                               kParameters,
+                               kNodeAttributes | kParameters,
+                               kEdges | kFaces | kElements};
+
+/// What the documents of a tree have in common.
+struct Plan {
+  Layout layout;
+  unsigned parts;
+  std::string version;
+};
 
 /// The numbers of entities of the valid document.
 constexpr int kNodes = 4;
@@ -56,6 +86,17 @@ std::string nameOf(unsigned choice, const std::string& normal) {
   return normalOr(deviations, choice, normal);
 }
 
+/// Makes more members, all of them one dataset by as many names: to a reader they are alike.
+void makeMoreMembers(Tree& tree, hid_t group, const DatasetPlan& plan, unsigned count) {
+  ByteSource noDeviation(nullptr, 0);
+  Tree plain{tree.file, noDeviation};
+  makeDataset(plain, tree.file, plan);
+  for (unsigned i = 0; i < count; ++i) {
+    H5Lcreate_hard(tree.file, plan.name.c_str(), group, std::to_string(i + 2).c_str(), H5P_DEFAULT,
+                   H5P_DEFAULT);
+  }
+}
+
 /// A group of vectors: two datasets and, by one of the bytes, more of them than fit a small group.
 void makeVectors(Tree& tree, hid_t group, hid_t type, int length, const char* firstName,
                  const char* secondName) {
@@ -66,10 +107,9 @@ void makeVectors(Tree& tree, hid_t group, hid_t type, int length, const char* fi
   const Lengths lengths = {static_cast<hsize_t>(length)};
   makeDataset(tree, group, {first, type, lengths, values});
   makeDataset(tree, group, {secondName, type, lengths, values});
-  ByteSource noDeviation(nullptr, 0);
-  Tree plain{tree.file, noDeviation};
-  for (unsigned i = 0; i < extraMembers; ++i) {
-    makeDataset(plain, group, {std::to_string(i + 2), type, lengths, values});
+  if (extraMembers > 0) {
+    const std::string path = "/More" + std::to_string(tree.madeElsewhere++);
+    makeMoreMembers(tree, group, {path, type, lengths, values}, extraMembers);
   }
 }
 
@@ -97,14 +137,16 @@ void makeAttributes(Tree& tree, hid_t container, int count, Layout layout) {
   }
 }
 
-void makeNodes(Tree& tree, hid_t document, Layout layout) {
+void makeNodes(Tree& tree, hid_t document, const Plan& plan) {
   const GroupId nodes = makeGroup(tree, document, "Nodes");
   makeDataset(tree, nodes.get(),
               {"coordinates",
                H5T_NATIVE_DOUBLE,
                {kNodes, kDimension},
                {0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0, 1}});
-  makeAttributes(tree, nodes.get(), kNodes, layout);
+  if ((plan.parts & kNodeAttributes) != 0) {
+    makeAttributes(tree, nodes.get(), kNodes, plan.layout);
+  }
 }
 
 void makeCells(Tree& tree, hid_t document, const Cells& cells, Layout layout) {
@@ -136,33 +178,31 @@ void makeParameters(Tree& tree, hid_t document, Layout layout) {
   }
 }
 
-void makeDocument(Tree& tree, const char* name, Layout layout) {
+void makeDocument(Tree& tree, const char* name, const Plan& plan) {
   const GroupId document = makeGroup(tree, tree.file, name);
+  const auto makeCellsOf = [&](Part part, const Cells& cells) {
+    if ((plan.parts & part) != 0) {
+      makeCells(tree, document.get(), cells, plan.layout);
+    }
+  };
   makeInts(tree, document.get(), "dimension", {kDimension});
-  makeNodes(tree, document.get(), layout);
-  makeCells(tree, document.get(), {"Edges", 2, {2}, {1}, {2}, {0, 1, 1, 2}}, layout);
-  makeCells(tree, document.get(), {"Faces", 2, {1, 1}, {2, 3}, {3, 4}, {0, 1, 2, 0, 1, 3, 2}},
-            layout);
-  makeCells(tree, document.get(), {"Elements", 1, {1}, {4}, {4}, {0, 1, 2, 3}}, layout);
-  makeParameters(tree, document.get(), layout);
+  makeNodes(tree, document.get(), plan);
+  makeCellsOf(kEdges, {"Edges", 2, {2}, {1}, {2}, {0, 1, 1, 2}});
+  makeCellsOf(kFaces, {"Faces", 2, {1, 1}, {2, 3}, {3, 4}, {0, 1, 2, 0, 1, 3, 2}});
+  makeCellsOf(kElements, {"Elements", 1, {1}, {4}, {4}, {0, 1, 2, 3}});
+  if ((plan.parts & kParameters) != 0) {
+    makeParameters(tree, document.get(), plan.layout);
+  }
 }
 
-/// The version text that the tree would hold if its bytes changed nothing else about it.
-Layout layoutFrom(ByteSource& bytes, std::string& version) {
-  switch (bytes.choice(4)) {
-    case 1:
-      version = "1.3";
-      return Layout::positional;
-    case 2:
-      version = "nan";
-      return Layout::both;
-    case 3:
-      version = "1.3";
-      return Layout::both;
-    default:
-      version = "1.4";
-      return Layout::named;
-  }
+/// Takes 1 byte: one of four layouts, and the parts. The version is the text that the tree holds if
+/// no other byte changes it.
+Plan planFrom(ByteSource& bytes) {
+  constexpr Layout kLayouts[] = {Layout::named, Layout::positional, Layout::both, Layout::both};
+  constexpr const char* kVersions[] = {"1.4", "1.3", "nan", "1.3"};
+  const unsigned choice = bytes.next();
+  const unsigned layout = choice % std::size(kLayouts);
+  return {kLayouts[layout], chosen(choice / std::size(kLayouts), kParts), kVersions[layout]};
 }
 
 }  // namespace
@@ -172,22 +212,21 @@ void makeExchangeTree(Tree& tree) {
   constexpr unsigned kOnlyOutput = 1;
   constexpr unsigned kOneForBoth = 3;
   const GroupId root(H5Gopen2(tree.file, "/", H5P_DEFAULT));
-  std::string version;
-  const Layout layout = layoutFrom(tree.bytes, version);
+  const Plan plan = planFrom(tree.bytes);
   const unsigned documents = tree.bytes.choice(4);
   makeText(tree, root.get(), "FORMAT", "ORVMESHLIBRARY");
-  makeText(tree, root.get(), "ORVMESHLIBRARY_FORMAT_VERSION", version);
+  makeText(tree, root.get(), "ORVMESHLIBRARY_FORMAT_VERSION", plan.version);
   makeText(tree, root.get(), "ORVML_IO_CREATOR", "fuzzer");
   makeText(tree, root.get(), "ORVML_MODULE_NAME", "ORVML_OCTREE_MESHER");
   makeText(tree, root.get(), "ORVML_MODULE_FORMAT_VERSION", "2.1");
   makeNumber(tree, root.get(), "MustBeTransmitted", 1);
   if (documents != kOnlyOutput) {
-    makeDocument(tree, "OrvInput", layout);
+    makeDocument(tree, "OrvInput", plan);
   }
   if (documents == kOneForBoth) {
     H5Lcreate_hard(tree.file, "OrvInput", tree.file, "OrvOutput", H5P_DEFAULT, H5P_DEFAULT);
   } else if (documents != kOnlyInput) {
-    makeDocument(tree, "OrvOutput", layout);
+    makeDocument(tree, "OrvOutput", plan);
   }
 }
 

@@ -2,6 +2,8 @@
 #include "fuzz/harness/choice.h"
 #include "fuzz/tree/objects.h"
 
+#include <utility>
+
 namespace orvml_io_tests {
 
 namespace {
@@ -83,10 +85,11 @@ void place(Tree& tree, unsigned choice, hid_t parent, const std::string& name, c
 }
 
 GroupId makeGroup(Tree& tree, hid_t parent, const std::string& name) {
-  place(tree, tree.bytes.next(), parent, name, [](hid_t location, const char* linkName) {
-    const GroupId group(H5Gcreate2(location, linkName, H5P_DEFAULT, H5P_DEFAULT, H5P_DEFAULT));
+  GroupId made;
+  place(tree, tree.bytes.next(), parent, name, [&](hid_t location, const char* linkName) {
+    made = GroupId(H5Gcreate2(location, linkName, H5P_DEFAULT, H5P_DEFAULT, H5P_DEFAULT));
   });
-  return GroupId(H5Gopen2(parent, name.c_str(), H5P_DEFAULT));
+  return made.valid() ? std::move(made) : GroupId(H5Gopen2(parent, name.c_str(), H5P_DEFAULT));
 }
 
 }  // namespace orvml_io_tests

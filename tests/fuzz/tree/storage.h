@@ -5,12 +5,15 @@
 
 namespace orvml_io_tests {
 
+/// More values are not worth the time that it takes to write them.
+inline constexpr hsize_t kMostValuesWritten = 140000;
+
 /// How much of a dataset is written.
 enum class Written { all, firstChunk, nothing };
 
 /// How the values of a dataset lie in the file.
 struct Storage {
-  orvml_io::PropertyListId creation;
+  orvml_io::PropertyListId creation;  // none for HDF5's default
   Written written = Written::all;
   bool isExtendible = false;
 };
