@@ -19,6 +19,9 @@ namespace orvml_io {
 
 namespace {
 
+/// Stands for a number of values that 32 bits do not count.
+constexpr int kUncounted = -1;
+
 /// Reads the ints of a container that go with its type groups. Whatever their rank, they are taken
 /// one after the other: fewer than needed leave zeros behind them, more would not fit.
 NewArray<int> tryReadInts(SourceFile& file, const OpenGroup& container, const char* subPath,
@@ -70,6 +73,10 @@ int padCoordinates(SourceFile& file, const OpenGroup& document, Nodes& nodes, in
   // A table without columns stores nothing, whatever its rows.
   const bool isEmpty = nodes.coordsLength == 0;
   const ReadCost cost{0, isEmpty && needed ? static_cast<hsize_t>(*needed) * sizeof(double) : 0};
+  if (!needed) {
+    file.report(Trouble::badCount, document, layout::kNodes,
+                [] { return "has more nodes than 32 bits count the coordinates of"; });
+  }
   if (!needed || !file.affords(document, layout::kNodes, cost)) {
     setCoordinates(nodes, nullptr, 0);
     return kFailed;
@@ -80,7 +87,28 @@ int padCoordinates(SourceFile& file, const OpenGroup& document, Nodes& nodes, in
   return kOk;
 }
 
-/// Reads the coordinates of a container and their number.
+/// Reads the coordinates in an open dataset and their number. Those that lie in another file are
+/// not read.
+int readCoordinatesFrom(SourceFile& file, const OpenGroup& container, hid_t dataset, bool isRefused,
+                        Nodes& nodes) {
+  const Extent extent = extentOf(dataset).value_or(Extent());
+  // Contract: the number of nodes stays, without coordinates, whatever keeps these from being read.
+  nodes.numberOfNodes = numberOfRows32(extent).value_or(0);
+  const int length = numberOfValues32(extent).value_or(kUncounted);
+  if (!numberOfRows32(extent) || length == kUncounted) {
+    file.report(Trouble::wrongShape, container, layout::kCoordinates,
+                [] { return "has no rows, or more values than 32 bits count"; });
+    return kFailed;
+  }
+  if (isRefused || nodes.numberOfNodes == 0) {
+    return isRefused ? kFailed : kOk;
+  }
+  setCoordinates(
+      nodes, tryReadArray<double>(file, container, layout::kCoordinates, dataset, extent, length),
+      length);
+  return nodes.coords == nullptr ? kFailed : kOk;
+}
+
 int readCoordinates(SourceFile& file, const OpenGroup& container, Nodes& nodes) {
   Opened<DatasetId> opened = file.openDataset(container, layout::kCoordinates);
   const bool isRefused = opened.isRefused();
@@ -91,25 +119,7 @@ int readCoordinates(SourceFile& file, const OpenGroup& container, Nodes& nodes) 
     return isRefused ? kFailed : kOk;
   }
   const hid_t dataset = keepOpen(std::move(opened.id), KeptOpen::containerProbe);
-  const std::optional<Extent> extent = extentOf(dataset);
-  const std::optional<int> rows = extent ? numberOfRows32(*extent) : std::nullopt;
-  const std::optional<int> length = extent ? numberOfValues32(*extent) : std::nullopt;
-  // Contract: the number of nodes stays, without coordinates, whatever keeps these from being read.
-  nodes.numberOfNodes = rows.value_or(0);
-  if (!rows || !length) {
-    file.report(Trouble::wrongShape, container, layout::kCoordinates,
-                [] { return "has no rows, or more values than 32 bits count"; });
-  }
-  if (isRefused || !rows || !length) {
-    return kFailed;
-  }
-  if (*rows == 0) {
-    return kOk;
-  }
-  setCoordinates(
-      nodes, tryReadArray<double>(file, container, layout::kCoordinates, dataset, *extent, *length),
-      *length);
-  return nodes.coords == nullptr ? kFailed : kOk;
+  return readCoordinatesFrom(file, container, dataset, isRefused, nodes);
 }
 
 int writeElems(const Elems* elems, const OpenGroup& document, const char* subPath) {

@@ -89,6 +89,8 @@ int addLinkedMember(SourceFile& file, const OpenGroup& group, const std::string&
     case H5T_FLOAT:
       return addVector(file, group, name, dataset, kDoubleCode, batch);
     case H5T_NO_CLASS:
+      file.report(Trouble::unopenable, group, name,
+                  [] { return "has no type that HDF5 can tell"; });
       return kFailed;
     default:
       return kOk;
