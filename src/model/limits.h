@@ -34,4 +34,8 @@ inline constexpr std::size_t kUnstoredBytesPerRead = std::size_t{64} << 20;
 inline constexpr long long kUnheldPrintedPerHeld = 32;
 inline constexpr long long kUnheldPrinted = 1LL << 20;
 
+/// Nodes without coordinates that the text export prints, at the origin: a file may count billions
+/// whose coordinates could not be read.
+inline constexpr long long kUnheldNodesPrinted = 1LL << 16;
+
 }  // namespace orvml_io

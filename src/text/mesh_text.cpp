@@ -116,8 +116,10 @@ int PrintNodes(const Nodes& nodes, int dimension, std::FILE* stream) {
     return 0;
   }
   const long long held = nodes.heldCoordinates(dimension);
+  const long long lines =
+      std::min<long long>(nodes.numberOfNodes, held / dimension + kUnheldNodesPrinted);
   TextWriter writer(stream);
-  for (int node = 0; node < nodes.numberOfNodes; ++node) {
+  for (int node = 0; node < lines; ++node) {
     std::array<double, kValuesPerNodeLine> values = {};
     for (int column = 0; column < kValuesPerNodeLine; ++column) {
       const long long index = static_cast<long long>(node) * dimension + column;

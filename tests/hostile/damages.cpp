@@ -298,7 +298,7 @@ const std::vector<Damage>& damages() {
       {"LinkToNowhere", Finding::nothing, makeLinkToNowhere},
       {"LinkToItself", Finding::nothing, makeLinkToItself},
       {"LinkToTheRoot", Finding::nothing, makeLinkToTheRoot},
-      {"LinkToAMissingFile", Finding::elsewhere, makeLinkToAMissingFile},
+      {"LinkToAMissingFile", Finding::nothing, makeLinkToAMissingFile},
       {"ValuesInAnotherFile", Finding::elsewhere, makeValuesInAnotherFile},
       {"ValuesOfAnotherDataset", Finding::elsewhere, makeValuesOfAnotherDataset},
       {"Scalar", Finding::noExtents, makeScalar},

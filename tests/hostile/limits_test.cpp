@@ -7,7 +7,9 @@
 #include "hostile/attacked_file.h"
 #include "support/document_builder.h"
 #include "support/document_queries.h"
+#include "text/mesh_text.h"
 
+#include <cstdio>
 #include <limits>
 #include <vector>
 
@@ -132,6 +134,23 @@ TEST_P(Limits, BestCompressionCountsAsStoredAndABetterOneDoesNot) {
                            static_cast<long long>(length), sizeof(signed char));
 
   EXPECT_EQ(cost.unstoredBytes == 0, isWithin());
+}
+
+TEST_P(Limits, NodesWithoutCoordinatesArePrintedAndMoreAreNot) {
+  orvml_io::Nodes nodes;
+  nodes.numberOfNodes = static_cast<int>(orvml_io::kUnheldNodesPrinted) + GetParam();
+  std::FILE* stream = std::tmpfile();
+  ASSERT_NE(stream, nullptr);
+
+  EXPECT_EQ(orvml_io::PrintNodes(nodes, 3, stream), 0);
+
+  int lines = 0;
+  std::rewind(stream);
+  for (int character = std::fgetc(stream); character != EOF; character = std::fgetc(stream)) {
+    lines += character == '\n' ? 1 : 0;
+  }
+  std::fclose(stream);
+  EXPECT_EQ(lines == nodes.numberOfNodes, isWithin());
 }
 
 INSTANTIATE_TEST_SUITE_P(Around, Limits, ::testing::Values(-1, 0, 1));
