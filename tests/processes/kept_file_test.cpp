@@ -8,6 +8,8 @@
 
 #include <filesystem>
 #include <fstream>
+#include <ostream>
+#include <sstream>
 
 namespace orvml_io_tests {
 namespace {
@@ -53,7 +55,12 @@ TEST_P(ReadFileOfPermissions, KeepsThem) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Permissions, ReadFileOfPermissions,
-                         ::testing::Values(0640, 0604, 0600, 0666, 0755));
+                         ::testing::Values(0640, 0604, 0600, 0666, 0755),
+                         [](const ::testing::TestParamInfo<mode_t>& permissions) {
+                           std::ostringstream name;
+                           name << "Octal" << std::oct << permissions.param;
+                           return name.str();
+                         });
 
 TEST_F(ReadFile, KeepsPermissionsThatTheWriterWouldNotGiveANewFile) {
   ASSERT_EQ(::chmod(path_.c_str(), 0666), 0);
@@ -72,6 +79,10 @@ struct Chain {
   const char* name;
   std::vector<std::pair<const char*, const char*>> links;  // name and target, within the folder
   bool isAbsolute;
+
+  friend std::ostream& operator<<(std::ostream& stream, const Chain& chain) {
+    return stream << chain.name;
+  }
 };
 
 class LinkToAReadFile : public ReadFile, public ::testing::WithParamInterface<Chain> {};
