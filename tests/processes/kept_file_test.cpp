@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
@@ -71,6 +72,26 @@ TEST_F(ReadFile, KeepsPermissionsThatTheWriterWouldNotGiveANewFile) {
   EXPECT_EQ(writer_.write(path_, kNew), "0");
 
   EXPECT_EQ(permissionsOf(path_), 0666U);
+  expectReplaced();
+}
+
+// A folder of a project: everybody in the group may write, and what one writes stays the group's.
+TEST_F(ReadFile, KeepsItsGroupWhenTheWriterBelongsToIt) {
+  if (::geteuid() != 0) {
+    GTEST_SKIP() << "only the superuser can become another one";
+  }
+  constexpr gid_t kGroup = 1;
+  ASSERT_EQ(::chown(path_.c_str(), 0, kGroup), 0);
+  ASSERT_EQ(::chmod(path_.c_str(), 0660), 0);
+  ASSERT_EQ(::chown(folder_.path().c_str(), 0, kGroup), 0);
+  ASSERT_EQ(::chmod(folder_.path().c_str(), 0775), 0);
+  readAndMap();
+  ASSERT_EQ(writer_.ask("member " + std::to_string(kGroup)), "ordinary");
+
+  EXPECT_EQ(writer_.write(path_, kNew), "0");
+
+  EXPECT_EQ(groupOf(path_), kGroup);
+  EXPECT_EQ(permissionsOf(path_), 0660U);
   expectReplaced();
 }
 
