@@ -54,4 +54,6 @@ ino_t inodeOf(const std::string& path) { return statusOf(path).st_ino; }
 
 mode_t permissionsOf(const std::string& path) { return statusOf(path).st_mode & 07777U; }
 
+gid_t groupOf(const std::string& path) { return statusOf(path).st_gid; }
+
 }  // namespace orvml_io_tests

@@ -29,5 +29,6 @@ class ExchangeFolder {
 std::string bytesIn(const std::string& path);
 ino_t inodeOf(const std::string& path);
 mode_t permissionsOf(const std::string& path);
+gid_t groupOf(const std::string& path);
 
 }  // namespace orvml_io_tests

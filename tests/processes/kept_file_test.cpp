@@ -5,9 +5,12 @@
 #include <gtest/gtest.h>
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
+#include <ostream>
+#include <sstream>
 
 namespace orvml_io_tests {
 namespace {
@@ -53,7 +56,12 @@ TEST_P(ReadFileOfPermissions, KeepsThem) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Permissions, ReadFileOfPermissions,
-                         ::testing::Values(0640, 0604, 0600, 0666, 0755));
+                         ::testing::Values(0640, 0604, 0600, 0666, 0755),
+                         [](const ::testing::TestParamInfo<mode_t>& permissions) {
+                           std::ostringstream name;
+                           name << "Octal" << std::oct << permissions.param;
+                           return name.str();
+                         });
 
 TEST_F(ReadFile, KeepsPermissionsThatTheWriterWouldNotGiveANewFile) {
   ASSERT_EQ(::chmod(path_.c_str(), 0666), 0);
@@ -67,11 +75,35 @@ TEST_F(ReadFile, KeepsPermissionsThatTheWriterWouldNotGiveANewFile) {
   expectReplaced();
 }
 
+// A folder of a project: everybody in the group may write, and what one writes stays the group's.
+TEST_F(ReadFile, KeepsItsGroupWhenTheWriterBelongsToIt) {
+  if (::geteuid() != 0) {
+    GTEST_SKIP() << "only the superuser can become another one";
+  }
+  constexpr gid_t kGroup = 1;
+  ASSERT_EQ(::chown(path_.c_str(), 0, kGroup), 0);
+  ASSERT_EQ(::chmod(path_.c_str(), 0660), 0);
+  ASSERT_EQ(::chown(folder_.path().c_str(), 0, kGroup), 0);
+  ASSERT_EQ(::chmod(folder_.path().c_str(), 0775), 0);
+  readAndMap();
+  ASSERT_EQ(writer_.ask("member " + std::to_string(kGroup)), "ordinary");
+
+  EXPECT_EQ(writer_.write(path_, kNew), "0");
+
+  EXPECT_EQ(groupOf(path_), kGroup);
+  EXPECT_EQ(permissionsOf(path_), 0660U);
+  expectReplaced();
+}
+
 // Each row makes links of a chain, the last of which leads to out.h5.
 struct Chain {
   const char* name;
   std::vector<std::pair<const char*, const char*>> links;  // name and target, within the folder
   bool isAbsolute;
+
+  friend std::ostream& operator<<(std::ostream& stream, const Chain& chain) {
+    return stream << chain.name;
+  }
 };
 
 class LinkToAReadFile : public ReadFile, public ::testing::WithParamInterface<Chain> {};

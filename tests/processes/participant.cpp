@@ -6,6 +6,7 @@
 #include <hdf5.h>
 
 #include <fcntl.h>
+#include <grp.h>
 #include <sys/file.h>
 #include <sys/mman.h>
 #include <sys/resource.h>
@@ -126,6 +127,13 @@ std::string becomeOrdinaryUser() {
   return ::geteuid() != 0 || ::setuid(kNobody) == 0 ? "ordinary" : "no";
 }
 
+/// The same, as a member of one group besides the user's own.
+std::string becomeMemberOf(Arguments& arguments) {
+  constexpr gid_t kNoGroup = 65534;
+  const auto group = next<gid_t>(arguments);
+  return ::setgroups(1, &group) == 0 && ::setgid(kNoGroup) == 0 ? becomeOrdinaryUser() : "no";
+}
+
 bool hasOpen(const std::string& path) {
   for (const auto& descriptor : std::filesystem::directory_iterator("/proc/self/fd")) {
     std::error_code gone;
@@ -194,6 +202,7 @@ std::string obey(const std::string& line, Possessions& mine) {
   if (command == "limit") return limitFiles(arguments, false);
   if (command == "fatal-limit") return limitFiles(arguments, true);
   if (command == "ordinary") return becomeOrdinaryUser();
+  if (command == "member") return becomeMemberOf(arguments);
   if (command == "child") return inChild(arguments);
   return "no such command";
 }
