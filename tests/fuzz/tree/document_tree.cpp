@@ -9,6 +9,7 @@ namespace orvml_io_tests {
 namespace {
 
 using orvml_io::AttributeId;
+using orvml_io::DatasetId;
 using orvml_io::DatatypeId;
 using orvml_io::GroupId;
 
@@ -64,25 +65,25 @@ void makeInts(Tree& tree, hid_t parent, const char* name, const std::vector<doub
 
 /// Names at the limits of the buffers of a reader, and those that look like numbers.
 std::string nameOf(unsigned choice, const std::string& normal) {
-  const std::string deviations[] = {"x",
-                                    std::string(79, 'v'),
-                                    std::string(80, 'v'),
-                                    std::string(1000, 'v'),
-                                    std::string(1023, 'v'),
-                                    std::string(5000, 'v'),
-                                    "00",
-                                    "+1",
-                                    "-1",
-                                    " 1",
-                                    "2",
-                                    "7",
-                                    "2147483647",
-                                    "2147483648",
-                                    "99999999999999999999",
-                                    "\xff\xfe",
-                                    "..",
-                                    "MustBeTransmitted",
-                                    "1x"};
+  static const std::string deviations[] = {"x",
+                                           std::string(79, 'v'),
+                                           std::string(80, 'v'),
+                                           std::string(1000, 'v'),
+                                           std::string(1023, 'v'),
+                                           std::string(5000, 'v'),
+                                           "00",
+                                           "+1",
+                                           "-1",
+                                           " 1",
+                                           "2",
+                                           "7",
+                                           "2147483647",
+                                           "2147483648",
+                                           "99999999999999999999",
+                                           "\xff\xfe",
+                                           "..",
+                                           "MustBeTransmitted",
+                                           "1x"};
   return normalOr(deviations, choice, normal);
 }
 
@@ -91,9 +92,9 @@ void makeMoreMembers(Tree& tree, hid_t group, const DatasetPlan& plan, unsigned 
   ByteSource noDeviation(nullptr, 0);
   Tree plain{tree.file, noDeviation};
   makeDataset(plain, tree.file, plan);
+  const DatasetId dataset(H5Dopen2(tree.file, plan.name.c_str(), H5P_DEFAULT));
   for (unsigned i = 0; i < count; ++i) {
-    H5Lcreate_hard(tree.file, plan.name.c_str(), group, std::to_string(i + 2).c_str(), H5P_DEFAULT,
-                   H5P_DEFAULT);
+    H5Olink(dataset.get(), group, std::to_string(i + 2).c_str(), H5P_DEFAULT, H5P_DEFAULT);
   }
 }
 

@@ -15,6 +15,9 @@ using orvml_io::DatatypeId;
 
 std::string recordName(unsigned choice, std::size_t record) {
   const std::string normal = "size" + std::to_string(record);
+  if (choice == 0) {
+    return normal;  // most are, of thousands
+  }
   const std::string deviations[] = {"",
                                     "same",
                                     std::string(79, 'n'),
