@@ -680,11 +680,15 @@ ORVML_IO_EXPORT const char* OrvML_IO_GetAttributeNameThatMustBeTransmitted(
 /// Writes an input document to a new exchange file, replacing an existing file. The document is not
 /// changed.
 ///
+/// A file that other processes read, but not this one, is replaced by a new one of its name once
+/// that is whole: they keep what they have read and find the new content at their next read.
+/// Anything but 0 then leaves the old file there.
+///
 /// @param[in] fileName     path of the file; null gives 1
 /// @param[in] inputHandle  input document; null gives 1
 /// @return 0 when written; 1 when the file cannot be created (also when this process still has it
-///         open, see the readers) or a step failed, what was written before then stays in the
-///         file; a negative number when only closing the file failed
+///         open, see the readers, or another one writes it) or a step failed, what was written
+///         before then stays in the file; a negative number when only closing the file failed
 ORVML_IO_EXPORT int OrvML_IO_WriteOrvInput(const char* fileName, void* inputHandle);
 
 /// Writes an output document; everything else is as for OrvML_IO_WriteOrvInput().

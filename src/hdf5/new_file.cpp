@@ -56,15 +56,28 @@ bool isLocked(const Descriptor& file) noexcept {
   return ::flock(file.get(), LOCK_EX | LOCK_NB) != 0 && errno != ENOSYS;
 }
 
+/// The number that HDF5 gives a file when it opens it, which stays while the file is open anywhere
+/// in the process; no answer when it cannot be had.
+std::optional<unsigned long> openingOf(const char* fileName) noexcept {
+  const FileId file(H5Fopen(fileName, H5F_ACC_RDONLY, H5P_DEFAULT));
+  H5G_stat_t root = {};
+  if (!file.valid() || H5Gget_objinfo(file.get(), "/", false, &root) < 0) {
+    return std::nullopt;
+  }
+  return root.fileno[0];
+}
+
 /// Tells whether HDF5 has the file open in this process. A descriptor that a parent process left
 /// open here does not count: the program that reads the file may have started the one that writes
-/// it.
+/// it. Nor do the identifiers that HDF5 keeps of a file which it failed to close; they are not even
+/// counted.
 bool isOpenInThisProcess(const char* fileName) noexcept {
-  const FileId again(H5Fopen(fileName, H5F_ACC_RDONLY, H5P_DEFAULT));
-  if (!again.valid()) {
-    return H5Fis_hdf5(fileName) != 0;  // it cannot be told, unless HDF5 has no such files at all
+  const std::optional<unsigned long> first = openingOf(fileName);
+  const std::optional<unsigned long> second = openingOf(fileName);
+  if (!first || !second) {
+    return H5Fis_hdf5(fileName) != 0;  // it cannot be told, unless this is no HDF5 file at all
   }
-  return H5Fget_obj_count(again.get(), H5F_OBJ_ALL) != 1;
+  return *first == *second;
 }
 
 /// Who keeps a file from being written in place.
@@ -130,17 +143,24 @@ class ReplacedFile {
   ReplacedFile(std::string target, std::string newName, Descriptor lock) noexcept
       : target_(std::move(target)), newName_(std::move(newName)), lock_(std::move(lock)) {}
 
-  /// The owner comes first: a change of it may take permissions away. Only the superuser can give
-  /// files away, so that this one need not succeed.
+  /// Group and owner come first: a change of them may take permissions away. Only the superuser can
+  /// give files away, and others choose among their own groups, so that neither need succeed.
   [[nodiscard]] bool takesRightsOfTheOld() const noexcept {
     constexpr mode_t kPermissions = 07777;
+    constexpr unsigned kFromOthersToGroup = 3;
     struct stat old = {};
     if (::fstat(lock_.get(), &old) != 0) {
       return false;
     }
-    const int owned = ::chown(newName_.c_str(), old.st_uid, old.st_gid);
+    mode_t permissions = old.st_mode & kPermissions;
+    if (::chown(newName_.c_str(), static_cast<uid_t>(-1), old.st_gid) != 0) {
+      // What the old group was allowed is not for another one.
+      permissions &= ~static_cast<mode_t>(S_IRWXG | S_ISGID);
+      permissions |= (old.st_mode & S_IRWXO) << kFromOthersToGroup;
+    }
+    const int owned = ::chown(newName_.c_str(), old.st_uid, static_cast<gid_t>(-1));
     (void)owned;
-    return ::chmod(newName_.c_str(), old.st_mode & kPermissions) == 0;
+    return ::chmod(newName_.c_str(), permissions) == 0;
   }
 
   std::string target_;

@@ -21,7 +21,7 @@ class ReplacedFile;  // new_file.cpp
 /// - A file that this process has open, or that another one writes, is left as it is.
 ///
 /// Who holds a file is told by the locks that HDF5 sets; where locks do not work, or HDF5 is told
-/// to do without them, every file is written in place.
+/// to do without them, every HDF5 file is written in place.
 class NewFile {
  public:
   /// Creates the file; it is not valid when that is not possible.

@@ -14,7 +14,7 @@ import re
 import subprocess
 import sys
 
-WRITERS = re.compile(r"[Ww]rit|::make|setText|toRecords|createGroup|isHeldByAnother|isLocked|isRegularFile"
+WRITERS = re.compile(r"[Ww]rit|::make|setText|toRecords|createGroup|holdersOf|isLocked|isRegularFile|openingOf|isOpenInThisProcess|ReplacedFile|NewFile"
                      r"|Descriptor|versionFor|CreateFile|fitsName")
 
 
