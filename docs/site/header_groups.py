@@ -9,6 +9,8 @@ import re
 import sys
 
 SECTION = re.compile(r"// -{90,}\n((?://.*\n)+?)// -{90,}\n")
+# An overload that only refuses an argument is no function of the reference.
+REFUSAL = re.compile(r"(?:^///.*\n)+^template .*\n^.*= delete;\n\n", re.M)
 FIRST_TITLE = "Shapes and kinds"
 
 
@@ -29,6 +31,7 @@ def group(title):
 
 
 def with_groups(text):
+    text = REFUSAL.sub("", text)
     first = text.index("/// Shape of the elements")
     text = text[:first] + group(FIRST_TITLE) + "\n" + text[first:]
     text = SECTION.sub(lambda match: "/// @}\n\n" + group(split_section(match.group(1))[0]), text)
