@@ -107,8 +107,8 @@ void setUpHdf5() {
   H5dont_atexit();
   H5PLset_loading_state(0);  // an input may name a filter, and no library is to be looked for
   H5Eset_auto2(H5E_DEFAULT, nullptr, nullptr);
-  // Every file takes the same tables of some hundred kilobytes, and large values some mebibytes: HDF5
-  // may keep them for the next.
+  // Every file takes the same tables of some hundred kilobytes, and large values some mebibytes:
+  // HDF5 may keep them for the next.
   constexpr int kKeptBytes = 64 << 20;
   H5set_free_list_limits(kKeptBytes, kKeptBytes, kKeptBytes, kKeptBytes, kKeptBytes, kKeptBytes);
   registerFailingFilter();
