@@ -195,17 +195,27 @@ class HeldFile {
 
 class FileOfAnotherProgram : public ExchangeFileTest, public ::testing::WithParamInterface<int> {};
 
-TEST_P(FileOfAnotherProgram, CannotBeWrittenWhileItIsHeldAndStaysAsItIs) {
+TEST_F(FileOfAnotherProgram, CannotBeWrittenWhileItIsWrittenThereAndStaysAsItIs) {
   written(fullDocument()).close();
   const std::string before = bytesOf(path());
   {
-    const HeldFile held(path(), GetParam());
+    const HeldFile held(path(), LOCK_EX);
 
     EXPECT_EQ(OrvML_IO_WriteOrvInput(path(), documentWithMixedShapes().handle()), 1);
   }
 
   EXPECT_EQ(bytesOf(path()), before);
   EXPECT_EQ(opened(), IdCounts{});
+}
+
+// Programs that map the file keep what they have mapped: tests/processes.
+TEST_F(FileOfAnotherProgram, IsReplacedWhileItIsReadThere) {
+  written(fullDocument()).close();
+  const HeldFile held(path(), LOCK_SH);
+
+  EXPECT_EQ(OrvML_IO_WriteOrvInput(path(), documentWithMixedShapes().handle()), 0);
+
+  EXPECT_EQ(describe(readInput(path()).handle()), describe(documentWithMixedShapes().handle()));
 }
 
 TEST_P(FileOfAnotherProgram, IsWrittenWhenItIsHeldNoMore) {

@@ -1,6 +1,7 @@
-// What counts as a file that another holds open.
+// Which files are written in place, which are replaced and which are left alone.
+#include "hdf5/new_file.h"
+
 #include "files/child_process.h"
-#include "hdf5/file_lock.h"
 #include "hdf5/silence.h"
 #include "support/raw_file.h"
 #include "support/temp_file.h"

@@ -9,6 +9,7 @@ old one, and on what is no exchange file. It ends by itself; the programs that r
 of it. The files are made, and looked at, without the library.
 """
 import copy
+import os
 import pathlib
 import shutil
 import subprocess
@@ -22,7 +23,7 @@ import exchange_reader  # noqa: E402
 import exchange_writer  # noqa: E402
 from document import DOUBLE, INT, Cells, Document, TypeGroup, Vector  # noqa: E402
 from documents import full_document, plane_document  # noqa: E402
-from run_documentation import BLOCK, FILE_NAME, install, typed  # noqa: E402
+from run_documentation import BLOCK, FILE_NAME, typed  # noqa: E402
 
 PROGRAMS = ("read", "mixed", "walk", "answer", "change", "compare", "upgrade")
 ARGUMENTS = {"read": ["mixed.h5"], "upgrade": ["mixed.h5", "present.h5"]}
@@ -35,6 +36,14 @@ class Disagreement(Exception):
 def require(holds, message):
     if not holds:
         raise Disagreement(message)
+
+
+def install(build, prefix):
+    """Installs the library and lets the compiler and the loader find it."""
+    subprocess.run(["cmake", "--install", build, "--prefix", prefix], check=True,
+                   stdout=subprocess.DEVNULL)
+    library = next(prefix.rglob("liborvml_io.so")).parent
+    os.environ.update(PKG_CONFIG_PATH=f"{library}/pkgconfig", LD_LIBRARY_PATH=str(library))
 
 
 # -- the files -----------------------------------------------------------------------------------------
