@@ -7,11 +7,11 @@
 extern "C" {
 
 // NOLINTNEXTLINE(bugprone-reserved-identifier,readability-identifier-naming,cert-dcl*)
-const char* __lsan_default_suppressions();
+__attribute__((visibility("default"))) const char* __lsan_default_suppressions();
 const char* __lsan_default_suppressions() { return "leak:makeOneEntryArray\n"; }
 
 // NOLINTNEXTLINE(bugprone-reserved-identifier,readability-identifier-naming,cert-dcl*)
-const char* __lsan_default_options();
+__attribute__((visibility("default"))) const char* __lsan_default_options();
 const char* __lsan_default_options() { return "print_suppressions=0"; }
 
 }  // extern "C"
