@@ -1,5 +1,6 @@
 // Group arrays that one document hands to another: deleting the first must leave them alone, also
 // those that the library made for a single-shape setter.
+#include "model/element_kinds.h"
 #include "orvml_io.h"
 
 #include <gtest/gtest.h>
@@ -8,21 +9,6 @@
 
 namespace orvml_io_tests {
 namespace {
-
-/// The arrays of one kind of cells, as the four-output getter hands them out.
-struct Groups {
-  int* connectivities = nullptr;
-  ElemType* shapes = nullptr;
-  int* nodesPerCell = nullptr;
-  int* cellsPerGroup = nullptr;
-};
-
-Groups groupsOf(void* document, ORVML_TYPE_OF_ENTITY kind) {
-  Groups groups;
-  OrvML_IO_GetGenericElements(document, kind, groups.connectivities, groups.shapes,
-                              groups.nodesPerCell, groups.cellsPerGroup);
-  return groups;
-}
 
 class SharedGroupArrays : public ::testing::TestWithParam<ORVML_TYPE_OF_ENTITY> {
  protected:
@@ -36,19 +22,19 @@ class SharedGroupArrays : public ::testing::TestWithParam<ORVML_TYPE_OF_ENTITY> 
 TEST_P(SharedGroupArrays, OutliveTheDocumentThatMadeThem) {
   void* first = OrvML_IO_NewOrvInputHandle();
   OrvML_IO_SetGenericElements(first, kind(), 2, cells(), TRIANGLE, 3);
-  const Groups groups = groupsOf(first, kind());
-  const std::unique_ptr<ElemType[]> shapes(groups.shapes);
-  const std::unique_ptr<int[]> nodesPerCell(groups.nodesPerCell);
-  const std::unique_ptr<int[]> cellsPerGroup(groups.cellsPerGroup);
+  const HandedOutGroups groups = groupsOf(first, kind());
+  const std::unique_ptr<ElemType[]> shapes(groups.elementTypes);
+  const std::unique_ptr<int[]> nodesPerCell(groups.numberOfNodesByElement);
+  const std::unique_ptr<int[]> cellsPerGroup(groups.numberOfElementsByType);
   void* second = OrvML_IO_NewOrvInputHandle();
-  OrvML_IO_SetGenericElements(second, kind(), 2, groups.connectivities, 1, groups.shapes,
-                              groups.nodesPerCell, groups.cellsPerGroup);
+  OrvML_IO_SetGenericElements(second, kind(), 2, groups.connectivities, 1, groups.elementTypes,
+                              groups.numberOfNodesByElement, groups.numberOfElementsByType);
 
   OrvML_IO_DeleteOrvInputHandle(first);
 
   EXPECT_EQ(OrvML_IO_GetGenericElementType(second, kind(), 0), TRIANGLE);
   EXPECT_EQ(OrvML_IO_GetNNodeGenericElement(second, kind(), 0), 3);
-  EXPECT_EQ(groupsOf(second, kind()).cellsPerGroup[0], 2);
+  EXPECT_EQ(groupsOf(second, kind()).numberOfElementsByType[0], 2);
   OrvML_IO_DeleteOrvInputHandle(second);
 }
 
