@@ -39,11 +39,10 @@ endfunction()
 
 # The names and the symbols of the shared library. Hidden visibility alone still exports weak
 # instances of the standard library's templates; the version script keeps them in.
-function(orvml_io_library_settings target)
+function(orvml_io_library_settings target script)
   orvml_io_instrument(${target})
   set_target_properties(${target} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION})
   if(BUILD_SHARED_LIBS)
-    set(script "${PROJECT_SOURCE_DIR}/cmake/exported_symbols.map")
     target_link_options(${target} PRIVATE "LINKER:--version-script=${script}")
     set_target_properties(${target} PROPERTIES LINK_DEPENDS "${script}")
   endif()

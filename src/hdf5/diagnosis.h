@@ -8,19 +8,19 @@ namespace orvml_io {
 
 /// What was wrong with an object of a file. A reader's result does not tell these apart.
 enum class Trouble {
-  missing,         ///< there is no such object
-  unopenable,      ///< there is something, and it cannot be opened as what it should be
-  otherFile,       ///< its values, or the object itself, lie in another file
-  longPath,        ///< its path is longer than paths may be
-  wrongShape,      ///< its rank or its extents are none that it may have
-  wrongType,       ///< its values have a type that it may not have
-  tooLong,         ///< it has more values than what they belong to
-  tooShort,        ///< it has fewer values; the others are zeros
-  badCount,        ///< a count in it is negative, or a sum of counts leaves 32 bits
-  badValue,        ///< a value in it is none that it may have
-  overBudget,      ///< reading it would take memory out of proportion to the file
-  unreadable,      ///< HDF5 could not read it
-  notExchangeFile  ///< the file is no exchange file
+  missing,     ///< there is no such object
+  unopenable,  ///< there is something, and it cannot be opened as what it should be
+  otherFile,   ///< its values, or the object itself, lie in another file
+  longPath,    ///< its path is longer than paths may be
+  wrongShape,  ///< its rank or its extents are none that it may have
+  wrongType,   ///< its values have a type that it may not have
+  tooLong,     ///< it has more values than what they belong to
+  tooShort,    ///< it has fewer values; the others are zeros
+  badCount,    ///< a count in it is negative, or a sum of counts leaves 32 bits
+  badValue,    ///< a value in it is none that it may have
+  overBudget,  ///< reading it would take memory out of proportion to the file
+  unreadable,  ///< HDF5 could not read it
+  foreign      ///< it is none that the format knows, and nothing is lost without it
 };
 
 /// Something that a reader refused, missed or failed at.

@@ -3,7 +3,6 @@
 // and Read members of OrvInput and OrvOutput.
 #include "hdf5/datasets.h"
 #include "hdf5/extents.h"
-#include "hdf5/kept_open.h"
 #include "hdf5/layout.h"
 #include "hdf5/octree_mesher.h"
 #include "hdf5/probes.h"
@@ -74,13 +73,13 @@ int OrvInputAndOrvOutput::ReadSpatialDimension(SourceFile& file, const OpenGroup
     return kFailed;
   }
   meshDimension = dimension;
-  // Contract: 1 passes here and is rejected only by the readers of whole documents.
-  if (dimension < 1 || dimension > 3) {
-    file.report(Trouble::badValue, document, layout::kDimension,
-                [dimension] { return "is " + std::to_string(dimension); });
-    return kFailed;
+  if (!isAcceptedDimension(dimension)) {
+    file.report(Trouble::badValue, document, layout::kDimension, [dimension] {
+      return "is " + std::to_string(dimension) + ", a mesh has dimension 2 or 3";
+    });
   }
-  return kOk;
+  // Contract: 1 passes here and is rejected only by the readers of whole documents.
+  return dimension < 1 || dimension > 3 ? kFailed : kOk;
 }
 
 int OrvInputAndOrvOutput::WriteCommonPart(hid_t file, const char* group,
@@ -110,7 +109,7 @@ int OrvInputAndOrvOutput::ReadCommonPart(SourceFile& file, const char* group) {
     return opened.isRefused() ? kFailed : kOk;
   }
   const OpenGroup document =
-      file.root().below(keepOpen(std::move(opened.id), KeptOpen::documentGroup), group);
+      file.root().below(file.keepOpen(std::move(opened.id), KeptOpen::documentGroup), group);
   // The version comes first: the readers of attributes and parameters select their layout by it.
   (void)ReadFormatVersion(file);
   (void)ReadIOCreator(file);

@@ -2,6 +2,8 @@
 
 #include "hdf5/id.h"
 
+#include <vector>
+
 namespace orvml_io {
 
 /// Identifiers that stay open after a call, one enumerator for each place.
@@ -22,5 +24,24 @@ template <herr_t (*Close)(hid_t)>
 hid_t keepOpen(OwnedId<Close> id, KeptOpen /*why*/) noexcept {
   return id.release();
 }
+
+/// Takes the identifiers that would stay open by contract from a reader that makes no such promise,
+/// and closes them when it goes.
+class ClosedAtTheEnd {
+ public:
+  ClosedAtTheEnd() = default;
+  ClosedAtTheEnd(const ClosedAtTheEnd&) = delete;
+  ClosedAtTheEnd& operator=(const ClosedAtTheEnd&) = delete;
+  ClosedAtTheEnd(ClosedAtTheEnd&&) = delete;
+  ClosedAtTheEnd& operator=(ClosedAtTheEnd&&) = delete;
+  ~ClosedAtTheEnd() = default;
+
+  hid_t add(GroupId id) { return groups_.emplace_back(std::move(id)).get(); }
+  hid_t add(DatasetId id) { return datasets_.emplace_back(std::move(id)).get(); }
+
+ private:
+  std::vector<GroupId> groups_;
+  std::vector<DatasetId> datasets_;
+};
 
 }  // namespace orvml_io

@@ -18,6 +18,7 @@ inline constexpr char kDimension[] = "/dimension";
 
 inline constexpr char kNodes[] = "/Nodes";
 inline constexpr char kCoordinates[] = "/coordinates";
+inline constexpr char kNodesCoordinates[] = "/Nodes/coordinates";
 
 inline constexpr char kEdges[] = "/Edges";
 inline constexpr char kFaces[] = "/Faces";

@@ -5,7 +5,6 @@
 
 #include "hdf5/datasets.h"
 #include "hdf5/extents.h"
-#include "hdf5/kept_open.h"
 #include "hdf5/layout.h"
 #include "hdf5/links.h"
 #include "hdf5/octree_mesher.h"
@@ -107,7 +106,7 @@ VectorsRead readPositions(SourceFile& file, const OpenGroup& group,
       hasRefused = hasRefused || opened.isRefused();
       continue;
     }
-    const hid_t dataset = keepOpen(std::move(opened.id), why);
+    const hid_t dataset = file.keepOpen(std::move(opened.id), why);
     const std::optional<Extent> extent = extentOf(dataset);
     const std::optional<int> length = extent ? lengthOf(*extent) : std::nullopt;
     if (!length) {
@@ -115,7 +114,7 @@ VectorsRead readPositions(SourceFile& file, const OpenGroup& group,
       any.add(kFailed);
       continue;
     }
-    batch.add({link, position, dataset, code, *length}, *extent);
+    batch.add({link, position, dataset, code, *length, false}, *extent);
   }
   any.add(batch.read(store));
   hasRefused = hasRefused || batch.hasRefused();
@@ -304,7 +303,7 @@ int OrvInputAndOrvOutput::ReadParametersScalarOld(SourceFile& file, const OpenGr
   if (!opened.isObject()) {
     return opened.isRefused() ? kFailed : kOk;
   }
-  const hid_t dataset = keepOpen(std::move(opened.id), KeptOpen::legacyProbe);
+  const hid_t dataset = file.keepOpen(std::move(opened.id), KeptOpen::legacyProbe);
   const std::optional<Extent> extent = extentOf(dataset);
   const std::optional<int> length = extent ? vectorLength(*extent) : std::nullopt;
   const NewArray<double> values =

@@ -2,7 +2,6 @@
 // steps, and the document's WriteNodes, ReadNodes, WriteEdges, ... down to ReadElements.
 #include "hdf5/datasets.h"
 #include "hdf5/extents.h"
-#include "hdf5/kept_open.h"
 #include "hdf5/layout.h"
 #include "hdf5/read_array.h"
 #include "hdf5/source_file.h"
@@ -24,8 +23,10 @@ constexpr int kUncounted = -1;
 
 /// Reads the ints of a container that go with its type groups. Whatever their rank, they are taken
 /// one after the other: fewer than needed leave zeros behind them, more would not fit.
+///
+/// @param read  one of the two ways to read an array
 NewArray<int> tryReadInts(SourceFile& file, const OpenGroup& container, const char* subPath,
-                          int length) {
+                          int length, ReadArray<int>* read) {
   const Opened<DatasetId> dataset = file.openDataset(container, subPath);
   if (!dataset.isObject()) {
     file.reportIfAbsent(dataset.found, container, subPath);
@@ -41,7 +42,7 @@ NewArray<int> tryReadInts(SourceFile& file, const OpenGroup& container, const ch
   if (!extent || found > needed) {
     return nullptr;
   }
-  return tryReadArray<int>(file, container, subPath, dataset.id.get(), *extent, length);
+  return read(file, container, subPath, dataset.id.get(), *extent, length);
 }
 
 /// Shapes lie in files as ints; any value is taken.
@@ -50,12 +51,6 @@ NewArray<ElemType> toShapes(const int* values, int length) {
   std::transform(values, values + length, shapes.get(),
                  [](int value) { return static_cast<ElemType>(value); });
   return shapes;
-}
-
-void setCoordinates(Nodes& nodes, NewArray<double> values, long long length) noexcept {
-  const NewArray<double> released(nodes.coords);
-  nodes.coordsLength = values ? length : Nodes::kUnknownLength;
-  nodes.coords = values.release();
 }
 
 /// Coordinates of fewer columns than the dimension are accepted. The values behind them are zeros,
@@ -67,6 +62,13 @@ int padCoordinates(SourceFile& file, const OpenGroup& document, Nodes& nodes, in
     return kOk;
   }
   const std::optional<int> needed = product32(nodes.numberOfNodes, dimension);
+  if (needed && *needed != nodes.coordsLength) {
+    file.report(Trouble::wrongShape, document, layout::kNodesCoordinates, [&] {
+      return "has " + std::to_string(nodes.coordsLength) + " values, " +
+             std::to_string(nodes.numberOfNodes) + " nodes of dimension " +
+             std::to_string(dimension) + " need " + std::to_string(*needed);
+    });
+  }
   if (needed && *needed <= nodes.coordsLength) {
     return kOk;
   }
@@ -78,12 +80,12 @@ int padCoordinates(SourceFile& file, const OpenGroup& document, Nodes& nodes, in
                 [] { return "has more nodes than 32 bits count the coordinates of"; });
   }
   if (!needed || !file.affords(document, layout::kNodes, cost)) {
-    setCoordinates(nodes, nullptr, 0);
+    nodes.setCoordinates(nullptr, 0);
     return kFailed;
   }
   NewArray<double> padded(new double[static_cast<std::size_t>(*needed)]());
   std::copy_n(nodes.coords, nodes.coordsLength, padded.get());
-  setCoordinates(nodes, std::move(padded), *needed);
+  nodes.setCoordinates(std::move(padded), *needed);
   return kOk;
 }
 
@@ -103,8 +105,8 @@ int readCoordinatesFrom(SourceFile& file, const OpenGroup& container, hid_t data
   if (isRefused || nodes.numberOfNodes == 0) {
     return isRefused ? kFailed : kOk;
   }
-  setCoordinates(
-      nodes, tryReadArray<double>(file, container, layout::kCoordinates, dataset, extent, length),
+  nodes.setCoordinates(
+      tryBorrowOrReadArray<double>(file, container, layout::kCoordinates, dataset, extent, length),
       length);
   return nodes.coords == nullptr ? kFailed : kOk;
 }
@@ -114,11 +116,11 @@ int readCoordinates(SourceFile& file, const OpenGroup& container, Nodes& nodes) 
   const bool isRefused = opened.isRefused();
   if (!opened.id.valid()) {
     file.reportIfAbsent(opened.found, container, layout::kCoordinates);
-    setCoordinates(nodes, nullptr, 0);
+    nodes.setCoordinates(nullptr, 0);
     nodes.numberOfNodes = 0;
     return isRefused ? kFailed : kOk;
   }
-  const hid_t dataset = keepOpen(std::move(opened.id), KeptOpen::containerProbe);
+  const hid_t dataset = file.keepOpen(std::move(opened.id), KeptOpen::containerProbe);
   return readCoordinatesFrom(file, container, dataset, isRefused, nodes);
 }
 
@@ -168,7 +170,7 @@ int Nodes::Read(SourceFile& file, const OpenGroup& document, const char* formatV
     return kFailed;  // Contract: the writer leaves the group out when there are no nodes.
   }
   const OpenGroup container =
-      document.below(keepOpen(std::move(opened.id), KeptOpen::containerGroup), layout::kNodes);
+      document.below(file.keepOpen(std::move(opened.id), KeptOpen::containerGroup), layout::kNodes);
   const int status = readCoordinates(file, container, *this);
   return coords == nullptr ? status : ReadAttributes(file, container, numberOfNodes, formatVersion);
 }
@@ -220,7 +222,7 @@ int Elems::Read(SourceFile& file, const OpenGroup& document, const char* subPath
     return opened.isRefused() ? kFailed : kOk;
   }
   const OpenGroup container =
-      document.below(keepOpen(std::move(opened.id), KeptOpen::containerGroup), subPath);
+      document.below(file.keepOpen(std::move(opened.id), KeptOpen::containerGroup), subPath);
   const int status = ReadElementTypes(file, container);
   if (status != kOk || numberOfElements == 0 || numberOfElementTypes == 0) {
     return status;
@@ -238,7 +240,7 @@ int Elems::ReadElementTypes(SourceFile& file, const OpenGroup& container) {
     numberOfElements = 0;
     return opened.isRefused() ? kFailed : kOk;
   }
-  const hid_t dataset = keepOpen(std::move(opened.id), KeptOpen::containerProbe);
+  const hid_t dataset = file.keepOpen(std::move(opened.id), KeptOpen::containerProbe);
   const std::optional<Extent> extent = extentOf(dataset);
   const std::optional<int> groups = extent ? numberOfRows32(*extent) : std::nullopt;
   if (!groups) {
@@ -257,8 +259,8 @@ int Elems::ReadElementTypes(SourceFile& file, const OpenGroup& container) {
 }
 
 int Elems::readCellCounts(SourceFile& file, const OpenGroup& container) {
-  NewArray<int> counts =
-      tryReadInts(file, container, layout::kNumberOfElementsByType, numberOfElementTypes);
+  NewArray<int> counts = tryReadInts(file, container, layout::kNumberOfElementsByType,
+                                     numberOfElementTypes, tryReadArray<int>);
   if (!counts) {
     return kFailed;
   }
@@ -287,8 +289,8 @@ int Elems::readShapesAndNodeCounts(SourceFile& file, const OpenGroup& container,
     return kFailed;
   }
   elementTypes = toShapes(shapes.get(), numberOfElementTypes).release();
-  NewArray<int> nodeCounts =
-      tryReadInts(file, container, layout::kNumberOfNodesByElement, numberOfElementTypes);
+  NewArray<int> nodeCounts = tryReadInts(file, container, layout::kNumberOfNodesByElement,
+                                         numberOfElementTypes, tryReadArray<int>);
   if (!nodeCounts) {
     return kFailed;
   }
@@ -311,11 +313,12 @@ int Elems::ReadConnectivities(SourceFile& file, const OpenGroup& container) {
                 [] { return "would need more entries than 32 bits count"; });
     return kFailed;
   }
-  NewArray<int> values = tryReadInts(file, container, layout::kConnectivities, *size);
+  NewArray<int> values =
+      tryReadInts(file, container, layout::kConnectivities, *size, tryBorrowOrReadArray<int>);
   if (!values) {
     return kFailed;
   }
-  connectivities = values.release();
+  setConnectivities(std::move(values));
   return kOk;
 }
 

@@ -6,14 +6,14 @@
 #include <utility>
 
 #if defined(__unix__) || defined(__APPLE__)
+#include "hdf5/descriptor.h"
+#include "hdf5/file_beside.h"
+
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <optional>
 #include <system_error>
@@ -24,25 +24,6 @@ namespace orvml_io {
 #if defined(__unix__) || defined(__APPLE__)
 
 namespace {
-
-class Descriptor {
- public:
-  Descriptor() = default;
-  explicit Descriptor(int descriptor) noexcept : descriptor_(descriptor) {}
-  Descriptor(Descriptor&& other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)) {}
-  Descriptor& operator=(Descriptor&&) = delete;
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-  ~Descriptor() {
-    if (descriptor_ >= 0) {
-      (void)::close(descriptor_);
-    }
-  }
-  [[nodiscard]] int get() const noexcept { return descriptor_; }
-
- private:
-  int descriptor_ = -1;
-};
 
 /// To open what is no regular file may change it, even without reading: a pipe, a tape.
 bool isRegularFile(const char* fileName) noexcept {
@@ -111,62 +92,30 @@ class ReplacedFile {
  public:
   /// Makes the empty new file; none when that is not possible.
   static std::unique_ptr<ReplacedFile> beside(const char* fileName, Descriptor lock) {
+    // Whoever may not read the old file is not to read the new one while it is written.
+    constexpr mode_t kOfTheOwner = 0600;
     std::error_code failure;
     std::string target = std::filesystem::canonical(fileName, failure).string();
-    std::string name = target.substr(0, target.rfind('/') + 1) + ".orvml_io-XXXXXX";
-    const Descriptor created(failure ? -1 : ::mkstemp(name.data()));
-    if (created.get() < 0) {
-      return nullptr;
-    }
-    return std::unique_ptr<ReplacedFile>(
-        new ReplacedFile(std::move(target), std::move(name), std::move(lock)));
-  }
-  ReplacedFile(const ReplacedFile&) = delete;
-  ReplacedFile& operator=(const ReplacedFile&) = delete;
-  ReplacedFile(ReplacedFile&&) = delete;
-  ReplacedFile& operator=(ReplacedFile&&) = delete;
-  ~ReplacedFile() {
-    if (!isReplaced_) {
-      (void)::unlink(newName_.c_str());
-    }
+    std::unique_ptr<FileBeside> file =
+        failure ? nullptr : FileBeside::make(std::move(target), kOfTheOwner);
+    return file == nullptr
+               ? nullptr
+               : std::unique_ptr<ReplacedFile>(new ReplacedFile(std::move(file), std::move(lock)));
   }
 
-  [[nodiscard]] const char* newName() const noexcept { return newName_.c_str(); }
+  [[nodiscard]] const char* newName() const noexcept { return file_->name().c_str(); }
 
-  /// Puts the new file in place. The old one lives on, without a name, for those who have it open.
+  /// Puts the new file in place.
   [[nodiscard]] int replace() noexcept {
-    isReplaced_ = takesRightsOfTheOld() && std::rename(newName_.c_str(), target_.c_str()) == 0;
-    return isReplaced_ ? kOk : kFailed;
+    return file_->takeRightsOf(lock_) && file_->takeName() ? kOk : kFailed;
   }
 
  private:
-  ReplacedFile(std::string target, std::string newName, Descriptor lock) noexcept
-      : target_(std::move(target)), newName_(std::move(newName)), lock_(std::move(lock)) {}
+  ReplacedFile(std::unique_ptr<FileBeside> file, Descriptor lock) noexcept
+      : file_(std::move(file)), lock_(std::move(lock)) {}
 
-  /// Group and owner come first: a change of them may take permissions away. Only the superuser can
-  /// give files away, and others choose among their own groups, so that neither need succeed.
-  [[nodiscard]] bool takesRightsOfTheOld() const noexcept {
-    constexpr mode_t kPermissions = 07777;
-    constexpr unsigned kFromOthersToGroup = 3;
-    struct stat old = {};
-    if (::fstat(lock_.get(), &old) != 0) {
-      return false;
-    }
-    mode_t permissions = old.st_mode & kPermissions;
-    if (::chown(newName_.c_str(), static_cast<uid_t>(-1), old.st_gid) != 0) {
-      // What the old group was allowed is not for another one.
-      permissions &= ~static_cast<mode_t>(S_IRWXG | S_ISGID);
-      permissions |= (old.st_mode & S_IRWXO) << kFromOthersToGroup;
-    }
-    const int owned = ::chown(newName_.c_str(), old.st_uid, static_cast<gid_t>(-1));
-    (void)owned;
-    return ::chmod(newName_.c_str(), permissions) == 0;
-  }
-
-  std::string target_;
-  std::string newName_;
+  std::unique_ptr<FileBeside> file_;
   Descriptor lock_;
-  bool isReplaced_ = false;
 };
 
 NewFile::NewFile(const char* fileName) {
@@ -181,7 +130,7 @@ NewFile::NewFile(const char* fileName) {
     }
     fileName = replaced_->newName();
   }
-  file_ = FileId(H5Fcreate(fileName, H5F_ACC_TRUNC, H5P_DEFAULT, H5P_DEFAULT));
+  file_ = createAlignedFile(fileName);
 }
 
 #else
@@ -192,10 +141,18 @@ class ReplacedFile {
   [[nodiscard]] static int replace() noexcept { return kOk; }
 };
 
-NewFile::NewFile(const char* fileName)
-    : file_(H5Fcreate(fileName, H5F_ACC_TRUNC, H5P_DEFAULT, H5P_DEFAULT)) {}
+NewFile::NewFile(const char* fileName) : file_(createAlignedFile(fileName)) {}
 
 #endif
+
+FileId createAlignedFile(const char* fileName) noexcept {
+  constexpr hsize_t kAnySize = 1;
+  const PropertyListId access(H5Pcreate(H5P_FILE_ACCESS));
+  if (!access.valid() || H5Pset_alignment(access.get(), kAnySize, sizeof(double)) < 0) {
+    return FileId();
+  }
+  return FileId(H5Fcreate(fileName, H5F_ACC_TRUNC, H5P_DEFAULT, access.get()));
+}
 
 NewFile::NewFile(NewFile&& other) noexcept = default;
 

@@ -9,6 +9,11 @@ namespace orvml_io {
 
 class ReplacedFile;  // new_file.cpp
 
+/// Creates an HDF5 file, or empties an existing one, in which every array begins at a multiple of
+/// its values' size: readers that map a file into memory take arrays as they lie there. Not valid
+/// when that is not possible.
+[[nodiscard]] FileId createAlignedFile(const char* fileName) noexcept;
+
 /// A file that is being written.
 ///
 /// An existing file is emptied and written in place, as HDF5 does it, unless somebody holds it

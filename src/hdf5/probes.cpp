@@ -115,16 +115,19 @@ int Orv_H5_GetVectorDimension(hid_t dataset) {
   return extent ? vectorLength(*extent).value_or(-1) : -1;
 }
 
-std::optional<int> readIntegerAttribute(SourceFile& file, const OpenGroup& group,
-                                        const char* subPath, const char* name) {
-  const Opened<AttributeId> attribute = file.openAttribute(group, subPath, name);
+std::optional<int> readIntegerOf(hid_t attribute) {
   int value = 0;
   // HDF5 itself refuses what is no number.
-  if (!attribute.isObject() || !holdsOneValue(attribute.id.get()) ||
-      H5Aread(attribute.id.get(), H5T_NATIVE_INT, &value) < 0) {
+  if (!holdsOneValue(attribute) || H5Aread(attribute, H5T_NATIVE_INT, &value) < 0) {
     return std::nullopt;
   }
   return value;
+}
+
+std::optional<int> readIntegerAttribute(SourceFile& file, const OpenGroup& group,
+                                        const char* subPath, const char* name) {
+  const Opened<AttributeId> attribute = file.openAttribute(group, subPath, name);
+  return attribute.isObject() ? readIntegerOf(attribute.id.get()) : std::nullopt;
 }
 
 }  // namespace orvml_io

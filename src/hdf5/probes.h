@@ -31,6 +31,10 @@ namespace orvml_io {
 /// Returns the length of the vector in an open dataset; -1 when it holds none.
 [[nodiscard]] int Orv_H5_GetVectorDimension(hid_t dataset);
 
+/// Reads the one number of an open attribute as an integer; no answer when there is none or not
+/// one.
+[[nodiscard]] std::optional<int> readIntegerOf(hid_t attribute);
+
 /// Reads one number of an attribute as an integer; no answer when it is missing or not one number.
 /// A fraction is cut off, as the Lite interface of HDF5 does.
 [[nodiscard]] std::optional<int> readIntegerAttribute(SourceFile& file, const OpenGroup& group,

@@ -2,14 +2,33 @@
 
 #include "hdf5/datasets.h"
 #include "hdf5/source_file.h"
+#include "values/attributes_vector.h"
 #include "values/blocks.h"
 
 #include <string>
+#include <type_traits>
 
 namespace orvml_io {
 
-/// Reads a whole dataset into a new array of `length` values, at least as many as the dataset has;
-/// what the dataset lacks are zeros. Null when that is more than the read may take, or HDF5 fails.
+/// Reads a whole dataset into an array that nothing was set in before; see readFresh(). The array
+/// reader of the read is asked first.
+template <class T>
+[[nodiscard]] int readInto(SourceFile& file, const WantedArray& wanted, T* values) {
+  if (file.arrays() != nullptr && file.arrays()->read(wanted, values)) {
+    return kOk;
+  }
+  return readFresh(wanted.dataset, static_cast<int>(wanted.extent.numberOfValues), values,
+                   static_cast<int>(wanted.length));
+}
+
+/// A way to come by the values of a whole dataset as an array of `length` values, at least as many
+/// as the dataset has; what the dataset lacks are zeros. Null when that is more than the read may
+/// take, or reading fails.
+template <class T>
+using ReadArray = NewArray<T>(SourceFile& file, const OpenGroup& group, const char* subPath,
+                              hid_t dataset, const Extent& extent, int length);
+
+/// Reads an array into memory of its own.
 template <class T>
 [[nodiscard]] NewArray<T> tryReadArray(SourceFile& file, const OpenGroup& group,
                                        const char* subPath, hid_t dataset, const Extent& extent,
@@ -18,11 +37,25 @@ template <class T>
     return nullptr;
   }
   NewArray<T> values = makeNewArray<T>(length, file.freshMemory());
-  if (readFresh(dataset, static_cast<int>(extent.numberOfValues), values.get(), length) != kOk) {
+  const WantedArray wanted{dataset, extent, length, codeOf<T>};
+  if (readInto(file, wanted, values.get()) != kOk) {
     file.report(Trouble::unreadable, group, subPath, [] { return "cannot be read"; });
     return nullptr;
   }
   return values;
+}
+
+/// Takes an array that lies somewhere already where there is one, and reads it else.
+template <class T>
+[[nodiscard]] NewArray<T> tryBorrowOrReadArray(SourceFile& file, const OpenGroup& group,
+                                               const char* subPath, hid_t dataset,
+                                               const Extent& extent, int length) {
+  if (file.arrays() != nullptr) {
+    if (const void* lent = file.arrays()->lend({dataset, extent, length, codeOf<T>})) {
+      return borrowedArray(static_cast<const T*>(lent));
+    }
+  }
+  return tryReadArray<T>(file, group, subPath, dataset, extent, length);
 }
 
 /// What is said of a dataset whose number of entries differs from the one that is needed.

@@ -65,8 +65,11 @@ std::string pathOf(const OpenGroup& group, std::string_view subPath) {
 }  // namespace
 
 SourceFile::SourceFile(hid_t file, Diagnosis* diagnosis) noexcept
+    : SourceFile(file, ReadOptions{diagnosis, nullptr, nullptr, false}) {}
+
+SourceFile::SourceFile(hid_t file, const ReadOptions& options) noexcept
     : file_(file),
-      diagnosis_(diagnosis),
+      options_(options),
       budget_(file),
       freshMemory_(fileBytesOf(file)),  // about what its arrays need
       datasetAccess_(makeAccess(H5P_DATASET_ACCESS, watch_)),
@@ -152,7 +155,7 @@ void SourceFile::add(Trouble trouble, const OpenGroup& group, std::string_view s
   std::string reason = lastHdf5Reason();  // before the next call of HDF5 takes it away
   std::string path = pathOf(group, subPath);
   std::string whole = path + " " + sentence;
-  diagnosis_->add({trouble, std::move(path), std::move(whole), std::move(reason)});
+  options_.diagnosis->add({trouble, std::move(path), std::move(whole), std::move(reason)});
 }
 
 }  // namespace orvml_io

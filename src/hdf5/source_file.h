@@ -1,5 +1,6 @@
 #pragma once
 
+#include "hdf5/array_reader.h"
 #include "hdf5/diagnosis.h"
 #include "hdf5/extents.h"
 #include "hdf5/id.h"
@@ -33,6 +34,17 @@ struct Opened {
   [[nodiscard]] bool isRefused() const noexcept { return found == Found::refused; }
 };
 
+/// What a read does beyond what the contract of the flat functions says. All is borrowed.
+struct ReadOptions {
+  Diagnosis* diagnosis = nullptr;  ///< who is told of trouble
+  ArrayReader* arrays = nullptr;   ///< who is asked for large arrays first
+  /// Takes the identifiers that stay open by contract otherwise.
+  ClosedAtTheEnd* closedAtTheEnd = nullptr;
+  /// Whether the must-be-transmitted flags are looked for where writers put them; see
+  /// readMustBeTransmitted() in value_datasets.cpp.
+  bool takesFlagsOfMembers = false;
+};
+
 /// One read of a file: what it may still take, who is told of trouble, and the rule that everything
 /// comes from that file. What a link or a storage description draws from another one is refused, so
 /// that a file from outside cannot make a process read the files of its user. That is an external
@@ -42,6 +54,7 @@ class SourceFile {
   /// Borrows the file, and the diagnosis when there is one. Implicit, because readers are handed
   /// HDF5's own identifier.
   SourceFile(hid_t file, Diagnosis* diagnosis = nullptr) noexcept;
+  SourceFile(hid_t file, const ReadOptions& options) noexcept;
   SourceFile(const SourceFile&) = delete;
   SourceFile& operator=(const SourceFile&) = delete;
   SourceFile(SourceFile&&) = delete;
@@ -61,6 +74,19 @@ class SourceFile {
   /// Opens an attribute of the object at a sub-path, whatever its kind.
   [[nodiscard]] Opened<AttributeId> openAttribute(const OpenGroup& group, const char* subPath,
                                                   const char* name);
+
+  /// Lets go of an identifier that stays open by contract, as keepOpen() does, unless the options
+  /// say who closes it.
+  template <herr_t (*Close)(hid_t)>
+  hid_t keepOpen(OwnedId<Close> id, KeptOpen why) {
+    return options_.closedAtTheEnd != nullptr ? options_.closedAtTheEnd->add(std::move(id))
+                                              : orvml_io::keepOpen(std::move(id), why);
+  }
+
+  /// Who is asked for large arrays first; null for nobody.
+  [[nodiscard]] ArrayReader* arrays() const noexcept { return options_.arrays; }
+
+  [[nodiscard]] bool takesFlagsOfMembers() const noexcept { return options_.takesFlagsOfMembers; }
 
   /// Takes what reading an object costs from what the read may still take. Returns whether it
   /// could; else nothing was taken.
@@ -85,7 +111,7 @@ class SourceFile {
   template <class Sentence>
   void report(Trouble trouble, const OpenGroup& group, std::string_view subPath,
               Sentence sentence) {
-    if (diagnosis_ != nullptr) {
+    if (options_.diagnosis != nullptr) {
       add(trouble, group, subPath, sentence());
     }
   }
@@ -116,7 +142,7 @@ class SourceFile {
            const std::string& sentence);
 
   hid_t file_;
-  Diagnosis* diagnosis_;
+  ReadOptions options_;
   ReadBudget budget_;
   FreshMemory freshMemory_;
   LinkWatch watch_;  // before the lists that point to it

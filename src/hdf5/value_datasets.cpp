@@ -4,7 +4,6 @@
 // OML_AttributesVector::HDF5Write and HDF5Read.
 #include "hdf5/datasets.h"
 #include "hdf5/extents.h"
-#include "hdf5/kept_open.h"
 #include "hdf5/layout.h"
 #include "hdf5/legacy_layouts.h"
 #include "hdf5/links.h"
@@ -61,6 +60,15 @@ bool readMustBeTransmitted(const SourceFile& file, const OpenGroup& group) {
          std::strtol(text.c_str(), nullptr, 10) != 0;
 }
 
+/// The flag of one member, where writers put it. For readers that give more than the contract says.
+bool readFlagOfMember(SourceFile& file, hid_t dataset) {
+  if (!file.takesFlagsOfMembers() || H5Aexists(dataset, layout::kMustBeTransmitted) <= 0) {
+    return false;
+  }
+  const AttributeId attribute(H5Aopen(dataset, layout::kMustBeTransmitted, H5P_DEFAULT));
+  return readIntegerOf(attribute.get()).value_or(0) != 0;
+}
+
 int addVector(SourceFile& file, const OpenGroup& group, const std::string& name, hid_t dataset,
               char code, VectorBatch& batch) {
   const std::optional<Extent> extent = extentOf(dataset);
@@ -69,7 +77,7 @@ int addVector(SourceFile& file, const OpenGroup& group, const std::string& name,
     file.report(Trouble::wrongShape, group, name, [] { return "is no vector"; });
     return kFailed;
   }
-  batch.add({name, 0, dataset, code, *length}, *extent);
+  batch.add({name, 0, dataset, code, *length, readFlagOfMember(file, dataset)}, *extent);
   return kOk;
 }
 
@@ -79,10 +87,11 @@ int addLinkedMember(SourceFile& file, const OpenGroup& group, const std::string&
                     VectorBatch& batch) {
   Opened<DatasetId> opened = file.openMember(group, name);
   if (!opened.isObject()) {
+    file.reportIfAbsent(opened.found, group, name);
     return opened.isRefused() ? kFailed : kOk;
   }
   // The identifier that tells the extents stays open; the values are read through it too.
-  const hid_t dataset = keepOpen(std::move(opened.id), KeptOpen::extentProbe);
+  const hid_t dataset = file.keepOpen(std::move(opened.id), KeptOpen::extentProbe);
   switch (typeClassOf(dataset)) {
     case H5T_INTEGER:
       return addVector(file, group, name, dataset, kIntCode, batch);
@@ -93,6 +102,7 @@ int addLinkedMember(SourceFile& file, const OpenGroup& group, const std::string&
                   [] { return "has no type that HDF5 can tell"; });
       return kFailed;
     default:
+      file.report(Trouble::foreign, group, name, [] { return "holds no numbers"; });
       return kOk;
   }
 }
@@ -195,7 +205,8 @@ int OML_AttributesVector::HDF5Read(SourceFile& file, const OpenGroup& parent, co
     any.add(addLinkedMember(file, group, name, batch));
   }
   any.add(batch.read([&](const OpenVector& vector, MallocBlock block) {
-    SetBlock(vector.link.c_str(), std::move(block), vector.code, vector.length, mustBeTransmitted);
+    SetBlock(vector.link.c_str(), std::move(block), vector.code, vector.length,
+             mustBeTransmitted || vector.mustBeTransmitted);
   }));
   return any.status();
 }

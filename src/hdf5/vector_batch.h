@@ -17,6 +17,7 @@ struct OpenVector {
   hid_t dataset = -1;  ///< open, by contract for good
   char code = 0;       ///< kIntCode or kDoubleCode
   int length = 0;      ///< values of the vector, at least as many as the dataset has
+  bool mustBeTransmitted = false;
 };
 
 /// The vectors of one group. All are opened before the first is read, so that what they take
@@ -57,7 +58,8 @@ class VectorBatch {
  private:
   struct Pending {
     OpenVector vector;
-    int numberOfValues;
+    Extent extent;
+    const void* lent;  // null: its values have to be read
   };
 
   [[nodiscard]] MallocBlock readBlock(const Pending& pending);

@@ -39,6 +39,7 @@ void storeGroups(Elems& elems, int count, int* connectivities, int numberOfEleme
                  int* numberOfElementsByType) noexcept {
   elems.numberOfElements = count;
   elems.connectivities = connectivities;
+  elems.connectivitiesAreBorrowed = false;
   elems.numberOfElementTypes = numberOfElementTypes;
   elems.elementTypes = elementTypes;
   elems.numberOfNodesByElement = numberOfNodesByElement;
@@ -57,6 +58,7 @@ void OrvInputAndOrvOutput::SetNodesCoords(int count, const double* coordinates) 
   }
   // The array is adopted: the caller who asks for it back may change it, the library does not.
   nodes->coords = const_cast<double*>(coordinates);  // NOLINT(*-pro-type-const-cast)
+  nodes->coordsAreBorrowed = false;
   nodes->coordsLength = Nodes::kUnknownLength;
   nodes->numberOfNodes = count;
 }

@@ -30,12 +30,17 @@ void Elems::DeleteAuxiliarContent() noexcept {
   groupArraysMadeByLibrary = false;
 }
 
+void Elems::setConnectivities(NewArray<int> values) noexcept {
+  const NewArray<int> released(connectivities, DeleteArray<int>{connectivitiesAreBorrowed});
+  connectivitiesAreBorrowed = values && values.get_deleter().isBorrowed;
+  connectivities = values.release();
+}
+
 void Elems::DeleteContent() noexcept {
   if (!typeArraysOwnedByCaller) {
     DeleteAuxiliarContent();
   }
-  const NewArray<int> released(connectivities);
-  connectivities = nullptr;
+  setConnectivities(nullptr);
   numberOfElements = 0;
   attributes.DeleteAll();
 }

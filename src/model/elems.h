@@ -13,10 +13,11 @@ class Elems {
  public:
   int numberOfElements = 0;
   int* connectivities = nullptr;  // [sum over groups of cells x nodes], 0-based, group after group
-  int numberOfElementTypes = 0;   // number of type groups
-  int* numberOfElementsByType = nullptr;  // [numberOfElementTypes] cells of each group
-  ElemType* elementTypes = nullptr;       // [numberOfElementTypes] shape of each group
-  int* numberOfNodesByElement = nullptr;  // [numberOfElementTypes] nodes of a cell of each group
+  bool connectivitiesAreBorrowed = false;  // whether nothing ever releases them
+  int numberOfElementTypes = 0;            // number of type groups
+  int* numberOfElementsByType = nullptr;   // [numberOfElementTypes] cells of each group
+  ElemType* elementTypes = nullptr;        // [numberOfElementTypes] shape of each group
+  int* numberOfNodesByElement = nullptr;   // [numberOfElementTypes] nodes of a cell of each group
 
   /// Whether DeleteContent leaves the three group arrays alone.
   ///
@@ -42,6 +43,10 @@ class Elems {
   /// Compares group by group and node index by node index, in order, and the attributes from this
   /// side; see src/compare/equality.cpp.
   bool IsEqual(const Elems* other) const;
+
+  /// Replaces the connectivities by an array that the library made or was lent, and releases the
+  /// old ones if they are not borrowed.
+  void setConnectivities(NewArray<int> values) noexcept;
 
   /// Releases the group arrays with array delete and sets the number of groups to 0.
   void DeleteAuxiliarContent() noexcept;

@@ -19,10 +19,15 @@ long long Nodes::heldCoordinates(int dimension) const noexcept {
   return coordsLength == kUnknownLength ? wanted : std::min(wanted, coordsLength);
 }
 
+void Nodes::setCoordinates(NewArray<double> values, long long length) noexcept {
+  const NewArray<double> released(coords, DeleteArray<double>{coordsAreBorrowed});
+  coordsLength = values ? length : kUnknownLength;
+  coordsAreBorrowed = values && values.get_deleter().isBorrowed;
+  coords = values.release();
+}
+
 int Nodes::DeleteContent() noexcept {
-  const NewArray<double> released(coords);
-  coords = nullptr;
-  coordsLength = kUnknownLength;
+  setCoordinates(nullptr, 0);
   numberOfNodes = 0;
   attributes.DeleteAll();
   return 0;

@@ -10,6 +10,7 @@ class Nodes {
  public:
   double* coords = nullptr;  // [numberOfNodes x meshDimension], row-major; the caller's unless the
                              // document's arraysOwnedByCaller is false
+  bool coordsAreBorrowed = false;  // whether nothing ever releases them
   int numberOfNodes = 0;
   OML_AttributesVector attributes;  // one value per node in each
 
@@ -25,6 +26,10 @@ class Nodes {
   /// Returns how many of the `numberOfNodes x dimension` values lie behind `coords`: all of them
   /// where the array is the caller's, none where there is no array.
   long long heldCoordinates(int dimension) const noexcept;
+
+  /// Replaces the coordinates by an array that the library made or was lent, of `length` values,
+  /// and releases the old ones if they are not borrowed.
+  void setCoordinates(NewArray<double> values, long long length) noexcept;
 
   /// Empties the container; the container itself stays. Returns 0.
   ///

@@ -50,6 +50,16 @@ class OML_AttributesScalar {
     return found == values_.end() ? nullptr : &found->second;
   }
 
+  /// Removes a name. Returns whether it was there.
+  bool Delete(std::string_view name) {
+    const auto found = values_.find(name);
+    const bool isThere = found != values_.end();
+    if (isThere) {
+      values_.erase(found);
+    }
+    return isThere;
+  }
+
   std::size_t count() const noexcept { return values_.size(); }
   void clear() noexcept { values_.clear(); }
   typename Values::const_iterator begin() const noexcept { return values_.begin(); }

@@ -45,11 +45,17 @@ OML_AttributesVector::Entry& entryOf(OML_AttributesVector::Entries& entries,
 void* store(OML_AttributesVector::Entries& entries, const char* name, MallocBlock block, char code,
             int n, bool mustBeTransmitted) {
   OML_AttributesVector::Entry& entry = entryOf(entries, name);
+  entry.isBorrowed = block.get_deleter().isBorrowed;
   entry.data = block.release();
   entry.length = n > 0 ? n : 0;
   entry.code = code;
   entry.mustBeTransmitted = mustBeTransmitted;
   return entry.data;
+}
+
+/// Takes the block of an entry that goes away.
+MallocBlock blockOf(const OML_AttributesVector::Entry& entry) noexcept {
+  return MallocBlock(entry.data, FreeBlock{entry.isBorrowed});
 }
 
 }  // namespace
@@ -78,7 +84,7 @@ void* OML_AttributesVector::SetZeros(const char* name, char code, int n, bool mu
 int OML_AttributesVector::Delete(const char* name) {
   const auto found = entries_.find(std::string_view(name));
   if (found != entries_.end()) {
-    const MallocBlock released(found->second.data);
+    const MallocBlock released = blockOf(found->second);
     entries_.erase(found);
   }
   return 0;
@@ -96,7 +102,7 @@ int OML_AttributesVector::CopyFromOther(const OML_AttributesVector& other, Fresh
 
 void OML_AttributesVector::DeleteAll() noexcept {
   for (auto& named : entries_) {
-    const MallocBlock released(named.second.data);
+    const MallocBlock released = blockOf(named.second);
   }
   entries_.clear();
 }

@@ -18,6 +18,14 @@ class SourceFile;  // src/hdf5/source_file.h
 inline constexpr char kIntCode = 'i';
 inline constexpr char kDoubleCode = 'd';
 
+/// The code of a type of values.
+template <class T>
+inline constexpr char codeOf = '\0';
+template <>
+inline constexpr char codeOf<int> = kIntCode;
+template <>
+inline constexpr char codeOf<double> = kDoubleCode;
+
 /// Named vectors of ints or doubles in ascending byte-wise order of the names; files are written
 /// and transmitted attributes are counted in that order.
 ///
@@ -27,6 +35,7 @@ class OML_AttributesVector {
  public:
   struct Entry {
     void* data = nullptr;            // [length], from malloc; released by DeleteAll or Delete
+    bool isBorrowed = false;         // whether the block is somebody else's and never released
     int length = 0;                  // number of values
     char code = 0;                   // kIntCode or kDoubleCode; 0 in an entry created empty
     bool mustBeTransmitted = false;  // whether the meshing module must send the vector back
@@ -40,8 +49,8 @@ class OML_AttributesVector {
   int Set(const char* name, const int* values, int n, bool mustBeTransmitted);
   int Set(const char* name, const double* values, int n, bool mustBeTransmitted);
 
-  /// Does what Set does, with a block that the caller has filled with `n` values and hands over.
-  /// The code is kIntCode or kDoubleCode.
+  /// Does what Set does, with a block that the caller has filled with `n` values and hands over, or
+  /// lends. The code is kIntCode or kDoubleCode.
   void SetBlock(const char* name, MallocBlock block, char code, int n, bool mustBeTransmitted);
 
   /// Does what Set does with `n` zeros and returns the new block. The code is kIntCode or

@@ -9,9 +9,29 @@
 
 namespace orvml_io {
 
+/// Releases a mesh array with array delete, unless it is borrowed: then its memory belongs to
+/// somebody who keeps it longer, such as the mapped pages of a file.
+template <class T>
+struct DeleteArray {
+  bool isBorrowed = false;
+  void operator()(T* array) const noexcept {
+    if (!isBorrowed) {
+      delete[] array;
+    }
+  }
+};
+
 /// A mesh array, released with array delete: callers who clear a document of their own rely on it.
 template <class T>
-using NewArray = std::unique_ptr<T[]>;
+using NewArray = std::unique_ptr<T[], DeleteArray<T>>;
+
+/// Makes an array of memory that belongs to somebody else, who keeps it as long as the array is
+/// used. Nobody writes to it: it is not const because documents hold the arrays of callers alike.
+template <class T>
+NewArray<T> borrowedArray(const T* values) noexcept {
+  return NewArray<T>(const_cast<T*>(values),  // NOLINT(*-pro-type-const-cast)
+                     DeleteArray<T>{true});
+}
 
 /// Announces a block to the operation that it is made for; null when there is no other of it.
 inline void willBeWrittenWhole(void* block, std::size_t bytes, FreshMemory* operation) noexcept {
@@ -30,12 +50,24 @@ NewArray<T> makeNewArray(long long length, FreshMemory* operation = nullptr) {
   return array;
 }
 
+/// Releases a data block with `free`, unless it is borrowed as above.
 struct FreeBlock {
-  void operator()(void* block) const noexcept { std::free(block); }
+  bool isBorrowed = false;
+  void operator()(void* block) const noexcept {
+    if (!isBorrowed) {
+      std::free(block);
+    }
+  }
 };
 
 /// A data block of a vector, released with `free`.
 using MallocBlock = std::unique_ptr<void, FreeBlock>;
+
+/// Makes a block of memory that belongs to somebody else, as above.
+inline MallocBlock borrowedBlock(const void* values) noexcept {
+  return MallocBlock(const_cast<void*>(values),  // NOLINT(*-pro-type-const-cast)
+                     FreeBlock{true});
+}
 
 /// Allocates a block of `length` values without setting them, all of which the caller sets. It is
 /// never null, so that a caller can tell an empty vector from a missing one; a negative length is

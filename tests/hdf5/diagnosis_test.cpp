@@ -124,7 +124,7 @@ const TroubleRow kTroubles[] = {
     {"DimensionMissing", [](RawFile& file) { file.remove("/OrvInput/dimension"); }, 1,
      Trouble::missing, "/OrvInput/dimension", "is missing", true},
     {"DimensionFour", [](RawFile& file) { replaceInts(file, "/OrvInput/dimension", {4}); }, 1,
-     Trouble::badValue, "/OrvInput/dimension", "is 4", false},
+     Trouble::badValue, "/OrvInput/dimension", "is 4, a mesh has dimension 2 or 3", false},
     {"TwoDimensions",
      [](RawFile& file) {
        replaceInts(file, "/OrvInput/dimension", {3, 3});

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <orvml/describe.hpp>
+#include <orvml/document.hpp>
+#include <orvml/error.hpp>
+#include <orvml/fingerprint.hpp>
+#include <orvml/interop.hpp>
+#include <orvml/load.hpp>
+#include <orvml/mapped_file.hpp>
+#include <orvml/save.hpp>
+#include <orvml/shape.hpp>
+#include <orvml/version.hpp>
+#include <orvml/view.hpp>

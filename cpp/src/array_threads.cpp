@@ -1,0 +1,105 @@
+#include "array_threads.h"
+
+#include "stored_values.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <cstddef>
+#include <cstdint>
+#include <system_error>
+#include <thread>
+#include <vector>
+
+namespace orvml::detail {
+
+namespace {
+
+/// What a thread reads at once; below it another thread costs more than it gains.
+constexpr std::size_t kPieceBytes = std::size_t{4} << 20;
+
+std::uint64_t bytesOf(int descriptor) noexcept {
+  struct stat status = {};
+  return ::fstat(descriptor, &status) == 0 ? static_cast<std::uint64_t>(status.st_size) : 0;
+}
+
+bool readAll(int descriptor, std::uint64_t offset, char* values, std::size_t bytes) noexcept {
+  while (bytes > 0) {
+    const ssize_t got = ::pread(descriptor, values, bytes, static_cast<off_t>(offset));
+    if (got <= 0) {
+      if (got < 0 && errno == EINTR) {
+        continue;
+      }
+      return false;
+    }
+    values += got;
+    offset += static_cast<std::uint64_t>(got);
+    bytes -= static_cast<std::size_t>(got);
+  }
+  return true;
+}
+
+/// Pieces of an array that several threads take, one after the other.
+class Pieces {
+ public:
+  Pieces(int descriptor, const StoredValues& stored, char* values) noexcept
+      : descriptor_(descriptor), stored_(stored), values_(values) {}
+
+  void readSome() noexcept {
+    for (;;) {
+      const std::uint64_t begin = next_.fetch_add(kPieceBytes);
+      if (begin >= stored_.bytes || hasFailed_) {
+        return;
+      }
+      const auto bytes =
+          static_cast<std::size_t>(std::min<std::uint64_t>(kPieceBytes, stored_.bytes - begin));
+      if (!readAll(descriptor_, stored_.offset + begin, values_ + begin, bytes)) {
+        hasFailed_ = true;
+      }
+    }
+  }
+
+  [[nodiscard]] bool areRead() const noexcept { return !hasFailed_; }
+
+ private:
+  int descriptor_;
+  StoredValues stored_;
+  char* values_;
+  std::atomic<std::uint64_t> next_ = 0;
+  std::atomic<bool> hasFailed_ = false;
+};
+
+}  // namespace
+
+ArrayThreads::ArrayThreads(int descriptor, int threads) noexcept
+    : descriptor_(descriptor), threads_(threads) {}
+
+const void* ArrayThreads::lend(const orvml_io::WantedArray& /*wanted*/) { return nullptr; }
+
+bool ArrayThreads::read(const orvml_io::WantedArray& wanted, void* values) {
+  const StoredValues stored = storedValuesOf(wanted, bytesOf(descriptor_));
+  if (!stored.arePlain() || stored.bytes < 2 * kPieceBytes) {
+    return false;
+  }
+  Pieces pieces(descriptor_, stored, static_cast<char*>(values));
+  const std::uint64_t mostUseful = stored.bytes / kPieceBytes;
+  const auto helpers = static_cast<std::size_t>(
+      std::min<std::uint64_t>(static_cast<std::uint64_t>(threads_), mostUseful) - 1);
+  std::vector<std::jthread> others;
+  others.reserve(helpers);
+  try {
+    for (std::size_t i = 0; i < helpers; ++i) {
+      others.emplace_back([&pieces] { pieces.readSome(); });
+    }
+  } catch (const std::system_error&) {
+    // Those that could be started, and this one, do it all.
+  }
+  pieces.readSome();
+  others.clear();
+  return pieces.areRead();
+}
+
+}  // namespace orvml::detail

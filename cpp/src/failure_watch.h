@@ -1,0 +1,34 @@
+#pragma once
+
+#include <hdf5.h>
+
+#include <string>
+
+namespace orvml::detail {
+
+/// Keeps HDF5 from printing errors for its lifetime, and remembers the innermost reason of the last
+/// one: what a writer reports comes when HDF5 has forgotten why.
+class FailureWatch {
+ public:
+  FailureWatch() noexcept;
+  FailureWatch(const FailureWatch&) = delete;
+  FailureWatch& operator=(const FailureWatch&) = delete;
+  FailureWatch(FailureWatch&&) = delete;
+  FailureWatch& operator=(FailureWatch&&) = delete;
+  ~FailureWatch();
+
+  [[nodiscard]] const std::string& lastReason() const noexcept { return lastReason_; }
+  void forget() noexcept { lastReason_.clear(); }
+
+  /// The system's error number that the reason names; 0 when it names none.
+  [[nodiscard]] int systemError() const;
+
+ private:
+  static herr_t remember(hid_t stack, void* watch);
+
+  H5E_auto2_t handler_ = nullptr;
+  void* data_ = nullptr;
+  std::string lastReason_;
+};
+
+}  // namespace orvml::detail

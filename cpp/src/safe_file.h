@@ -1,0 +1,49 @@
+#pragma once
+
+#include "failure_watch.h"
+#include "hdf5/descriptor.h"
+#include "hdf5/file_beside.h"
+#include "hdf5/id.h"
+
+#include <filesystem>
+#include <memory>
+
+namespace orvml::detail {
+
+/// A file that is written beside the one whose place it takes at the end.
+class SafeFile {
+ public:
+  /// Makes the new file, open in HDF5; throws Error that says why that is not possible.
+  ///
+  /// @param watch  borrowed
+  SafeFile(const std::filesystem::path& path, FailureWatch& watch);
+  SafeFile(const SafeFile&) = delete;
+  SafeFile& operator=(const SafeFile&) = delete;
+  SafeFile(SafeFile&&) = delete;
+  SafeFile& operator=(SafeFile&&) = delete;
+  /// Removes the new file when it has not taken its place.
+  ~SafeFile();
+
+  [[nodiscard]] hid_t id() const noexcept { return file_.get(); }
+
+  /// Closes the file and puts it in its place.
+  void finish(bool flush);
+
+  /// Throws why HDF5 failed to write the file.
+  [[noreturn]] void throwUnwritten() const;
+
+ private:
+  void prepare();
+  void lockOld(const std::filesystem::path& target);
+  void create();
+  void letGoOfData() noexcept;
+  [[noreturn]] void throwSystemError(int error) const;
+
+  std::filesystem::path path_;
+  FailureWatch& watch_;
+  orvml_io::Descriptor old_;  // with a shared lock, so that nobody begins to write the old file
+  std::unique_ptr<orvml_io::FileBeside> beside_;
+  orvml_io::FileId file_;
+};
+
+}  // namespace orvml::detail
