@@ -77,6 +77,9 @@ int main(int count, char** arguments) {
   orvml_io_bench::registerText(options);
   orvml_io_bench::registerFreshProcesses(options);
   orvml_io_bench::registerGrowth(options);
+#if defined(ORVML_IO_BENCH_CPP)
+  orvml_io_bench::registerCppLayer(options);
+#endif
   benchmark::RunSpecifiedBenchmarks();
   orvml_io_bench::printResults(stdout, options);
   for (const std::string& format : orvml_io_bench::missingPeers()) {

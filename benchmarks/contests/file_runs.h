@@ -24,7 +24,7 @@ template <class Read>
 Run reading(Read read) {
   return [read](Measurement& measurement) {
     measurement.start();
-    const auto loaded = read();
+    [[maybe_unused]] const auto loaded = read();
     measurement.stop();
   };
 }

@@ -91,9 +91,7 @@ class MappedArrays : public orvml_io::ArrayReader {
 
 struct MappedFile::Content {
   explicit Content(const detail::OpenedFile& file)
-      : path(file.path()),
-        pages(file.isReadDirectly() ? file.descriptor() : -1,
-              file.isReadDirectly() ? file.bytes() : 0) {}
+      : path(file.path()), pages(file.descriptor(), file.isReadDirectly() ? file.bytes() : 0) {}
 
   [[nodiscard]] const OrvInputAndOrvOutput& documentOf(Kind kind) const {
     const auto& document = kind == Kind::input ? input : output;

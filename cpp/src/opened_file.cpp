@@ -78,8 +78,7 @@ bool isHeldForWriting(int descriptor) noexcept {
   return ::flock(descriptor, LOCK_SH | LOCK_NB) != 0 && errno == EWOULDBLOCK;
 }
 
-/// Tells whether HDF5 reads the file behind a descriptor, byte by byte. A path that is replaced
-/// between two opens gives two files, and HDF5 has drivers that arrange files in other ways.
+/// Tells whether HDF5 reads the file behind a descriptor, byte by byte.
 bool isSameFile(hid_t file, int descriptor) {
   const orvml_io::PropertyListId access(H5Fget_access_plist(file));
   void* handle = nullptr;
@@ -179,7 +178,13 @@ OpenedFile::OpenedFile(const std::filesystem::path& path)
     throw Error(Code::fileNotExchange, "is an HDF5 file without the marker of exchange files",
                 {path, {}, {}});
   }
-  isReadDirectly_ = isSameFile(file_.get(), descriptor_.get());
+}
+
+/// A path that is replaced between two opens gives two files, and HDF5 has drivers that arrange
+/// files in other ways.
+bool OpenedFile::isReadDirectly() const noexcept {
+  const orvml_io::Silence silence;
+  return isSameFile(file_.get(), descriptor_.get());
 }
 
 Descriptor OpenedFile::takeDescriptor() noexcept {

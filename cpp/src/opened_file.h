@@ -30,7 +30,7 @@ class OpenedFile {
   [[nodiscard]] bool holds(Kind kind) const noexcept;
 
   /// Whether what HDF5 tells of places in the file are places behind the descriptor.
-  [[nodiscard]] bool isReadDirectly() const noexcept { return isReadDirectly_; }
+  [[nodiscard]] bool isReadDirectly() const noexcept;
 
   /// Closes the file in HDF5 and hands out the descriptor.
   [[nodiscard]] orvml_io::Descriptor takeDescriptor() noexcept;
@@ -40,7 +40,6 @@ class OpenedFile {
   std::uint64_t bytes_ = 0;  // set while the descriptor is made
   orvml_io::Descriptor descriptor_;
   orvml_io::FileId file_;
-  bool isReadDirectly_ = false;
 };
 
 /// The path of a document's group: "/OrvInput" or "/OrvOutput".
