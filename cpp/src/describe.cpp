@@ -119,13 +119,16 @@ Layout layoutOf(hid_t creation) {
 StoredArray storedArrayOf(hid_t dataset) {
   if (H5Dget_offset(dataset) != HADDR_UNDEF) {
     // In one stretch, which leaves nothing to ask the list for, whose copy costs much.
-    return {
-        detail::pathOf(dataset),     extentsOf(dataset), typeText(dataset), Layout::contiguous, {},
-        H5Dget_storage_size(dataset)};
+    return {orvml_io::pathOfObject(dataset),
+            extentsOf(dataset),
+            typeText(dataset),
+            Layout::contiguous,
+            {},
+            H5Dget_storage_size(dataset)};
   }
   const orvml_io::PropertyListId creation(H5Dget_create_plist(dataset));
-  return {detail::pathOf(dataset),  extentsOf(dataset),        typeText(dataset),
-          layoutOf(creation.get()), filtersOf(creation.get()), H5Dget_storage_size(dataset)};
+  return {orvml_io::pathOfObject(dataset), extentsOf(dataset),        typeText(dataset),
+          layoutOf(creation.get()),        filtersOf(creation.get()), H5Dget_storage_size(dataset)};
 }
 
 /// Takes notes of the arrays that a reader asks for, and gives it zeros in their place.

@@ -1,6 +1,7 @@
 #include <orvml/mapped_file.hpp>
 
 #include "core_views.h"
+#include "hdf5/probes.h"
 #include "opened_file.h"
 #include "stored_values.h"
 
@@ -68,7 +69,7 @@ class MappedArrays : public orvml_io::ArrayReader {
         return pages_.address() + stored.offset;
       }
     }
-    others_.push_back({detail::pathOf(wanted.dataset), obstacle});
+    others_.push_back({orvml_io::pathOfObject(wanted.dataset), obstacle});
     return nullptr;
   }
 

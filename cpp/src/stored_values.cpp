@@ -62,13 +62,4 @@ StoredValues storedValuesOf(const orvml_io::WantedArray& wanted, std::uint64_t f
   return {offset, bytes, nullptr};
 }
 
-std::string pathOf(hid_t object) {
-  const ssize_t length = H5Iget_name(object, nullptr, 0);
-  std::string path(length > 0 ? static_cast<std::size_t>(length) : 0, '\0');
-  if (length > 0) {
-    (void)H5Iget_name(object, path.data(), path.size() + 1);
-  }
-  return path;
-}
-
 }  // namespace orvml::detail

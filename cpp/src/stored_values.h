@@ -3,7 +3,6 @@
 #include "hdf5/array_reader.h"
 
 #include <cstdint>
-#include <string>
 
 namespace orvml::detail {
 
@@ -22,8 +21,5 @@ struct StoredValues {
 /// @param fileBytes  the size of the file
 [[nodiscard]] StoredValues storedValuesOf(const orvml_io::WantedArray& wanted,
                                           std::uint64_t fileBytes);
-
-/// The absolute path of an open object.
-[[nodiscard]] std::string pathOf(hid_t object);
 
 }  // namespace orvml::detail

@@ -89,6 +89,15 @@ bool Orv_H5_GroupExists(const OpenGroup& group, const char* subPath) {
   return H5Gget_objinfo(group.id(), relativeName(subPath), false, nullptr) == 0;
 }
 
+std::string pathOfObject(hid_t object) {
+  const ssize_t length = H5Iget_name(object, nullptr, 0);
+  std::string path(length > 0 ? static_cast<std::size_t>(length) : 0, '\0');
+  if (length > 0) {
+    (void)H5Iget_name(object, path.data(), path.size() + 1);
+  }
+  return path;
+}
+
 bool Orv_H5_AttributeExists(hid_t location, const char* name) {
   return H5Aexists(location, name) != 0;
 }

@@ -12,6 +12,9 @@ namespace orvml_io {
 /// followed.
 [[nodiscard]] bool Orv_H5_GroupExists(const OpenGroup& group, const char* subPath);
 
+/// Returns the absolute path by which an object was opened; empty when HDF5 cannot tell.
+[[nodiscard]] std::string pathOfObject(hid_t object);
+
 /// Tells whether the location itself has the attribute. A failed search counts as found.
 [[nodiscard]] bool Orv_H5_AttributeExists(hid_t location, const char* name);
 

@@ -1,6 +1,7 @@
 #include "hdf5/source_file.h"
 
 #include "hdf5/linked_file.h"
+#include "hdf5/probes.h"
 
 #include <utility>
 
@@ -48,11 +49,7 @@ bool isSelfContained(hid_t dataset) noexcept {
 }
 
 std::string pathOf(const OpenGroup& group, std::string_view subPath) {
-  const ssize_t length = H5Iget_name(group.id(), nullptr, 0);
-  std::string path(length > 0 ? static_cast<std::size_t>(length) : 0, '\0');
-  if (length > 0) {
-    (void)H5Iget_name(group.id(), path.data(), path.size() + 1);
-  }
+  std::string path = pathOfObject(group.id());
   if (path == "/") {
     path.clear();
   }
