@@ -21,10 +21,12 @@ using orvml_io::OrvInputAndOrvOutput;
 namespace {
 
 /// Both libraries are made of the same classes, of which handles point to one: they must be those
-/// of one version.
+/// of one version. It is looked at when this library is loaded.
+const bool isFlatInterfaceOfThisVersion =
+    std::strcmp(OrvML_IO_GetVersion(), orvml_io::kLibraryVersion) == 0;
+
 void requireSameVersion() {
-  static const bool isSame = std::strcmp(OrvML_IO_GetVersion(), orvml_io::kLibraryVersion) == 0;
-  if (!isSame) {
+  if (!isFlatInterfaceOfThisVersion) {
     throw Error(Code::otherVersion, std::string("the flat interface is of version ") +
                                         OrvML_IO_GetVersion() + ", this one of " +
                                         orvml_io::kLibraryVersion);
