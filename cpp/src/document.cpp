@@ -246,7 +246,10 @@ void Document::setCells(Entity entity, const std::vector<GroupSize>& groups,
   Keeper& kept = content_->keepers[{static_cast<int>(entity), {}}];
   Elems& elems = *slot;
   releaseGroups(elems);
-  elems.setConnectivities(orvml_io::borrowedArray(nodeIndices.data()));
+  // Cells of no nodes have an array of no indices all the same.
+  static constexpr int kNone = 0;
+  elems.setConnectivities(
+      orvml_io::borrowedArray(nodeIndices.empty() ? &kNone : nodeIndices.data()));
   elems.numberOfElements = arrays.numberOfCells;
   elems.numberOfElementTypes = static_cast<int>(groups.size());
   elems.numberOfElementsByType = arrays.cells.release();
