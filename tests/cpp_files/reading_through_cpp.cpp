@@ -3,6 +3,7 @@
 #include <orvml/orvml.hpp>
 
 #include "cpp_files/every_view.h"
+#include "cpp_files/sample.h"
 #include "support/open_ids.h"
 #include "support/temp_file.h"
 
@@ -10,7 +11,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <iterator>
 #include <optional>
 #include <string>
 
@@ -41,11 +41,6 @@ struct Gained {
                   << (gained.output ? gained.output->document.text() : "no output");
   }
 };
-
-std::ptrdiff_t openDescriptors() {
-  return std::distance(std::filesystem::directory_iterator("/proc/self/fd"),
-                       std::filesystem::directory_iterator());
-}
 
 /// Nothing may be open after a piece of work that was not open before.
 class NothingLeftOpen {
