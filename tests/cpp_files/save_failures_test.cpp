@@ -116,12 +116,6 @@ INSTANTIATE_TEST_SUITE_P(
                 orvml::Code::fileNotWritten},
         Trouble{"ErrorOnWriting", SystemCall::write, Mishap::inputOutputError, Failing::fromThenOn,
                 orvml::Code::fileNotWritten},
-        Trouble{"FullOnceOnSettingTheLength", SystemCall::truncate, Mishap::noSpace, Failing::once,
-                orvml::Code::noSpaceLeft},
-        Trouble{"FullOnSettingTheLength", SystemCall::truncate, Mishap::noSpace,
-                Failing::fromThenOn, orvml::Code::noSpaceLeft},
-        Trouble{"ErrorOnSettingTheLength", SystemCall::truncate, Mishap::inputOutputError,
-                Failing::fromThenOn, orvml::Code::fileNotWritten},
         Trouble{"FullOnMoving", SystemCall::rename, Mishap::noSpace, Failing::once,
                 orvml::Code::noSpaceLeft},
         Trouble{"ErrorOnMoving", SystemCall::rename, Mishap::inputOutputError, Failing::once,
@@ -206,8 +200,6 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(
         Trouble{"BeforeAWrite", SystemCall::write, Mishap::killBefore, Failing::once, {}},
         Trouble{"InsideAWrite", SystemCall::write, Mishap::killInside, Failing::once, {}},
-        Trouble{"BeforeSettingTheLength", SystemCall::truncate, Mishap::killBefore, Failing::once,
-                {}},
         Trouble{"BeforeTheMove", SystemCall::rename, Mishap::killBefore, Failing::once, {}}),
     RowName());
 

@@ -88,11 +88,6 @@ __attribute__((visibility("default"))) int flock(int file, int operation) noexce
   return mishap ? fail(*mishap) : static_cast<int>(::syscall(SYS_flock, file, operation));
 }
 
-__attribute__((visibility("default"))) int ftruncate(int file, off_t bytes) noexcept {
-  const std::optional<Mishap> mishap = mishapOf(SystemCall::truncate);
-  return mishap ? fail(*mishap) : static_cast<int>(::syscall(SYS_ftruncate, file, bytes));
-}
-
 __attribute__((visibility("default"))) int fsync(int file) {
   const std::optional<Mishap> mishap = mishapOf(SystemCall::flush);
   return mishap ? fail(*mishap) : static_cast<int>(::syscall(SYS_fsync, file));
