@@ -54,7 +54,7 @@ orvml::Input inputWithEverything(const std::string& tag) {
 }
 
 orvml::Output smallOutput() {
-  orvml::Output output({"TETRAHEDRA", "2.1", "mesher"}, 2);
+  orvml::Output output({"TETRAHEDRA", "2.1", "old"}, 2);
   output.setNodes(std::vector<double>{0, 0, 1, 0, 0, 1});
   output.setCells(Entity::faces, Shape::triangle, 3, std::vector<int>{0, 1, 2});
   output.setParameter("seconds", 1.25);
