@@ -2,6 +2,7 @@
 
 #include "hdf5/extents.h"
 
+#include <optional>
 #include <utility>
 
 namespace orvml::detail {
@@ -12,11 +13,16 @@ using orvml_io::OrvInputAndOrvOutput;
 
 namespace {
 
+/// Cells that need no node indices have all of them, with an array of none or without: a reader that
+/// refused the array leaves none, and a copy of such a document has an empty one.
 bool holdsNodeIndices(const Elems& elems) {
-  return elems.elementTypes != nullptr && elems.connectivities != nullptr &&
-         orvml_io::connectivitySize32(elems.numberOfElementsByType, elems.numberOfNodesByElement,
-                                      elems.numberOfElementTypes)
-             .has_value();
+  if (elems.elementTypes == nullptr || elems.numberOfElementsByType == nullptr ||
+      elems.numberOfNodesByElement == nullptr) {
+    return false;
+  }
+  const std::optional<int> needed = orvml_io::connectivitySize32(
+      elems.numberOfElementsByType, elems.numberOfNodesByElement, elems.numberOfElementTypes);
+  return needed && (elems.connectivities != nullptr || *needed == 0);
 }
 
 std::vector<CellGroup> groupsOf(const Elems& elems) {

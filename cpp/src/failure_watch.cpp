@@ -2,8 +2,6 @@
 
 #include "hdf5/diagnosis.h"
 
-#include <cstdlib>
-
 namespace orvml::detail {
 
 FailureWatch::FailureWatch() noexcept {
@@ -20,15 +18,6 @@ herr_t FailureWatch::remember(hid_t /*stack*/, void* watch) {
     // Exceptions must not cross HDF5's frames. Without memory the reason stays untold.
   }
   return 0;
-}
-
-int FailureWatch::systemError() const {
-  constexpr char kNaming[] = "errno = ";
-  const std::size_t found = lastReason_.find(kNaming);
-  return found == std::string::npos
-             ? 0
-             : static_cast<int>(
-                   std::strtol(lastReason_.c_str() + found + sizeof kNaming - 1, nullptr, 10));
 }
 
 }  // namespace orvml::detail

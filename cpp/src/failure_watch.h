@@ -20,9 +20,6 @@ class FailureWatch {
   [[nodiscard]] const std::string& lastReason() const noexcept { return lastReason_; }
   void forget() noexcept { lastReason_.clear(); }
 
-  /// The system's error number that the reason names; 0 when it names none.
-  [[nodiscard]] int systemError() const;
-
  private:
   static herr_t remember(hid_t stack, void* watch);
 

@@ -6,11 +6,9 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
-#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <array>
 #include <cerrno>
 #include <cstring>
 #include <string>
@@ -34,15 +32,6 @@ std::filesystem::path followed(const std::filesystem::path& path) {
     target = next.is_absolute() ? next : target.parent_path() / next;
   }
   return target;
-}
-
-/// A file in memory, where what nobody wants any more can be written to.
-int openSink() noexcept {
-#if defined(__linux__)
-  return ::memfd_create("unwanted", MFD_CLOEXEC);
-#else
-  return ::open("/dev/null", O_WRONLY | O_CLOEXEC);
-#endif
 }
 
 }  // namespace
@@ -77,9 +66,8 @@ void SafeFile::throwSystemError(int error) const {
 }
 
 void SafeFile::throwUnwritten() const {
-  const int error = watch_.systemError();
-  if (error != 0) {
-    throwSystemError(error);
+  if (bytes_ && bytes_->error() != 0) {
+    throwSystemError(bytes_->error());
   }
   throw Error(Code::fileNotWritten, "cannot be written", {path_, {}, watch_.lastReason()});
 }
@@ -127,8 +115,18 @@ void SafeFile::prepare() {
 }
 
 void SafeFile::create() {
+  new_ = Descriptor(::open(beside_->name().c_str(), O_RDWR | O_CLOEXEC));
+  if (!new_.valid()) {
+    throwSystemError(errno);
+  }
+  bytes_.emplace(new_.get());
   watch_.forget();
-  file_ = orvml_io::createAlignedFile(beside_->name().c_str());
+  driver_ = registerFileDriver();
+  const orvml_io::PropertyListId access(H5Pcreate(H5P_FILE_ACCESS));
+  if (!writeTo(*bytes_, driver_.get(), access.get())) {
+    throwUnwritten();
+  }
+  file_ = orvml_io::createAlignedFile(beside_->name().c_str(), access.get());
   if (!file_.valid()) {
     throwUnwritten();
   }
@@ -136,11 +134,7 @@ void SafeFile::create() {
 
 void SafeFile::finish(bool flush) {
   watch_.forget();
-  // Flushed first: what HDF5 cannot write when it closes a file it tries to write again and again.
-  if (H5Fflush(file_.get(), H5F_SCOPE_LOCAL) < 0) {
-    throwUnwritten();
-  }
-  if (file_.close() < 0) {
+  if (file_.close() < 0 || bytes_->error() != 0) {
     throwUnwritten();
   }
   if (flush && !beside_->flush()) {
@@ -154,24 +148,9 @@ void SafeFile::finish(bool flush) {
   }
 }
 
-/// HDF5 keeps what it could not write, and ends the process when it cannot write it at the end
-/// either. From here on it writes to memory that goes away.
-void SafeFile::letGoOfData() noexcept {
-  const orvml_io::PropertyListId access(H5Fget_access_plist(file_.get()));
-  void* handle = nullptr;
-  if (H5Pget_driver(access.get()) != H5FD_SEC2 ||
-      H5Fget_vfd_handle(file_.get(), access.get(), &handle) < 0) {
-    return;
-  }
-  const Descriptor sink(openSink());
-  if (sink.valid()) {
-    (void)::dup2(sink.get(), *static_cast<int*>(handle));
-  }
-}
-
 SafeFile::~SafeFile() {
   if (file_.valid()) {
-    letGoOfData();
+    bytes_->giveUp(ECANCELED);
     (void)file_.close();
   }
 }

@@ -1,12 +1,14 @@
 #pragma once
 
 #include "failure_watch.h"
+#include "file_driver.h"
 #include "hdf5/descriptor.h"
 #include "hdf5/file_beside.h"
 #include "hdf5/id.h"
 
 #include <filesystem>
 #include <memory>
+#include <optional>
 
 namespace orvml::detail {
 
@@ -29,20 +31,22 @@ class SafeFile {
   /// Closes the file and puts it in its place.
   void finish(bool flush);
 
-  /// Throws why HDF5 failed to write the file.
+  /// Throws why the file could not be written.
   [[noreturn]] void throwUnwritten() const;
 
  private:
   void prepare();
   void lockOld(const std::filesystem::path& target);
   void create();
-  void letGoOfData() noexcept;
   [[noreturn]] void throwSystemError(int error) const;
 
   std::filesystem::path path_;
   FailureWatch& watch_;
   orvml_io::Descriptor old_;  // with a shared lock, so that nobody begins to write the old file
   std::unique_ptr<orvml_io::FileBeside> beside_;
+  orvml_io::Descriptor new_;
+  std::optional<WrittenBytes> bytes_;
+  DriverId driver_;
   orvml_io::FileId file_;
 };
 

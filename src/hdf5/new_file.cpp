@@ -146,12 +146,16 @@ NewFile::NewFile(const char* fileName) : file_(createAlignedFile(fileName)) {}
 #endif
 
 FileId createAlignedFile(const char* fileName) noexcept {
-  constexpr hsize_t kAnySize = 1;
   const PropertyListId access(H5Pcreate(H5P_FILE_ACCESS));
-  if (!access.valid() || H5Pset_alignment(access.get(), kAnySize, sizeof(double)) < 0) {
+  return createAlignedFile(fileName, access.get());
+}
+
+FileId createAlignedFile(const char* fileName, hid_t access) noexcept {
+  constexpr hsize_t kAnySize = 1;
+  if (H5Pset_alignment(access, kAnySize, sizeof(double)) < 0) {
     return FileId();
   }
-  return FileId(H5Fcreate(fileName, H5F_ACC_TRUNC, H5P_DEFAULT, access.get()));
+  return FileId(H5Fcreate(fileName, H5F_ACC_TRUNC, H5P_DEFAULT, access));
 }
 
 NewFile::NewFile(NewFile&& other) noexcept = default;

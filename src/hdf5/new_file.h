@@ -13,6 +13,8 @@ class ReplacedFile;  // new_file.cpp
 /// its values' size: readers that map a file into memory take arrays as they lie there. Not valid
 /// when that is not possible.
 [[nodiscard]] FileId createAlignedFile(const char* fileName) noexcept;
+/// Does the same with what a list of file access properties, which it changes, says besides.
+[[nodiscard]] FileId createAlignedFile(const char* fileName, hid_t access) noexcept;
 
 /// A file that is being written.
 ///

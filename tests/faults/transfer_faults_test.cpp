@@ -3,16 +3,12 @@
 #include "faults/finding.h"
 #include "faults/incomplete_reads.h"
 #include "faults/outcome.h"
+#include "faults/small_disk.h"
 #include "faults/transfers.h"
 #include "hostile/bytes.h"
 #include "hostile/valid_files.h"
 #include "support/temp_file.h"
 
-#include <sched.h>
-#include <sys/mount.h>
-#include <unistd.h>
-
-#include <cstdlib>
 #include <fstream>
 
 namespace orvml_io_tests {
@@ -208,37 +204,6 @@ TEST(MissingLocks, KeepNobodyFromWriting) {
 
   EXPECT_EQ(finding.status, 0);
 }
-
-/// A folder on a file system of its own that holds so many bytes. Only for a child process.
-class SmallDisk {
- public:
-  explicit SmallDisk(std::size_t bytes) {
-    std::string pattern = ::testing::TempDir() + "orvml_io_disk_XXXXXX";
-    folder_ = ::mkdtemp(pattern.data()) == nullptr ? "" : pattern;
-    const std::string size = "size=" + std::to_string(bytes);
-    isMounted_ = !folder_.empty() &&
-                 ::unshare(CLONE_NEWNS | (::geteuid() == 0 ? 0 : CLONE_NEWUSER)) == 0 &&
-                 ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
-                 ::mount("tmpfs", folder_.c_str(), "tmpfs", 0, size.c_str()) == 0;
-  }
-  SmallDisk(const SmallDisk&) = delete;
-  SmallDisk& operator=(const SmallDisk&) = delete;
-  SmallDisk(SmallDisk&&) = delete;
-  SmallDisk& operator=(SmallDisk&&) = delete;
-  ~SmallDisk() {
-    if (isMounted_) {
-      (void)::umount2(folder_.c_str(), MNT_DETACH);
-    }
-    (void)::rmdir(folder_.c_str());
-  }
-
-  [[nodiscard]] bool isMounted() const noexcept { return isMounted_; }
-  [[nodiscard]] std::string path(const char* name) const { return folder_ + "/" + name; }
-
- private:
-  std::string folder_;
-  bool isMounted_ = false;
-};
 
 // A disk of ever more pages: on the first ones a document does not fit, and on the last one it
 // does.

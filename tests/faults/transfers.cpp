@@ -88,6 +88,16 @@ __attribute__((visibility("default"))) int flock(int file, int operation) noexce
   return mishap ? fail(*mishap) : static_cast<int>(::syscall(SYS_flock, file, operation));
 }
 
+__attribute__((visibility("default"))) int fsync(int file) {
+  const std::optional<Mishap> mishap = mishapOf(SystemCall::flush);
+  return mishap ? fail(*mishap) : static_cast<int>(::syscall(SYS_fsync, file));
+}
+
+__attribute__((visibility("default"))) int rename(const char* from, const char* to) noexcept {
+  const std::optional<Mishap> mishap = mishapOf(SystemCall::rename);
+  return mishap ? fail(*mishap) : static_cast<int>(::syscall(SYS_rename, from, to));
+}
+
 }  // extern "C"
 
 const char* nameOf(Mishap mishap) {

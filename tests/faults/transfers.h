@@ -6,8 +6,8 @@
 
 namespace orvml_io_tests {
 
-/// The calls of the system through which a file is read and written.
-enum class SystemCall { read, write, lock };
+/// The calls of the system through which a file is read, written and put in its place.
+enum class SystemCall { read, write, lock, flush, rename };
 
 /// What such a call does instead of its work.
 enum class Mishap {

@@ -1,5 +1,6 @@
 #include "hostile/reading.h"
 
+#include "cpp_files/reading_through_cpp.h"
 #include "hostile/every_accessor.h"
 #include "support/captured_output.h"
 #include "support/document_builder.h"
@@ -111,6 +112,8 @@ Readings readInEveryWay(const char* path) {
   readings.input = readWith(kInput, path);
   readings.output = readWith(kOutput, path);
   readings.both = readBoth(path);
+  OpenIds::closeAll();  // what the flat readers leave open
+  readInEveryWayOfCpp(path, readings);
   return readings;
 }
 

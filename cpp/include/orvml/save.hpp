@@ -19,7 +19,7 @@ struct SaveOptions {
 /// the new one. Symbolic links are followed, the permissions of an old file and, where the system
 /// allows it, its owner are kept. No array is copied, unless the groups of cells of a view do not
 /// lie one behind the other in memory. Programs that have the old file open or mapped keep its
-/// content.
+/// content. A file has one identification: of two documents that of the output is kept.
 ///
 /// Throws Error, after which the old file is there and nothing else: Code::fileHeldForWriting when
 /// another process writes the file, Code::folderNotWritable when no file can be made beside it,
