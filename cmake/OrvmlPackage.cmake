@@ -55,12 +55,49 @@ endfunction()
 orvml_io_debian_documents(runtime "${runtime_package}")
 orvml_io_debian_documents(development liborvml-io-dev)
 
-# The loader's cache has to learn of the library, and other packages which package has its SONAME.
+# The loader's cache has to learn of a library, and other packages which package has its SONAME.
 set(triggers "${PROJECT_BINARY_DIR}/debian/triggers")
 file(WRITE "${triggers}" "activate-noawait ldconfig\n")
-set(shlibs "${PROJECT_BINARY_DIR}/debian/shlibs")
-file(WRITE "${shlibs}" "liborvml_io ${PROJECT_VERSION} ${runtime_package} (>= ${PROJECT_VERSION})\n")
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA "${triggers};${shlibs}")
+function(orvml_io_debian_library component library soversion package)
+  set(shlibs "${PROJECT_BINARY_DIR}/debian/${component}/shlibs")
+  file(WRITE "${shlibs}" "${library} ${soversion} ${package} (>= ${PROJECT_VERSION})\n")
+  string(TOUPPER ${component} component)
+  set(CPACK_DEBIAN_${component}_PACKAGE_CONTROL_EXTRA "${triggers};${shlibs}" PARENT_SCOPE)
+endfunction()
+
+orvml_io_debian_library(runtime liborvml_io ${PROJECT_VERSION} "${runtime_package}")
+
+if(ORVML_CPP)
+  list(APPEND CPACK_COMPONENTS_ALL cpp_runtime cpp_development)
+  set(release "${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE}")
+  set(cpp_runtime_package "liborvml${ORVML_SOVERSION}")
+
+  # Both libraries are made of the same classes: only two of one version work together.
+  set(CPACK_DEBIAN_CPP_RUNTIME_PACKAGE_NAME "${cpp_runtime_package}")
+  set(CPACK_DEBIAN_CPP_RUNTIME_PACKAGE_SECTION libs)
+  set(CPACK_DEBIAN_CPP_RUNTIME_PACKAGE_DEPENDS "${runtime_package} (= ${release})")
+  set(CPACK_DEBIAN_CPP_RUNTIME_PACKAGE_SHLIBDEPS ON)
+  # The flat library is no installed package when the dependencies are looked for.
+  set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${PROJECT_BINARY_DIR}")
+  set(CPACK_DEBIAN_CPP_RUNTIME_DESCRIPTION
+"exchange of meshes and meshing parameters (C++20 library)
+${about}
+This package holds the shared library of the C++ interface.")
+
+  set(CPACK_DEBIAN_CPP_DEVELOPMENT_PACKAGE_NAME liborvml-dev)
+  set(CPACK_DEBIAN_CPP_DEVELOPMENT_PACKAGE_SECTION libdevel)
+  set(CPACK_DEBIAN_CPP_DEVELOPMENT_PACKAGE_DEPENDS
+    "${cpp_runtime_package} (= ${release}), liborvml-io-dev (= ${release})")
+  set(CPACK_DEBIAN_CPP_DEVELOPMENT_DESCRIPTION
+"exchange of meshes and meshing parameters (C++20 development files)
+${about}
+This package holds the headers of the C++ interface, its CMake package and
+its pkg-config file.")
+
+  orvml_io_debian_documents(cpp_runtime "${cpp_runtime_package}")
+  orvml_io_debian_documents(cpp_development liborvml-dev)
+  orvml_io_debian_library(cpp_runtime liborvml ${ORVML_SOVERSION} "${cpp_runtime_package}")
+endif()
 
 if(ORVML_IO_DOCUMENTATION)
   list(APPEND CPACK_COMPONENTS_ALL documentation)

@@ -1,8 +1,8 @@
 #include "exchange/record.h"
 
 #include "exchange/check.h"
-#include "exchange/names.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -11,6 +11,22 @@
 namespace orvml_examples {
 
 namespace {
+
+std::string shortened(const std::string& json) {
+  constexpr std::size_t kShown = 60;
+  return json.size() <= kShown ? json : json.substr(0, kShown) + "...";
+}
+
+/// The two texts from a little before the place where they begin to differ.
+std::string difference(const std::string& sent, const std::string& read) {
+  constexpr std::size_t kBefore = 20;
+  const auto places = std::mismatch(sent.begin(), sent.end(), read.begin(), read.end());
+  const auto place = static_cast<std::size_t>(places.first - sent.begin());
+  const std::size_t from = place > kBefore ? place - kBefore : 0;
+  return "sent " + shortened(sent.substr(from)) + ", read " + shortened(read.substr(from));
+}
+
+}  // namespace
 
 std::string toJson(int value) { return std::to_string(value); }
 
@@ -29,81 +45,6 @@ std::string toJson(const std::string& text) {
   }
   return '"' + text + '"';
 }
-
-template <class T>
-std::string toJson(const std::vector<T>& values) {
-  std::string text = "[";
-  for (const T& value : values) {
-    text += (text.size() == 1 ? "" : ", ") + toJson(value);
-  }
-  return text + "]";
-}
-
-struct NamedKind {
-  ORVML_TYPE_OF_ENTITY entity;
-  const char* name;  // of the group in a file
-};
-
-constexpr NamedKind kKinds[] = {{ORVML_NODES, "Nodes"},
-                                {ORVML_EDGES, "Edges"},
-                                {ORVML_FACES, "Faces"},
-                                {ORVML_ELEMENTS, "Elements"}};
-
-void addCells(const Cells& cells, const std::string& kind, Record& record) {
-  const std::vector<int> shapes(cells.shapes.begin(), cells.shapes.end());
-  record.add("cells/" + kind + "/number_of_elements_by_type", toJson(cells.cellsPerGroup));
-  record.add("cells/" + kind + "/element_types", toJson(shapes));
-  record.add("cells/" + kind + "/number_of_nodes_by_element", toJson(cells.nodesPerCell));
-  record.add("cells/" + kind + "/connectivities", toJson(cells.connectivities));
-}
-
-void addMesh(const Document& document, Record& record) {
-  const Mesh mesh = document.mesh();
-  record.add("dimension", toJson(document.dimension()));
-  record.add("numberOfNodes", toJson(document.numberOf(ORVML_NODES)));
-  record.add("coordinates", toJson(mesh.coordinates));
-  addCells(mesh.edges, "Edges", record);
-  addCells(mesh.faces, "Faces", record);
-  addCells(mesh.elements, "Elements", record);
-}
-
-void addParameters(const Document& document, Record& record) {
-  std::size_t scalars = 0;
-  for (const char* name : kScalarParameters) {
-    if (document.hasParameter(name)) {
-      record.add(std::string("parameter/") + name, toJson(document.parameter(name)));
-      ++scalars;
-    }
-  }
-  std::size_t vectors = 0;
-  for (const AgreedVectorParameter& agreed : kVectorParameters) {
-    if (document.hasVectorParameter(agreed.name)) {
-      record.add(std::string("vectorParameter/") + agreed.name,
-                 agreed.valueType == ORVML_INT ? toJson(document.intParameter(agreed.name))
-                                               : toJson(document.doubleParameter(agreed.name)));
-      ++vectors;
-    }
-  }
-  require(
-      scalars == document.numberOfParameters() && vectors == document.numberOfVectorParameters(),
-      "the document has parameters that nobody agreed upon");
-}
-
-void addAttributes(const Document& document, const NamedKind& kind, Record& record) {
-  for (const AgreedAttribute& agreed : kAttributes) {
-    const std::string key = std::string("attribute/") + kind.name + "/" + agreed.name;
-    if (agreed.entity != kind.entity ||
-        document.attributeType(agreed.name) == ORVML_UNKNOWN_VALUE) {
-      continue;
-    }
-    record.add(key, agreed.valueType == ORVML_INT ? toJson(document.intAttribute(agreed.name))
-                                                  : toJson(document.doubleAttribute(agreed.name)));
-  }
-  record.add(std::string(kTransmittedKeys) + kind.name,
-             toJson(document.namesToTransmit(kind.entity)));
-}
-
-}  // namespace
 
 void Record::add(std::string key, std::string json) {
   entries_.emplace_back(std::move(key), std::move(json));
@@ -148,20 +89,17 @@ Record Record::load(const std::string& path) {
   return record;
 }
 
-Record recordOf(const Document& document, const std::string& group) {
-  Record record;
-  const Identification identification = document.identification();
-  record.add("group", toJson(group));
-  record.add("formatVersion", toJson(std::string(OrvML_IO_GetFormatVersion())));
-  record.add("moduleName", toJson(identification.moduleName));
-  record.add("moduleFormatVersion", toJson(identification.moduleFormatVersion));
-  record.add("creator", toJson(identification.creator));
-  addMesh(document, record);
-  addParameters(document, record);
-  for (const NamedKind& kind : kKinds) {
-    addAttributes(document, kind, record);
+void requireSameValues(const Record& sent, const Record& read, const std::string& mayDiffer) {
+  require(read.entries().size() == sent.entries().size(),
+          "what was read has " + std::to_string(read.entries().size()) + " values, what was sent " +
+              std::to_string(sent.entries().size()));
+  for (const auto& [key, sentJson] : sent.entries()) {
+    const std::string* readJson = read.find(key);
+    require(readJson != nullptr, key + " was sent but not read");
+    const bool isAllowed = !mayDiffer.empty() && key.compare(0, mayDiffer.size(), mayDiffer) == 0;
+    require(isAllowed || *readJson == sentJson,
+            key + " differs from what was sent: " + difference(sentJson, *readJson));
   }
-  return record;
 }
 
 }  // namespace orvml_examples

@@ -4,8 +4,6 @@
 // many digits as it takes to read the same double back.
 #pragma once
 
-#include "exchange/document.h"
-
 #include <string>
 #include <utility>
 #include <vector>
@@ -31,7 +29,24 @@ class Record {
 /// Keys that begin so tell which attributes must be transmitted.
 inline constexpr char kTransmittedKeys[] = "transmitted/";
 
-/// @param group  where the document lies in a file: "OrvInput" or "OrvOutput"
-Record recordOf(const Document& document, const std::string& group);
+/// Requires that what was read is what was sent; the first value that is not is an exception that
+/// names it.
+///
+/// @param mayDiffer  keys that begin so may have other values; none when it is empty
+void requireSameValues(const Record& sent, const Record& read, const std::string& mayDiffer = {});
+
+// Values as they stand in a record.
+std::string toJson(int value);
+std::string toJson(double value);
+std::string toJson(const std::string& text);
+
+template <class Values>
+std::string toJsonArray(const Values& values) {
+  std::string text = "[";
+  for (const auto& value : values) {
+    text += (text.size() == 1 ? "" : ", ") + toJson(value);
+  }
+  return text + "]";
+}
 
 }  // namespace orvml_examples

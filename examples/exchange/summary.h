@@ -1,13 +1,11 @@
 #pragma once
 
-#include "exchange/document.h"
+#include "exchange/identification.h"
+#include "exchange/mesh.h"
 
 namespace orvml_examples {
 
 /// Prints who made a document, its counts for each shape and its bounding box.
-void printCounts(const char* title, const Document& document);
-
-/// Prints the parameters, and the attributes with their ranges.
-void printNamedValues(const Document& document);
+void printCounts(const char* title, const Identification& identification, const Mesh& mesh);
 
 }  // namespace orvml_examples

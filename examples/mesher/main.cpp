@@ -1,12 +1,15 @@
-// Reads a surface mesh from an exchange file, fills it and sends the result back in another one.
+// Reads a surface mesh from an exchange file, fills it and sends the result back in another one. It
+// uses the C++ layer of the library; the preprocessor uses the flat functions.
+#include <orvml/orvml.hpp>
+
 #include "exchange/names.h"
-#include "exchange/received.h"
-#include "exchange/record.h"
 #include "exchange/summary.h"
 #include "exchange/surface_checks.h"
 #include "mesher/filling.h"
 #include "mesher/output_document.h"
 #include "mesher/request.h"
+#include "mesher/view_mesh.h"
+#include "mesher/view_record.h"
 #include "program.h"
 
 #include <cstdio>
@@ -16,25 +19,32 @@ namespace {
 
 using namespace orvml_examples;
 
-Filling fill(const Document& input, const Request& request) {
-  const Mesh surface = input.mesh();
+Filling fill(const orvml::InputView& input, const Request& request) {
+  const Mesh surface = meshOf(input);
   requireClosedSurface(surface);
   requireEdgesOnSurface(surface);
-  return request.sweep
-             ? fillBySweeping(surface, input.intAttribute(names::kFacesSurfaceId), request)
-             : fillWithTetrahedra(surface, request);
+  if (!request.sweep) {
+    return fillWithTetrahedra(surface, request);
+  }
+  const auto surfaceIds = input.faces().attributes().at(names::kFacesSurfaceId).ints();
+  return fillBySweeping(surface, {surfaceIds.begin(), surfaceIds.end()}, request);
+}
+
+void printCountsOf(const orvml::DocumentView& document, const char* title) {
+  printCounts(title, identificationOf(document), meshOf(document));
 }
 
 void meshFile(const std::string& inputFile, const std::string& sentRecord,
               const std::string& outputFile, const std::string& recordFile) {
-  const Document input = Document::readInput(inputFile);
-  requireReceivedAsSent({input, "OrvInput", Record::load(sentRecord)});
-  printCounts("Read, and as sent, an input document", input);
-  const Request request = requestOf(input);
-  const Document output = makeOutputDocument(input, fill(input, request));
-  recordOf(output, "OrvOutput").save(recordFile);
-  output.writeOutput(outputFile);
-  printCounts("Wrote an output document", output);
+  const orvml::Input input = orvml::loadInput(inputFile);
+  const orvml::InputView surface = input.view();
+  requireSameValues(Record::load(sentRecord), recordOf(surface));
+  printCountsOf(surface, "Read, and as sent, an input document");
+  const Request request = requestOf(surface);
+  const orvml::Output output = makeOutputDocument(surface, fill(surface, request));
+  recordOf(output.view()).save(recordFile);
+  orvml::save(outputFile, output);
+  printCountsOf(output.view(), "Wrote an output document");
   std::printf("  filled with %s; all elements are positive, their boundary is the faces\n",
               request.sweep ? "swept columns" : "tetrahedra");
 }

@@ -10,36 +10,39 @@ namespace orvml_examples {
 
 namespace {
 
-void requireSupported(const Document& document) {
-  require(document.identification().moduleName == kModuleName,
-          "the document is for another meshing module: " + document.identification().moduleName);
-  require(document.parameter(names::kQuadraticType) == 0, "only linear elements can be made");
-  require(document.parameter(names::kInputIsWatertight) != 0,
-          "only a watertight surface can be filled");
+void requireSupported(const orvml::InputView& input) {
+  const std::string_view module = input.identification().moduleName;
+  require(module == kModuleName,
+          "the document is for another meshing module: " + std::string(module));
+  const orvml::Parameters& parameters = input.parameters();
+  require(parameters.at(names::kQuadraticType) == 0, "only linear elements can be made");
+  require(parameters.at(names::kInputIsWatertight) != 0, "only a watertight surface can be filled");
 }
 
-std::optional<Sweep> sweepOf(const Document& document) {
-  if (!document.hasVectorParameter(names::kSweepVector)) {
+std::optional<Sweep> sweepOf(const orvml::InputView& input) {
+  const orvml::Attribute* stored = input.vectorParameters().find(names::kSweepVector);
+  if (stored == nullptr) {
     return std::nullopt;
   }
-  const std::vector<double> vector = document.doubleParameter(names::kSweepVector);
-  const double layers = document.parameter(names::kSweepLayers);
+  const auto vector = stored->doubles();
+  const double layers = input.parameters().at(names::kSweepLayers);
   require(vector.size() == 3, "a sweep needs a vector of three coordinates");
   require(layers >= 1 && layers == std::floor(layers), "a sweep needs a whole number of layers");
+  const auto sources = input.vectorParameters().at(names::kSweepSources).ints();
   return Sweep{{vector[0], vector[1], vector[2]},
                static_cast<int>(layers),
-               document.intParameter(names::kSweepSources)};
+               {sources.begin(), sources.end()}};
 }
 
 }  // namespace
 
-Request requestOf(const Document& document) {
-  requireSupported(document);
-  const std::vector<double> volumesSizes = document.doubleParameter(names::kVolumesSizes);
+Request requestOf(const orvml::InputView& input) {
+  requireSupported(input);
+  const auto volumesSizes = input.vectorParameters().at(names::kVolumesSizes).doubles();
   require(!volumesSizes.empty(), "the size of the volume is missing");
   return {*std::min_element(volumesSizes.begin(), volumesSizes.end()),
-          document.parameter(names::kToleranceForGaps),
-          std::acos(document.parameter(names::kMinCosinusForSharpEdges)), sweepOf(document)};
+          input.parameters().at(names::kToleranceForGaps),
+          std::acos(input.parameters().at(names::kMinCosinusForSharpEdges)), sweepOf(input)};
 }
 
 }  // namespace orvml_examples

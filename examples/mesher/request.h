@@ -1,7 +1,8 @@
 // What a document asks the mesher for.
 #pragma once
 
-#include "exchange/document.h"
+#include <orvml/view.hpp>
+
 #include "exchange/sweep.h"
 
 #include <optional>
@@ -17,6 +18,6 @@ struct Request {
 
 /// Reads the parameters; a document that is not for this module, or asks for something that it
 /// cannot do, is an exception.
-Request requestOf(const Document& document);
+Request requestOf(const orvml::InputView& input);
 
 }  // namespace orvml_examples

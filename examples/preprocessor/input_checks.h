@@ -1,7 +1,7 @@
 // What the preprocessor makes sure of after it has sent a document.
 #pragma once
 
-#include "exchange/document.h"
+#include "preprocessor/document.h"
 
 #include <string>
 

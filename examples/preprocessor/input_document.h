@@ -1,7 +1,7 @@
 #pragma once
 
-#include "exchange/document.h"
 #include "preprocessor/cad_measures.h"
+#include "preprocessor/document.h"
 #include "preprocessor/part.h"
 #include "preprocessor/surface_mesh.h"
 

@@ -1,17 +1,17 @@
 // Models a part, meshes its surface, sends it to the mesher in an exchange file, and looks at what
 // comes back; once, or again with another mesh size while it keeps the first result.
 #include "exchange/check.h"
-#include "exchange/names.h"
-#include "exchange/received.h"
-#include "exchange/record.h"
 #include "exchange/summary.h"
 #include "exchange/surface_checks.h"
 #include "gmsh_session.h"
 #include "preprocessor/cad_measures.h"
+#include "preprocessor/document_record.h"
 #include "preprocessor/input_checks.h"
 #include "preprocessor/input_document.h"
 #include "preprocessor/module_process.h"
+#include "preprocessor/named_values.h"
 #include "preprocessor/output_checks.h"
+#include "preprocessor/received.h"
 #include "program.h"
 
 #include <cstdio>
@@ -44,7 +44,7 @@ Document sendKeepingACopy(const Part& part, double size, const std::string& inpu
   requireSoundSurface(part, document.mesh());
   recordOf(document, "OrvInput").save(recordFile);
   document.writeInput(inputFile);
-  printCounts("Wrote an input document", document);
+  printCounts("Wrote an input document", document.identification(), document.mesh());
   return document.cloneInput();
 }
 
@@ -76,7 +76,7 @@ Document readAnswer(const Part& part, const Document& input, const std::string& 
   requireReceivedAsSent({output, "OrvOutput", Record::load(recordFile)});
   requireSurfaceKept(input, output);
   requireUserAttributesKept(input, output);
-  printCounts("Read, and as sent, an output document", output);
+  printCounts("Read, and as sent, an output document", output.identification(), output.mesh());
   const GmshSession session(part.name);
   const CadMeasures cad = measure(part.build());
   printCloseness(requireCloseToCad(input, output, cad), cad);

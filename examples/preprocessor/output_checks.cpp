@@ -4,6 +4,7 @@
 #include "exchange/geometry.h"
 #include "exchange/names.h"
 #include "exchange/volume_checks.h"
+#include "preprocessor/agreement.h"
 #include "preprocessor/tolerances.h"
 
 #include <algorithm>

@@ -1,8 +1,8 @@
 // Whether what the meshing module sent back fits what it was sent and the CAD model.
 #pragma once
 
-#include "exchange/document.h"
 #include "preprocessor/cad_measures.h"
+#include "preprocessor/document.h"
 
 #include <vector>
 

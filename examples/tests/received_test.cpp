@@ -1,7 +1,8 @@
-#include "exchange/received.h"
+#include "preprocessor/received.h"
 
 #include "exchange/check.h"
 #include "exchange/names.h"
+#include "preprocessor/document_record.h"
 #include "small_meshes.h"
 
 #include <gtest/gtest.h>

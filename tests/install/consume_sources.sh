@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Builds and runs a program outside the tree that takes the library's sources into its own build with
+# Builds and runs a program outside the tree that takes the library's sources, with the C++ layer, into its own build with
 # FetchContent, from a local path. Arguments: the source tree and a scratch folder.
 set -euo pipefail
 source=$1
@@ -10,3 +10,4 @@ cmake -S "$source/tests/install/consumer" -B "$scratch" -G Ninja -DORVML_IO_SOUR
 cmake --build "$scratch" >/dev/null
 cd "$scratch"
 ./consumer
+./cpp_consumer

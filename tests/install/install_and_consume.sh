@@ -32,15 +32,35 @@ run_in() { # FOLDER PROGRAM
   (cd "$1" && "$2")
 }
 
+with_pkg_config() { # STANDARD PROGRAM PACKAGE
+  local folder="$scratch/with pkg-config"
+  mkdir -p "$folder"
+  eval "g++ -std=$1 '$consumer/$2.cpp' -o '$folder/$2' \
+    $(pkg-config --cflags --libs "${static[@]}" "$3 >= 1.10")"
+  run_in "$folder" "./$2"
+}
+
 consumer="$source/tests/install/consumer"
 cmake -S "$consumer" -B "$scratch/with package" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" >/dev/null
 cmake --build "$scratch/with package" >/dev/null
 run_in "$scratch/with package" ./consumer
+run_in "$scratch/with package" ./cpp_consumer
 
 export PKG_CONFIG_PATH="$prefix/lib/pkgconfig"
 static=()
 [ "$shared" = ON ] || static=(--static)
-mkdir -p "$scratch/with pkg-config"
-eval "g++ -std=c++11 '$consumer/consumer.cpp' -o '$scratch/with pkg-config/consumer' \
-  $(pkg-config --cflags --libs "${static[@]}" 'orvml_io >= 1.10')"
-run_in "$scratch/with pkg-config" ./consumer
+with_pkg_config c++11 consumer orvml_io
+with_pkg_config c++20 cpp_consumer orvml
+
+# The layer finds the flat library of its version beside itself; it takes no other one.
+if [ "$shared" = ON ]; then
+  env -u LD_LIBRARY_PATH "$scratch/with package/cpp_consumer"
+fi
+version_file="$prefix/lib/cmake/orvml_io/orvml_io-config-version.cmake"
+sed -i 's/1\.10\.0/1.10.7/' "$version_file"
+! cmake -S "$consumer" -B "$scratch/with another version" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" \
+  >"$scratch/another version.log" 2>&1
+grep -q 'exactly *$' "$scratch/another version.log" || {
+  cat "$scratch/another version.log" >&2
+  exit 1
+}

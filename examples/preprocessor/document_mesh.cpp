@@ -1,6 +1,6 @@
 // The mesh of a document.
 #include "exchange/check.h"
-#include "exchange/document.h"
+#include "preprocessor/document.h"
 
 #include <utility>
 

@@ -1,5 +1,5 @@
 // Life cycle, identification and files. The mesh and the named values are in files of their own.
-#include "exchange/document.h"
+#include "preprocessor/document.h"
 
 #include "exchange/check.h"
 
@@ -24,23 +24,6 @@ Document Document::newInput(const Identification& identification) {
   require(handle != nullptr, "OrvML_IO_NewOrvInputHandle gave no document");
   Document document(handle, true);
   require(document.dimension() == Mesh::kDimension, "a new input has another dimension");
-  return document;
-}
-
-Document Document::newOutput(const Identification& identification) {
-  void* handle = OrvML_IO_NewOrvOutputHandle();
-  require(handle != nullptr, "OrvML_IO_NewOrvOutputHandle gave no document");
-  Document document(handle, true);
-  OrvML_IO_SetMeshDimension(handle, Mesh::kDimension);
-  OrvML_IO_SetOrvMeshLibraryModuleName(identification.moduleName.c_str(), handle);
-  OrvML_IO_SetOrvMeshLibraryModuleFormatVersion(identification.moduleFormatVersion.c_str(), handle);
-  OrvML_IO_SetOrvMeshLibraryIOCreator(identification.creator.c_str(), handle);
-  const Identification stored = document.identification();
-  require(document.dimension() == Mesh::kDimension &&
-              stored.moduleName == identification.moduleName &&
-              stored.moduleFormatVersion == identification.moduleFormatVersion &&
-              stored.creator == identification.creator,
-          "a new output did not keep its identification");
   return document;
 }
 
@@ -91,11 +74,6 @@ bool Document::equalsInput(const Document& other) const {
 
 void Document::writeInput(const std::string& path) const {
   requireOk(OrvML_IO_WriteOrvInput(path.c_str(), handle_), "OrvML_IO_WriteOrvInput(" + path + ")");
-}
-
-void Document::writeOutput(const std::string& path) const {
-  requireOk(OrvML_IO_WriteOrvOutput(path.c_str(), handle_),
-            "OrvML_IO_WriteOrvOutput(" + path + ")");
 }
 
 void Document::printMesh(const std::string& path) const {

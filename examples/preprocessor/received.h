@@ -1,7 +1,8 @@
-// The place where a program makes sure that what it read is what the other one sent.
+// The place where the preprocessor makes sure that what it read is what the other one sent.
 #pragma once
 
 #include "exchange/record.h"
+#include "preprocessor/document.h"
 
 #include <string>
 
@@ -14,7 +15,8 @@ struct Received {
   Record sent;
 };
 
-/// Runs every comparison; the first one that does not hold is an exception that names the values.
+/// Compares every value; the first one that differs is an exception that names it. The flat readers
+/// do not bring the must-be-transmitted flags back: it is the only difference allowed.
 void requireReceivedAsSent(const Received& received);
 
 }  // namespace orvml_examples

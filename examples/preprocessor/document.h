@@ -1,6 +1,8 @@
-// The library as the two programs use it: every result is looked at, and a failure is an exception.
+// The flat interface of the library as the preprocessor uses it: every result is looked at, and a
+// failure is an exception.
 #pragma once
 
+#include "exchange/identification.h"
 #include "exchange/mesh.h"
 #include "orvml_io.h"
 
@@ -10,17 +12,10 @@
 
 namespace orvml_examples {
 
-struct Identification {
-  std::string moduleName;
-  std::string moduleFormatVersion;
-  std::string creator;
-};
-
 /// Owns a document and, when the program built it, the mesh arrays that the document adopted.
 class Document {
  public:
   static Document newInput(const Identification& identification);
-  static Document newOutput(const Identification& identification);
   static Document readInput(const std::string& path);
   static Document readOutput(const std::string& path);
 
@@ -36,7 +31,6 @@ class Document {
   [[nodiscard]] bool equalsInput(const Document& other) const;
 
   void writeInput(const std::string& path) const;
-  void writeOutput(const std::string& path) const;
   /// Prints the mesh as text.
   void printMesh(const std::string& path) const;
 

@@ -1,7 +1,7 @@
 // The parameters and the attributes of a document.
 #include "exchange/check.h"
-#include "exchange/document.h"
-#include "exchange/names.h"
+#include "preprocessor/agreement.h"
+#include "preprocessor/document.h"
 
 #include <algorithm>
 #include <cstring>
