@@ -161,9 +161,10 @@ std::vector<AttributeDescription> describeVectors(const OML_AttributesVector& st
   std::vector<AttributeDescription> descriptions;
   descriptions.reserve(store.count());
   for (const auto& [name, entry] : store) {
+    std::string object = group;
+    object.append("/").append(name);
     descriptions.push_back({name, entry.code == orvml_io::kIntCode, entry.length,
-                            entry.mustBeTransmitted,
-                            noted.find(group + "/" + name).value_or(StoredArray())});
+                            entry.mustBeTransmitted, noted.find(object).value_or(StoredArray())});
   }
   return descriptions;
 }

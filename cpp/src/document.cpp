@@ -90,7 +90,7 @@ void storeBorrowed(OML_AttributesVector& store, const Attribute& vector) {
         // A vector of no values has a block all the same.
         const Value* data = values.empty() ? &kNone : values.data();
         store.Delete(name.c_str());
-        store.SetBlock(name.c_str(), orvml_io::borrowedBlock(data), orvml_io::codeOf<Value>,
+        store.SetBlock(name.c_str(), orvml_io::borrowedBlock(data), orvml_io::codeOf<Value>(),
                        static_cast<int>(values.size()), vector.mustBeTransmitted);
       },
       vector.values);

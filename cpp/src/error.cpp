@@ -1,5 +1,7 @@
 #include <orvml/error.hpp>
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace orvml {
@@ -10,100 +12,63 @@ std::string message(const std::string& sentence, const std::filesystem::path& fi
   return file.empty() ? sentence : file.string() + ": " + sentence;
 }
 
+struct CodeText {
+  Code code;
+  std::string_view text;
+};
+
+// Programs and their users look these up: a text never changes.
+constexpr CodeText kTexts[] = {{Code::fileNotFound, "orvml.file.not-found"},
+                               {Code::filePermissionDenied, "orvml.file.permission-denied"},
+                               {Code::fileIsADirectory, "orvml.file.directory"},
+                               {Code::fileNotRegular, "orvml.file.not-regular"},
+                               {Code::fileUnreachable, "orvml.file.unreachable"},
+                               {Code::fileEmpty, "orvml.file.empty"},
+                               {Code::fileNotHdf5, "orvml.file.not-hdf5"},
+                               {Code::fileCutOff, "orvml.file.cut-off"},
+                               {Code::fileDamaged, "orvml.file.damaged"},
+                               {Code::fileHeldForWriting, "orvml.file.held-for-writing"},
+                               {Code::fileNotExchange, "orvml.file.not-exchange"},
+                               {Code::folderNotFound, "orvml.folder.not-found"},
+                               {Code::folderNotWritable, "orvml.folder.not-writable"},
+                               {Code::noSpaceLeft, "orvml.file.no-space"},
+                               {Code::fileTooLarge, "orvml.file.too-large"},
+                               {Code::fileNotWritten, "orvml.file.not-written"},
+                               {Code::noDocument, "orvml.document.none"},
+                               {Code::noInput, "orvml.document.no-input"},
+                               {Code::noOutput, "orvml.document.no-output"},
+                               {Code::wrongDimension, "orvml.document.dimension"},
+                               {Code::objectMissing, "orvml.object.missing"},
+                               {Code::objectUnopenable, "orvml.object.unopenable"},
+                               {Code::objectInAnotherFile, "orvml.object.other-file"},
+                               {Code::objectPathTooLong, "orvml.object.path-too-long"},
+                               {Code::objectWrongShape, "orvml.object.wrong-shape"},
+                               {Code::objectWrongType, "orvml.object.wrong-type"},
+                               {Code::objectUnreadable, "orvml.object.unreadable"},
+                               {Code::objectForeign, "orvml.object.foreign"},
+                               {Code::valuesTooMany, "orvml.values.too-many"},
+                               {Code::valuesTooFew, "orvml.values.too-few"},
+                               {Code::valuesNegativeOrTooLarge, "orvml.values.bad-count"},
+                               {Code::valueNotAllowed, "orvml.values.not-allowed"},
+                               {Code::memoryOutOfProportion, "orvml.values.out-of-proportion"},
+                               {Code::nameNotFound, "orvml.name.not-found"},
+                               {Code::nameTooLong, "orvml.name.too-long"},
+                               {Code::nameNotAllowed, "orvml.name.not-allowed"},
+                               {Code::nameTwice, "orvml.name.twice"},
+                               {Code::textTooLong, "orvml.text.too-long"},
+                               {Code::wrongValueType, "orvml.use.wrong-type"},
+                               {Code::wrongKind, "orvml.use.wrong-kind"},
+                               {Code::sizesDisagree, "orvml.use.sizes-disagree"},
+                               {Code::tooManyValues, "orvml.use.too-many-values"},
+                               {Code::nullHandle, "orvml.use.null-handle"},
+                               {Code::otherVersion, "orvml.use.other-version"}};
+
 }  // namespace
 
 std::string_view text(Code code) noexcept {
-  switch (code) {
-    case Code::fileNotFound:
-      return "orvml.file.not-found";
-    case Code::filePermissionDenied:
-      return "orvml.file.permission-denied";
-    case Code::fileIsADirectory:
-      return "orvml.file.directory";
-    case Code::fileNotRegular:
-      return "orvml.file.not-regular";
-    case Code::fileUnreachable:
-      return "orvml.file.unreachable";
-    case Code::fileEmpty:
-      return "orvml.file.empty";
-    case Code::fileNotHdf5:
-      return "orvml.file.not-hdf5";
-    case Code::fileCutOff:
-      return "orvml.file.cut-off";
-    case Code::fileDamaged:
-      return "orvml.file.damaged";
-    case Code::fileHeldForWriting:
-      return "orvml.file.held-for-writing";
-    case Code::fileNotExchange:
-      return "orvml.file.not-exchange";
-    case Code::folderNotFound:
-      return "orvml.folder.not-found";
-    case Code::folderNotWritable:
-      return "orvml.folder.not-writable";
-    case Code::noSpaceLeft:
-      return "orvml.file.no-space";
-    case Code::fileTooLarge:
-      return "orvml.file.too-large";
-    case Code::fileNotWritten:
-      return "orvml.file.not-written";
-    case Code::noDocument:
-      return "orvml.document.none";
-    case Code::noInput:
-      return "orvml.document.no-input";
-    case Code::noOutput:
-      return "orvml.document.no-output";
-    case Code::wrongDimension:
-      return "orvml.document.dimension";
-    case Code::objectMissing:
-      return "orvml.object.missing";
-    case Code::objectUnopenable:
-      return "orvml.object.unopenable";
-    case Code::objectInAnotherFile:
-      return "orvml.object.other-file";
-    case Code::objectPathTooLong:
-      return "orvml.object.path-too-long";
-    case Code::objectWrongShape:
-      return "orvml.object.wrong-shape";
-    case Code::objectWrongType:
-      return "orvml.object.wrong-type";
-    case Code::objectUnreadable:
-      return "orvml.object.unreadable";
-    case Code::objectForeign:
-      return "orvml.object.foreign";
-    case Code::valuesTooMany:
-      return "orvml.values.too-many";
-    case Code::valuesTooFew:
-      return "orvml.values.too-few";
-    case Code::valuesNegativeOrTooLarge:
-      return "orvml.values.bad-count";
-    case Code::valueNotAllowed:
-      return "orvml.values.not-allowed";
-    case Code::memoryOutOfProportion:
-      return "orvml.values.out-of-proportion";
-    case Code::nameNotFound:
-      return "orvml.name.not-found";
-    case Code::nameTooLong:
-      return "orvml.name.too-long";
-    case Code::nameNotAllowed:
-      return "orvml.name.not-allowed";
-    case Code::nameTwice:
-      return "orvml.name.twice";
-    case Code::textTooLong:
-      return "orvml.text.too-long";
-    case Code::wrongValueType:
-      return "orvml.use.wrong-type";
-    case Code::wrongKind:
-      return "orvml.use.wrong-kind";
-    case Code::sizesDisagree:
-      return "orvml.use.sizes-disagree";
-    case Code::tooManyValues:
-      return "orvml.use.too-many-values";
-    case Code::nullHandle:
-      return "orvml.use.null-handle";
-    case Code::otherVersion:
-      return "orvml.use.other-version";
-  }
-  return "orvml.unknown";
+  const auto* found = std::find_if(std::begin(kTexts), std::end(kTexts),
+                                   [code](const CodeText& text) { return text.code == code; });
+  return found == std::end(kTexts) ? "orvml.unknown" : found->text;
 }
 
 Error::Error(Code code, std::string sentence) : Error(code, std::move(sentence), About()) {}

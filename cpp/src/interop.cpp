@@ -22,11 +22,13 @@ namespace {
 
 /// Both libraries are made of the same classes, of which handles point to one: they must be those
 /// of one version. It is looked at when this library is loaded.
-const bool isFlatInterfaceOfThisVersion =
-    std::strcmp(OrvML_IO_GetVersion(), orvml_io::kLibraryVersion) == 0;
+bool isFlatInterfaceOfThisVersion() noexcept {
+  return std::strcmp(OrvML_IO_GetVersion(), orvml_io::kLibraryVersion) == 0;
+}
+const bool kIsOfOneVersion = isFlatInterfaceOfThisVersion();
 
 void requireSameVersion() {
-  if (!isFlatInterfaceOfThisVersion) {
+  if (!kIsOfOneVersion) {
     throw Error(Code::otherVersion, std::string("the flat interface is of version ") +
                                         OrvML_IO_GetVersion() + ", this one of " +
                                         orvml_io::kLibraryVersion);

@@ -44,7 +44,7 @@ void borrow(const Attributes& vectors, const char* what, OML_AttributesVector& s
           static constexpr Value kNone = {};
           const Value* data = values.empty() ? &kNone : values.data();
           store.SetBlock(std::string(vector.name).c_str(), orvml_io::borrowedBlock(data),
-                         orvml_io::codeOf<Value>, length, vector.mustBeTransmitted);
+                         orvml_io::codeOf<Value>(), length, vector.mustBeTransmitted);
         },
         vector.values);
   }

@@ -37,7 +37,7 @@ template <class T>
     return nullptr;
   }
   NewArray<T> values = makeNewArray<T>(length, file.freshMemory());
-  const WantedArray wanted{dataset, extent, length, codeOf<T>};
+  const WantedArray wanted{dataset, extent, length, codeOf<T>()};
   if (readInto(file, wanted, values.get()) != kOk) {
     file.report(Trouble::unreadable, group, subPath, [] { return "cannot be read"; });
     return nullptr;
@@ -51,7 +51,7 @@ template <class T>
                                                const char* subPath, hid_t dataset,
                                                const Extent& extent, int length) {
   if (file.arrays() != nullptr) {
-    if (const void* lent = file.arrays()->lend({dataset, extent, length, codeOf<T>})) {
+    if (const void* lent = file.arrays()->lend({dataset, extent, length, codeOf<T>()})) {
       return borrowedArray(static_cast<const T*>(lent));
     }
   }

@@ -9,6 +9,7 @@
 #include <map>
 #include <string>
 #include <string_view>
+#include <type_traits>
 
 namespace orvml_io {
 
@@ -20,11 +21,11 @@ inline constexpr char kDoubleCode = 'd';
 
 /// The code of a type of values.
 template <class T>
-inline constexpr char codeOf = '\0';
-template <>
-inline constexpr char codeOf<int> = kIntCode;
-template <>
-inline constexpr char codeOf<double> = kDoubleCode;
+[[nodiscard]] constexpr char codeOf() noexcept {
+  static_assert(std::is_same_v<T, int> || std::is_same_v<T, double>,
+                "vectors hold ints or doubles");
+  return std::is_same_v<T, int> ? kIntCode : kDoubleCode;
+}
 
 /// Named vectors of ints or doubles in ascending byte-wise order of the names; files are written
 /// and transmitted attributes are counted in that order.

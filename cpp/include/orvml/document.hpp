@@ -98,7 +98,7 @@ class ORVML_EXPORT Document {
   template <class Container>
   requires HandedOver<Container, double>
   void setNodes(Container&& coordinates) {
-    auto kept = keep(std::move(coordinates));
+    auto kept = keep(std::forward<Container>(coordinates));
     setNodes(std::span<const double>(std::ranges::data(*kept), std::ranges::size(*kept)), kept);
   }
 
@@ -108,7 +108,7 @@ class ORVML_EXPORT Document {
   template <class Container>
   requires HandedOver<Container, int>
   void setCells(Entity entity, Shape shape, int nodesPerCell, Container&& nodeIndices) {
-    auto kept = keep(std::move(nodeIndices));
+    auto kept = keep(std::forward<Container>(nodeIndices));
     const std::span<const int> values(std::ranges::data(*kept), std::ranges::size(*kept));
     setCells(entity, oneGroup(shape, nodesPerCell, values.size()), values, kept);
   }
@@ -119,7 +119,7 @@ class ORVML_EXPORT Document {
   template <class Container>
   requires HandedOver<Container, int>
   void setCells(Entity entity, const std::vector<GroupSize>& groups, Container&& nodeIndices) {
-    auto kept = keep(std::move(nodeIndices));
+    auto kept = keep(std::forward<Container>(nodeIndices));
     setCells(entity, groups,
              std::span<const int>(std::ranges::data(*kept), std::ranges::size(*kept)), kept);
   }
@@ -137,7 +137,7 @@ class ORVML_EXPORT Document {
   template <class Container>
   requires HandedOverNumbers<Container>
   void setVectorParameter(std::string_view name, Container&& values) {
-    auto kept = keep(std::move(values));
+    auto kept = keep(std::forward<Container>(values));
     setVectorParameter(Attribute(name, viewOf(*kept)), kept);
   }
   bool removeVectorParameter(std::string_view name);
@@ -149,7 +149,7 @@ class ORVML_EXPORT Document {
   requires HandedOverNumbers<Container>
   void setAttribute(Entity entity, std::string_view name, Container&& values,
                     Transmission transmission = Transmission::optional) {
-    auto kept = keep(std::move(values));
+    auto kept = keep(std::forward<Container>(values));
     setAttribute(entity, Attribute(name, viewOf(*kept), transmission == Transmission::mandatory),
                  kept);
   }

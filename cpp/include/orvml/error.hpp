@@ -81,6 +81,8 @@ class ORVML_EXPORT Error : public std::runtime_error {
   Error(Code code, std::string sentence, About about);
   Error(const Error&) = default;
   Error& operator=(const Error&) = default;
+  Error(Error&&) = default;
+  Error& operator=(Error&&) = default;
   ~Error() override;
 
   [[nodiscard]] Code code() const noexcept { return code_; }

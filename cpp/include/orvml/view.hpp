@@ -196,10 +196,8 @@ class ORVML_EXPORT CellGroup {
   }
 
   /// All cells, as a range of their node indices.
-  [[nodiscard]] auto cells() const {
-    return std::views::iota(0, size_) |
-           std::views::transform([group = *this](int cell) { return group[cell]; });
-  }
+  class Cells;
+  [[nodiscard]] Cells cells() const noexcept;
 
  private:
   [[noreturn]] static void throwOutOfRange();
@@ -209,6 +207,55 @@ class ORVML_EXPORT CellGroup {
   int size_ = 0;
   std::span<const int> nodeIndices_;
 };
+
+/// The cells of a group, one after the other: each is the span of its node indices.
+class CellGroup::Cells {
+ public:
+  class Iterator {
+   public:
+    using value_type = std::span<const int>;
+    using difference_type = std::ptrdiff_t;
+
+    Iterator() = default;
+    Iterator(const int* nodes, std::size_t nodesPerCell, int cell) noexcept
+        : nodes_(nodes), nodesPerCell_(nodesPerCell), cell_(cell) {}
+    [[nodiscard]] std::span<const int> operator*() const noexcept {
+      return {nodes_ + static_cast<std::size_t>(cell_) * nodesPerCell_, nodesPerCell_};
+    }
+    Iterator& operator++() noexcept {
+      ++cell_;
+      return *this;
+    }
+    Iterator operator++(int) noexcept {
+      Iterator before = *this;
+      ++cell_;
+      return before;
+    }
+    friend bool operator==(const Iterator& a, const Iterator& b) noexcept {
+      return a.cell_ == b.cell_;
+    }
+
+   private:
+    const int* nodes_ = nullptr;
+    std::size_t nodesPerCell_ = 0;
+    int cell_ = 0;
+  };
+
+  explicit Cells(const CellGroup& group) noexcept
+      : nodes_(group.nodeIndices().data()),
+        nodesPerCell_(static_cast<std::size_t>(group.nodesPerCell())),
+        size_(group.size()) {}
+  [[nodiscard]] Iterator begin() const noexcept { return {nodes_, nodesPerCell_, 0}; }
+  [[nodiscard]] Iterator end() const noexcept { return {nodes_, nodesPerCell_, size_}; }
+  [[nodiscard]] std::size_t size() const noexcept { return static_cast<std::size_t>(size_); }
+
+ private:
+  const int* nodes_;
+  std::size_t nodesPerCell_;
+  int size_;
+};
+
+inline CellGroup::Cells CellGroup::cells() const noexcept { return Cells(*this); }
 
 /// The edges, the faces or the volume elements of a mesh.
 class ORVML_EXPORT CellsView {
