@@ -7,6 +7,7 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/mman.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -35,6 +36,29 @@ std::filesystem::path followed(const std::filesystem::path& path) {
   }
   return target;
 }
+
+/// Lets files of this process grow as far as they ever may while it lives. The limit that a program
+/// sets itself below that holds for files in memory, too.
+class LooserSizeLimit {
+ public:
+  LooserSizeLimit() noexcept : isKnown_(::getrlimit(RLIMIT_FSIZE, &before_) == 0) {
+    const struct rlimit loosest = {before_.rlim_max, before_.rlim_max};
+    isKnown_ = isKnown_ && ::setrlimit(RLIMIT_FSIZE, &loosest) == 0;
+  }
+  LooserSizeLimit(const LooserSizeLimit&) = delete;
+  LooserSizeLimit& operator=(const LooserSizeLimit&) = delete;
+  LooserSizeLimit(LooserSizeLimit&&) = delete;
+  LooserSizeLimit& operator=(LooserSizeLimit&&) = delete;
+  ~LooserSizeLimit() {
+    if (isKnown_) {
+      (void)::setrlimit(RLIMIT_FSIZE, &before_);
+    }
+  }
+
+ private:
+  struct rlimit before_ = {};
+  bool isKnown_;
+};
 
 /// A file in memory, where what nobody wants any more can be written to.
 int openSink() noexcept {
@@ -171,6 +195,7 @@ void SafeFile::letGoOfData() noexcept {
 
 SafeFile::~SafeFile() {
   if (file_.valid()) {
+    const LooserSizeLimit limit;
     letGoOfData();
     (void)file_.close();
   }
