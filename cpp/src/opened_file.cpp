@@ -34,7 +34,7 @@ namespace {
       throw Error(Code::filePermissionDenied, "permission to read it is denied", {path, {}, {}});
     default:
       throw Error(Code::fileUnreachable,
-                  std::string("it cannot be opened: ") + std::strerror(error), {path, {}, {}});
+                  std::string("cannot be opened: ") + std::strerror(error), {path, {}, {}});
   }
 }
 

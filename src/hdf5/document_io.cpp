@@ -67,9 +67,14 @@ int OrvInputAndOrvOutput::ReadSpatialDimension(SourceFile& file, const OpenGroup
   }
   const std::optional<Extent> extent = extentOf(dataset.id.get());
   int dimension = -1;
-  if (!extent || extent->numberOfValues != 1 || readValues(dataset.id.get(), &dimension) != kOk) {
+  if (!extent || extent->numberOfValues != 1) {
     file.report(Trouble::wrongShape, document, layout::kDimension,
                 [] { return "is not one number"; });
+    return kFailed;
+  }
+  if (readValues(dataset.id.get(), &dimension) != kOk) {
+    file.report(Trouble::unreadable, document, layout::kDimension,
+                [] { return "cannot be read"; });
     return kFailed;
   }
   meshDimension = dimension;

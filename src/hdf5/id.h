@@ -48,5 +48,6 @@ using DataspaceId = OwnedId<H5Sclose>;
 using DatatypeId = OwnedId<H5Tclose>;
 using AttributeId = OwnedId<H5Aclose>;
 using PropertyListId = OwnedId<H5Pclose>;
+using ObjectId = OwnedId<H5Oclose>;
 
 }  // namespace orvml_io

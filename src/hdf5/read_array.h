@@ -60,7 +60,8 @@ template <class T>
 
 /// What is said of a dataset whose number of entries differs from the one that is needed.
 inline std::string entriesSentence(hsize_t found, const char* needing, int needed) {
-  return "has " + std::to_string(found) + " entries, " + needing + " " + std::to_string(needed);
+  return "has " + std::to_string(found) + (found == 1 ? " entry, " : " entries, ") + needing + " " +
+         std::to_string(needed);
 }
 
 }  // namespace orvml_io

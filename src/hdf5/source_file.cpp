@@ -48,6 +48,11 @@ bool isSelfContained(hid_t dataset) noexcept {
          H5Pget_external_count(creation.get()) == 0;
 }
 
+bool isFailureOfHdf5(Trouble trouble) noexcept {
+  return trouble == Trouble::missing || trouble == Trouble::unopenable ||
+         trouble == Trouble::otherFile || trouble == Trouble::unreadable;
+}
+
 std::string pathOf(const OpenGroup& group, std::string_view subPath) {
   std::string path = pathOfObject(group.id());
   if (path == "/") {
@@ -86,8 +91,28 @@ void SourceFile::reportLongPath(const OpenGroup& group, std::string_view subPath
   report(Trouble::longPath, group, subPath, [] { return "has a path that is too long"; });
 }
 
-template <class Id>
-Opened<Id> SourceFile::opened(Id id, const OpenGroup& group, std::string_view subPath) {
+void SourceFile::reportUnopenable(const OpenGroup& group, std::string_view subPath) {
+  report(Trouble::unopenable, group, subPath, [] { return "cannot be opened"; });
+}
+
+void SourceFile::reportNoVector(const char* relativeName, const OpenGroup& group,
+                                std::string_view name) {
+  if (options_.diagnosis == nullptr) {
+    return;
+  }
+  const ObjectId object(H5Oopen(group.id(), relativeName, groupAccess_.get()));
+  watch_ = LinkWatch();
+  const H5I_type_t type = object.valid() ? H5Iget_type(object.get()) : H5I_BADID;
+  if (type == H5I_GROUP || type == H5I_DATATYPE) {
+    report(Trouble::foreign, group, name, [] { return "is no dataset"; });
+  } else {
+    reportUnopenable(group, name);
+  }
+}
+
+template <class Id, class ReportUnopenable>
+Opened<Id> SourceFile::opened(Id id, const OpenGroup& group, std::string_view subPath,
+                              ReportUnopenable reportUnopenable) {
   const LinkWatch watch = std::exchange(watch_, LinkWatch());
   if (id.valid()) {
     return {Found::object, std::move(id)};
@@ -99,14 +124,17 @@ Opened<Id> SourceFile::opened(Id id, const OpenGroup& group, std::string_view su
   if (watch.wasMet || lastFailureWasAbsence()) {
     return {Found::absent, Id()};
   }
-  report(Trouble::unopenable, group, subPath, [] { return "cannot be opened"; });
+  reportUnopenable();
   return {Found::failed, Id()};
 }
 
+template <class ReportUnopenable>
 Opened<DatasetId> SourceFile::openDatasetAs(const char* relativeName, const OpenGroup& group,
-                                            std::string_view subPath) {
+                                            std::string_view subPath,
+                                            ReportUnopenable reportUnopenable) {
   Opened<DatasetId> dataset =
-      opened(DatasetId(H5Dopen2(group.id(), relativeName, datasetAccess_.get())), group, subPath);
+      opened(DatasetId(H5Dopen2(group.id(), relativeName, datasetAccess_.get())), group, subPath,
+             reportUnopenable);
   if (dataset.isObject() && !isSelfContained(dataset.id.get())) {
     report(Trouble::otherFile, group, subPath, [] { return "has its values in another file"; });
     dataset.found = Found::refused;
@@ -119,7 +147,8 @@ Opened<DatasetId> SourceFile::openDataset(const OpenGroup& group, const char* su
     reportLongPath(group, subPath);
     return {Found::refused, DatasetId()};
   }
-  return openDatasetAs(relativeName(subPath), group, subPath);
+  return openDatasetAs(relativeName(subPath), group, subPath,
+                       [&] { reportUnopenable(group, subPath); });
 }
 
 Opened<DatasetId> SourceFile::openMember(const OpenGroup& group, const std::string& name) {
@@ -128,7 +157,9 @@ Opened<DatasetId> SourceFile::openMember(const OpenGroup& group, const std::stri
     return {Found::refused, DatasetId()};
   }
   // A name that begins with a slash, or is empty, still means a member of the group.
-  return openDatasetAs(("./" + name).c_str(), group, name);
+  const std::string member = "./" + name;
+  return openDatasetAs(member.c_str(), group, name,
+                       [&] { reportNoVector(member.c_str(), group, name); });
 }
 
 Opened<GroupId> SourceFile::openGroup(const OpenGroup& group, const char* subPath) {
@@ -137,19 +168,21 @@ Opened<GroupId> SourceFile::openGroup(const OpenGroup& group, const char* subPat
     return {Found::refused, GroupId()};
   }
   return opened(GroupId(H5Gopen2(group.id(), relativeName(subPath), groupAccess_.get())), group,
-                subPath);
+                subPath, [&] { reportUnopenable(group, subPath); });
 }
 
 Opened<AttributeId> SourceFile::openAttribute(const OpenGroup& group, const char* subPath,
                                               const char* name) {
   return opened(AttributeId(H5Aopen_by_name(group.id(), relativeName(subPath), name, H5P_DEFAULT,
                                             groupAccess_.get())),
-                group, subPath);
+                group, subPath, [&] { reportUnopenable(group, subPath); });
 }
 
 void SourceFile::add(Trouble trouble, const OpenGroup& group, std::string_view subPath,
                      const std::string& sentence) {
-  std::string reason = lastHdf5Reason();  // before the next call of HDF5 takes it away
+  // Before the next call of HDF5 takes it away. Where HDF5 was not the one to fail, what it says is
+  // about something else that this read has met.
+  std::string reason = isFailureOfHdf5(trouble) ? lastHdf5Reason() : std::string();
   std::string path = pathOf(group, subPath);
   std::string whole = path + " " + sentence;
   options_.diagnosis->add({trouble, std::move(path), std::move(whole), std::move(reason)});

@@ -131,10 +131,18 @@ class SourceFile {
     bool leadsToAFile = false;
   };
 
-  template <class Id>
-  [[nodiscard]] Opened<Id> opened(Id id, const OpenGroup& group, std::string_view subPath);
+  /// @param reportUnopenable  called when something is there and could not be opened
+  template <class Id, class ReportUnopenable>
+  [[nodiscard]] Opened<Id> opened(Id id, const OpenGroup& group, std::string_view subPath,
+                                  ReportUnopenable reportUnopenable);
+  template <class ReportUnopenable>
   [[nodiscard]] Opened<DatasetId> openDatasetAs(const char* relativeName, const OpenGroup& group,
-                                                std::string_view subPath);
+                                                std::string_view subPath,
+                                                ReportUnopenable reportUnopenable);
+  void reportUnopenable(const OpenGroup& group, std::string_view subPath);
+  /// Reports a member of a group of vectors that cannot be opened as one: another kind of object
+  /// may stand there.
+  void reportNoVector(const char* relativeName, const OpenGroup& group, std::string_view name);
   /// Reports the object. Returns false.
   [[nodiscard]] bool isRefusedAsTooMuch(const OpenGroup& group, std::string_view subPath);
   void reportLongPath(const OpenGroup& group, std::string_view subPath);

@@ -21,8 +21,8 @@ template <class Value>
 std::string valuesOf(std::span<const Value> values) {
   if (values.size() > kMostSpelled) {
     const auto bytes = std::as_bytes(values);
-    return " " + std::to_string(values.size()) + " values: " +
-           std::string(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    return " " + std::to_string(values.size()) +
+           " values: " + std::string(reinterpret_cast<const char*>(bytes.data()), bytes.size());
   }
   std::string text;
   for (const Value value : values) {

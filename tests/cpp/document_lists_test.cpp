@@ -1,12 +1,12 @@
 // Names, types, lengths and flags of all parameters and attributes, wherever a document comes from.
+#include <orvml/orvml.hpp>
+
 #include "cpp/content.h"
 #include "cpp/sample_documents.h"
 #include "support/document_builder.h"
 #include "support/open_ids.h"
 #include "support/row_name.h"
 #include "support/temp_file.h"
-
-#include <orvml/orvml.hpp>
 
 #include <ostream>
 
@@ -64,12 +64,12 @@ class ListsOfADocument : public ::testing::TestWithParam<Origin> {
 
 INSTANTIATE_TEST_SUITE_P(
     Each, ListsOfADocument,
-    ::testing::Values(
-        Origin{"Built", fullInput}, Origin{"Cloned", [] { return fullInput().clone(); }},
-        Origin{"Loaded", loaded}, Origin{"AdoptedCopy", adoptedCopy},
-        Origin{"ReleasedAndAdopted", releasedAndAdopted},
-        // The readers of the flat interface do not bring flags, by contract.
-        Origin{"AdoptedAfterReading", adoptedAfterReading, false}),
+    ::testing::Values(Origin{"Built", fullInput},
+                      Origin{"Cloned", [] { return fullInput().clone(); }},
+                      Origin{"Loaded", loaded}, Origin{"AdoptedCopy", adoptedCopy},
+                      Origin{"ReleasedAndAdopted", releasedAndAdopted},
+                      // The readers of the flat interface do not bring flags, by contract.
+                      Origin{"AdoptedAfterReading", adoptedAfterReading, false}),
     RowName());
 
 TEST_P(ListsOfADocument, TellTheAttributesOfEachEntity) {
@@ -125,9 +125,11 @@ TEST_P(ChangedDocument, HoldsWhatItWasGivenLast) {
 
   EXPECT_EQ(contentOf(input),
             "input \"a\" \"b\" \"c\" 3D\nnodes 1: 0 0 0\nnew ints transmitted: 1\n"
-            "edges 3\nline 3 of 2: 0 0 0 0 0 0\nline ints" + flag_ + ": 7 8 9\n"
-            "faces 4\ntriangle 4 of 3: 0 1 2 0 1 3 1 2 3 0 2 3\nelements 0\n"
-            "size = 0.25\nvolumes_sizes ints: 1\n");
+            "edges 3\nline 3 of 2: 0 0 0 0 0 0\nline ints" +
+                flag_ +
+                ": 7 8 9\n"
+                "faces 4\ntriangle 4 of 3: 0 1 2 0 1 3 1 2 3 0 2 3\nelements 0\n"
+                "size = 0.25\nvolumes_sizes ints: 1\n");
 }
 
 TEST_P(ChangedDocument, CanBeSavedAndLoaded) {

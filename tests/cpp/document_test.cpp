@@ -1,11 +1,11 @@
 // Documents that are built and changed: whose memory their arrays are in, for how long, and what is
 // refused.
+#include <orvml/document.hpp>
+
 #include "cpp/content.h"
 #include "cpp/errors.h"
 #include "cpp/sample_documents.h"
 #include "support/row_name.h"
-
-#include <orvml/document.hpp>
 
 #include <array>
 #include <memory>
@@ -128,8 +128,7 @@ TEST(Identification, OfMoreBytesIsRefusedAndChangesNothing) {
 }
 
 TEST(Identification, WithANullByteIsRefused) {
-  const orvml::Error error =
-      errorOf([] { Input({std::string_view("a\0b", 3), "", ""}, 3); });
+  const orvml::Error error = errorOf([] { Input({std::string_view("a\0b", 3), "", ""}, 3); });
 
   EXPECT_EQ(error.code(), orvml::Code::nameNotAllowed);
   EXPECT_EQ(error.sentence(), "the name of the module has a null byte");
@@ -375,8 +374,9 @@ TEST(CellsOfNoNodes, ArePartOfADocument) {
 TEST(RefusedCells, ArePartialCells) {
   Input input = smallInput();
 
-  const orvml::Error error =
-      errorOf([&] { input.setCells(Entity::faces, Shape::triangle, 3, Ints{0, 1, 2, 0}); });
+  const orvml::Error error = errorOf([&] {
+    input.setCells(Entity::faces, Shape::triangle, 3, Ints{0, 1, 2, 0});
+  });
 
   EXPECT_EQ(error.code(), orvml::Code::sizesDisagree);
   EXPECT_EQ(error.sentence(), "4 node indices are no cells of 3 nodes");
@@ -413,8 +413,9 @@ TEST(RefusedCells, HaveGroupsOfImpossibleSizes) {
 TEST(RefusedCells, AreNodes) {
   Input input = smallInput();
 
-  const orvml::Error error =
-      errorOf([&] { input.setCells(Entity::nodes, Shape::point, 1, Ints{0, 1, 2}); });
+  const orvml::Error error = errorOf([&] {
+    input.setCells(Entity::nodes, Shape::point, 1, Ints{0, 1, 2});
+  });
 
   EXPECT_EQ(error.code(), orvml::Code::wrongKind);
   EXPECT_EQ(error.sentence(), "nodes are no cells");
@@ -446,8 +447,7 @@ TEST_P(AttributeOfWrongLength, IsRefused) {
   Input input = fullInput();
   const std::string before = contentOf(input);
 
-  const orvml::Error error =
-      errorOf([&] { input.setAttribute(GetParam().entity, "id", Ints(9)); });
+  const orvml::Error error = errorOf([&] { input.setAttribute(GetParam().entity, "id", Ints(9)); });
 
   EXPECT_EQ(error.code(), orvml::Code::sizesDisagree);
   EXPECT_EQ(error.sentence(), GetParam().sentence);
@@ -549,10 +549,10 @@ TEST_P(RefusedName, IsRefusedForAllThatHasNames) {
   const std::string& name = GetParam().text;
 
   expectRefused("the parameter", errorOf([&] { input.setParameter(name, 1.0); }));
-  expectRefused("the vector parameter",
-                errorOf([&] { input.setVectorParameter(name, Ints{1}); }));
-  expectRefused("the attribute",
-                errorOf([&] { input.setAttribute(Entity::nodes, name, Ints{1, 2, 3}); }));
+  expectRefused("the vector parameter", errorOf([&] { input.setVectorParameter(name, Ints{1}); }));
+  expectRefused("the attribute", errorOf([&] {
+                  input.setAttribute(Entity::nodes, name, Ints{1, 2, 3});
+                }));
   EXPECT_TRUE(input.parameters().empty());
   EXPECT_TRUE(input.vectorParameters().empty());
   EXPECT_TRUE(input.attributes(Entity::nodes).empty());
@@ -584,7 +584,8 @@ TEST_P(AcceptedName, IsKeptAsItIs) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Each, AcceptedName,
-                         ::testing::Values("a", std::string(79, 'n'), "..", "a.b", " ", "\xc3\xa9"));
+                         ::testing::Values("a", std::string(79, 'n'), "..", "a.b", " ",
+                                           "\xc3\xa9"));
 
 TEST(Clone, HasTheSameContent) {
   const Input input = fullInput();

@@ -1,7 +1,7 @@
 // Views of arrays of the caller: sizes, ranges, look-ups, and what is refused.
-#include "cpp/errors.h"
-
 #include <orvml/view.hpp>
+
+#include "cpp/errors.h"
 
 #include <array>
 #include <limits>
@@ -105,8 +105,9 @@ TEST(AttributesView, SaysWhichNameIsNotThere) {
 }
 
 TEST(AttributesView, RefusesANameTwice) {
-  const orvml::Error error =
-      errorOf([] { Attributes({{"b", kInts}, {"a", kInts}, {"b", kDoubles}}); });
+  const orvml::Error error = errorOf([] {
+    Attributes({{"b", kInts}, {"a", kInts}, {"b", kDoubles}});
+  });
 
   EXPECT_EQ(error.code(), orvml::Code::nameTwice);
   EXPECT_EQ(error.sentence(), "two entries are called \"b\"");
@@ -221,8 +222,7 @@ class NodesRange : public ::testing::Test {
  protected:
   const Ints ids_ = {10, 11, 12, 13};
   const Doubles sizes_ = {0.5, 1.5, 2.5, 3.5};
-  const NodesView nodes_ = {kFourNodes, 2,
-                            Attributes({{"id", ids_, true}, {"size", sizes_}})};
+  const NodesView nodes_ = {kFourNodes, 2, Attributes({{"id", ids_, true}, {"size", sizes_}})};
 };
 
 TEST_F(NodesRange, HasThePartOfCoordinatesAndAttributes) {

@@ -130,6 +130,9 @@ const TroubleRow kTroubles[] = {
        replaceInts(file, "/OrvInput/dimension", {3, 3});
      },
      1, Trouble::wrongShape, "/OrvInput/dimension", "is not one number", false},
+    {"DimensionOfText",
+     [](RawFile& file) { replaceDataset(file, "/OrvInput/dimension", H5T_C_S1, {1}, "3"); }, 1,
+     Trouble::unreadable, "/OrvInput/dimension", "cannot be read", true},
     {"NodesMissing", [](RawFile& file) { file.remove("/OrvInput/Nodes"); }, 1, Trouble::missing,
      "/OrvInput/Nodes", "is missing", true},
     {"NodesThatAreADataset",
@@ -145,6 +148,13 @@ const TroubleRow kTroubles[] = {
        replaceDataset(file, "/OrvInput/Nodes/coordinates", H5T_C_S1, {3, 3}, "123456789");
      },
      1, Trouble::unreadable, "/OrvInput/Nodes/coordinates", "cannot be read", true},
+    // HDF5 failed to open the attributes, which need not be there, just before.
+    {"CoordinatesOfTwoColumns",
+     [](RawFile& file) {
+       replaceDataset(file, "/OrvInput/Nodes/coordinates", H5T_NATIVE_DOUBLE, {3, 2}, nullptr);
+     },
+     0, Trouble::wrongShape, "/OrvInput/Nodes/coordinates",
+     "has 6 values, 3 nodes of dimension 3 need 9", false},
     {"CoordinatesOutOfProportion",
      [](RawFile& file) {
        replaceDataset(file, "/OrvInput/Nodes/coordinates", H5T_NATIVE_DOUBLE,
@@ -191,6 +201,12 @@ const TroubleRow kTroubles[] = {
      },
      1, Trouble::otherFile, "/OrvInput/ParametersVector/v", "has its values in another file",
      false},
+    {"GroupAmongVectors",
+     [](RawFile& file) {
+       file.group("/OrvInput/ParametersVector");
+       file.group("/OrvInput/ParametersVector/g");
+     },
+     0, Trouble::foreign, "/OrvInput/ParametersVector/g", "is no dataset", false},
     {"TableOfVectors",
      [](RawFile& file) {
        file.group("/OrvInput/ParametersVector");
