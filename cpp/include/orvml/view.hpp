@@ -166,6 +166,8 @@ class ORVML_EXPORT NodesView {
   Attributes attributes_;
 };
 
+class CellRange;
+
 /// Consecutive cells of one shape and one number of nodes.
 class ORVML_EXPORT CellGroup {
  public:
@@ -196,10 +198,7 @@ class ORVML_EXPORT CellGroup {
   }
 
   /// All cells, as a range of their node indices.
-  [[nodiscard]] auto cells() const {
-    return std::views::iota(0, size_) |
-           std::views::transform([group = *this](int cell) { return group[cell]; });
-  }
+  [[nodiscard]] CellRange cells() const;
 
  private:
   [[noreturn]] static void throwOutOfRange();
@@ -209,6 +208,52 @@ class ORVML_EXPORT CellGroup {
   int size_ = 0;
   std::span<const int> nodeIndices_;
 };
+
+/// The cells of a group one by one, each as its node indices. It needs no group that stays, and is
+/// written out because older compilers do not take the adaptors of the standard library.
+class CellRange {
+ public:
+  class Iterator {
+   public:
+    using iterator_concept = std::forward_iterator_tag;
+    using iterator_category = std::input_iterator_tag;
+    using value_type = std::span<const int>;
+    using difference_type = std::ptrdiff_t;
+    using pointer = void;
+    using reference = value_type;
+
+    Iterator() = default;
+    Iterator(const CellGroup& group, int cell) : group_(group), cell_(cell) {}
+    [[nodiscard]] reference operator*() const { return group_[cell_]; }
+    Iterator& operator++() {
+      ++cell_;
+      return *this;
+    }
+    Iterator operator++(int) {
+      Iterator before = *this;
+      ++cell_;
+      return before;
+    }
+    friend bool operator==(const Iterator& a, const Iterator& b) { return a.cell_ == b.cell_; }
+
+   private:
+    CellGroup group_;
+    int cell_ = 0;
+  };
+
+  explicit CellRange(const CellGroup& group) : group_(group) {}
+  [[nodiscard]] Iterator begin() const { return {group_, 0}; }
+  [[nodiscard]] Iterator end() const { return {group_, group_.size()}; }
+  [[nodiscard]] std::size_t size() const { return static_cast<std::size_t>(group_.size()); }
+  [[nodiscard]] std::span<const int> operator[](std::size_t cell) const {
+    return group_[static_cast<int>(cell)];
+  }
+
+ private:
+  CellGroup group_;
+};
+
+inline CellRange CellGroup::cells() const { return CellRange(*this); }
 
 /// The edges, the faces or the volume elements of a mesh.
 class ORVML_EXPORT CellsView {
