@@ -111,15 +111,31 @@ Digest digestOf(const CellsView& cells, std::string_view part) {
   return hasher.finish();
 }
 
-/// @param areThere  whether there are entities for the attributes to belong to
-Digest digestOf(const Attributes& attributes, std::string_view part, bool areThere = true) {
+/// Feeds what every named vector has.
+void addVector(Hasher& hasher, const Attribute& vector) {
+  hasher.add(vector.name);
+  hasher.add(vector.holdsInts() ? std::string_view("int") : "double");
+  std::visit([&hasher](auto values) { hasher.add(values); }, vector.values);
+}
+
+/// Without entities there is nothing for attributes to belong to: files keep none.
+Digest digestOf(const Attributes& attributes, std::string_view part, int numberOfEntities) {
   Hasher hasher(part);
-  hasher.add(static_cast<std::uint64_t>(areThere ? attributes.size() : 0));
-  for (const Attribute& attribute : areThere ? attributes : Attributes()) {
-    hasher.add(attribute.name);
-    hasher.add(attribute.holdsInts() ? std::string_view("int") : "double");
+  const Attributes kept = numberOfEntities > 0 ? attributes : Attributes();
+  hasher.add(static_cast<std::uint64_t>(kept.size()));
+  for (const Attribute& attribute : kept) {
+    addVector(hasher, attribute);
     hasher.add(std::uint64_t{attribute.mustBeTransmitted});
-    std::visit([&hasher](auto values) { hasher.add(values); }, attribute.values);
+  }
+  return hasher.finish();
+}
+
+/// Vector parameters have no flags that mean anything.
+Digest digestOfVectorParameters(const Attributes& vectors) {
+  Hasher hasher("vector parameters");
+  hasher.add(static_cast<std::uint64_t>(vectors.size()));
+  for (const Attribute& vector : vectors) {
+    addVector(hasher, vector);
   }
   return hasher.finish();
 }
@@ -166,15 +182,15 @@ Fingerprint fingerprint(const DocumentView& document) {
   parts.faces = digestOf(document.faces(), "faces");
   parts.elements = digestOf(document.elements(), "elements");
   parts.nodeAttributes =
-      digestOf(document.nodes().attributes(), "node attributes", document.nodes().size() > 0);
+      digestOf(document.nodes().attributes(), "node attributes", document.nodes().size());
   parts.edgeAttributes =
-      digestOf(document.edges().attributes(), "edge attributes", document.edges().size() > 0);
+      digestOf(document.edges().attributes(), "edge attributes", document.edges().size());
   parts.faceAttributes =
-      digestOf(document.faces().attributes(), "face attributes", document.faces().size() > 0);
-  parts.elementAttributes = digestOf(document.elements().attributes(), "element attributes",
-                                     document.elements().size() > 0);
+      digestOf(document.faces().attributes(), "face attributes", document.faces().size());
+  parts.elementAttributes =
+      digestOf(document.elements().attributes(), "element attributes", document.elements().size());
   parts.parameters = digestOf(document.parameters());
-  parts.vectorParameters = digestOf(document.vectorParameters(), "vector parameters");
+  parts.vectorParameters = digestOfVectorParameters(document.vectorParameters());
   parts.document = digestOfParts(parts);
   return parts;
 }

@@ -145,7 +145,7 @@ class ORVML_EXPORT NodesView {
   [[nodiscard]] std::span<const double> operator[](int node) const {
     const auto width = static_cast<std::size_t>(dimension_);
     const auto begin = static_cast<std::size_t>(node) * width;
-    if (node < 0 || node >= size_ || begin + width > coordinates_.size()) {
+    if (node < 0 || begin + width > coordinates_.size()) {
       throwOutOfRange();
     }
     return coordinates_.subspan(begin, width);
@@ -165,6 +165,8 @@ class ORVML_EXPORT NodesView {
   int dimension_ = 0;
   Attributes attributes_;
 };
+
+class CellRange;
 
 /// Consecutive cells of one shape and one number of nodes.
 class ORVML_EXPORT CellGroup {
@@ -196,8 +198,7 @@ class ORVML_EXPORT CellGroup {
   }
 
   /// All cells, as a range of their node indices.
-  class Cells;
-  [[nodiscard]] Cells cells() const noexcept;
+  [[nodiscard]] CellRange cells() const;
 
  private:
   [[noreturn]] static void throwOutOfRange();
@@ -208,54 +209,51 @@ class ORVML_EXPORT CellGroup {
   std::span<const int> nodeIndices_;
 };
 
-/// The cells of a group, one after the other: each is the span of its node indices.
-class CellGroup::Cells {
+/// The cells of a group one by one, each as its node indices. It needs no group that stays, and is
+/// written out because older compilers do not take the adaptors of the standard library.
+class CellRange {
  public:
   class Iterator {
    public:
+    using iterator_concept = std::forward_iterator_tag;
+    using iterator_category = std::input_iterator_tag;
     using value_type = std::span<const int>;
     using difference_type = std::ptrdiff_t;
+    using pointer = void;
+    using reference = value_type;
 
     Iterator() = default;
-    Iterator(const int* nodes, std::size_t nodesPerCell, int cell) noexcept
-        : nodes_(nodes), nodesPerCell_(nodesPerCell), cell_(cell) {}
-    [[nodiscard]] std::span<const int> operator*() const noexcept {
-      return {nodes_ + static_cast<std::size_t>(cell_) * nodesPerCell_, nodesPerCell_};
-    }
-    Iterator& operator++() noexcept {
+    Iterator(const CellGroup& group, int cell) : group_(group), cell_(cell) {}
+    [[nodiscard]] reference operator*() const { return group_[cell_]; }
+    Iterator& operator++() {
       ++cell_;
       return *this;
     }
-    Iterator operator++(int) noexcept {
+    Iterator operator++(int) {
       Iterator before = *this;
       ++cell_;
       return before;
     }
-    friend bool operator==(const Iterator& a, const Iterator& b) noexcept {
-      return a.cell_ == b.cell_;
-    }
+    friend bool operator==(const Iterator& a, const Iterator& b) { return a.cell_ == b.cell_; }
 
    private:
-    const int* nodes_ = nullptr;
-    std::size_t nodesPerCell_ = 0;
+    CellGroup group_;
     int cell_ = 0;
   };
 
-  explicit Cells(const CellGroup& group) noexcept
-      : nodes_(group.nodeIndices().data()),
-        nodesPerCell_(static_cast<std::size_t>(group.nodesPerCell())),
-        size_(group.size()) {}
-  [[nodiscard]] Iterator begin() const noexcept { return {nodes_, nodesPerCell_, 0}; }
-  [[nodiscard]] Iterator end() const noexcept { return {nodes_, nodesPerCell_, size_}; }
-  [[nodiscard]] std::size_t size() const noexcept { return static_cast<std::size_t>(size_); }
+  explicit CellRange(const CellGroup& group) : group_(group) {}
+  [[nodiscard]] Iterator begin() const { return {group_, 0}; }
+  [[nodiscard]] Iterator end() const { return {group_, group_.size()}; }
+  [[nodiscard]] std::size_t size() const { return static_cast<std::size_t>(group_.size()); }
+  [[nodiscard]] std::span<const int> operator[](std::size_t cell) const {
+    return group_[static_cast<int>(cell)];
+  }
 
  private:
-  const int* nodes_;
-  std::size_t nodesPerCell_;
-  int size_;
+  CellGroup group_;
 };
 
-inline CellGroup::Cells CellGroup::cells() const noexcept { return Cells(*this); }
+inline CellRange CellGroup::cells() const { return CellRange(*this); }
 
 /// The edges, the faces or the volume elements of a mesh.
 class ORVML_EXPORT CellsView {

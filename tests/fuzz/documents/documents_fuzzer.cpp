@@ -1,5 +1,6 @@
 // Writes documents that the input describes, reads them back, compares, clones and writes them
 // again, beside a model of what a file keeps.
+#include "cpp_files/reading_through_cpp.h"
 #include "fuzz/documents/document_from_bytes.h"
 #include "fuzz/harness/finding.h"
 #include "fuzz/harness/fuzz_target.h"
@@ -71,6 +72,13 @@ std::optional<Copy> read(const Role& role, const char* path, FileModel& file) {
   return copy;
 }
 
+/// Reads the one document of a file through the C++ layer, too.
+void readThroughCpp(const Role& role, const char* path, int status, bool hasDocument) {
+  Readings flat;
+  (role.isInput ? flat.input : flat.output) = {status, hasDocument, {}};
+  readInEveryWayOfCpp(path, flat);
+}
+
 /// Writes a document, reads it back and compares both.
 std::optional<Copy> throughItsFile(const Role& role, void* handle, const DocumentModel& model) {
   const OpenIds ids;
@@ -82,6 +90,8 @@ std::optional<Copy> throughItsFile(const Role& role, void* handle, const Documen
   if (copy) {
     expectComparison(role, handle, model, copy->handle.get(), copy->model);
   }
+  const ReadModel flat = role.isInput ? file.readInput() : file.readOutput();
+  readThroughCpp(role, path.path(), flat.result, flat.document.has_value());
   return copy;
 }
 
