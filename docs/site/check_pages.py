@@ -111,7 +111,7 @@ def unlisted(site, pages):
 def missing_on_the_first_page(site):
     blocks = [plain(block) for block in
               re.findall(r"<pre>(.*?)</pre>", (site / "index.html").read_text(), re.S)]
-    for what in ("#include <orvml_io.h>", "cmake --install"):
+    for what in ("#include <orvml/orvml.hpp>", "cmake --install"):
         if not any(what in block for block in blocks):
             yield f"index.html: no block of code has {what}"
 
