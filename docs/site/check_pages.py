@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Checks the built site: every link leads somewhere, every exported symbol is documented.
 
-    check_pages.py [--browser] SITE EXPORTED_SYMBOLS
+    check_pages.py [--browser] SITE EXPORTED_SYMBOLS EXPORTED_SYMBOLS_OF_THE_CPP_LAYER
 
 It also looks for what a reader needs to find: names in the index by what tells them apart, a contents
 list beside each page of the reference, code and installation on the first page. With --browser each page
@@ -65,6 +65,18 @@ def undocumented(pages, symbols):
             yield f"{name} is documented {documented} times and exported {overloads} times"
 
 
+def undocumented_of_cpp(pages, symbols):
+    """Exported members that only the headers and the library call are no part of the reference."""
+    internal = re.compile(r"~|operator=|typeinfo|vtable|::(?:throwOutOfRange|list|oneGroup|parts)$|"
+                          r"::(Document|DocumentView)::\1$")
+    places = " ".join(place for page in pages.values() for place in page.places)
+    names = {line.partition("(")[0].partition("[abi")[0] for line in symbols.read_text().splitlines()}
+    for name in sorted(name for name in names if not internal.search(name)):
+        parts = name.split("::")
+        if "".join(f"{len(part)}{part}" for part in parts) not in places:
+            yield f"{name} is exported and not documented"
+
+
 def plain(markup):
     return html.unescape(re.sub(r"<[^>]+>", "", markup)).strip()
 
@@ -99,19 +111,20 @@ def unlisted(site, pages):
 def missing_on_the_first_page(site):
     blocks = [plain(block) for block in
               re.findall(r"<pre>(.*?)</pre>", (site / "index.html").read_text(), re.S)]
-    for what in ("#include <orvml_io.h>", "cmake --install"):
+    for what in ("#include <orvml/orvml.hpp>", "cmake --install"):
         if not any(what in block for block in blocks):
             yield f"index.html: no block of code has {what}"
 
 
 def main(arguments):
     use_browser = "--browser" in arguments
-    site, symbols = (pathlib.Path(argument).resolve() for argument in arguments
-                     if argument != "--browser")
+    site, symbols, cpp_symbols = (pathlib.Path(argument).resolve() for argument in arguments
+                                  if argument != "--browser")
     paths = sorted(site.rglob("*.html"))
     pages = {path: Page(path) for path in paths}
     failures = list(dead_links(site, pages))
     failures.extend(undocumented(pages, symbols))
+    failures.extend(undocumented_of_cpp(pages, cpp_symbols))
     failures.extend(index_disorder(site))
     failures.extend(unlisted(site, pages))
     failures.extend(missing_on_the_first_page(site))

@@ -20,12 +20,12 @@ templates_path = ["templates"]
 source_suffix = {".md": "markdown"}
 exclude_patterns = ["site", "README.md"]
 nitpicky = True
-# Types of the language itself have no page.
-nitpick_ignore_regex = [("cpp:identifier", "size_t")]
+# Types of the language itself have no page, nor have the parameters of templates.
+nitpick_ignore_regex = [("cpp:identifier", r"size_t|u?int\d+_t|std(::.*)?|orvml|Container")]
 
 myst_heading_anchors = 3
 myst_enable_extensions = ["colon_fence", "deflist"]
-breathe_projects = {"header": os.environ["ORVML_IO_XML"]}
+breathe_projects = {"header": os.environ["ORVML_IO_XML"], "cpp": os.environ["ORVML_CPP_XML"]}
 breathe_default_project = "header"
 breathe_show_enumvalue_initializer = True
 primary_domain = "cpp"

@@ -4,8 +4,8 @@ import re
 
 from sphinx import addnodes
 
-ENTRY = re.compile(r"(?:(?P<scope>\w+)::)?(?P<prefix>OrvML_IO_|ORVML_IO_|ORVML_)?(?P<own>\w+)"
-                   r" \(C\+\+ (?P<kind>\w+)\)")
+ENTRY = re.compile(r"(?:orvml::)?(?:(?P<scope>[\w:]+)::)?(?P<prefix>OrvML_IO_|ORVML_IO_|ORVML_)?"
+                   r"(?P<own>\w+(?:\[\])?) \(C\+\+ (?P<kind>\w+)\)")
 PREFIX = re.compile(r"^(OrvML_IO_|ORVML_IO_)")
 WORD_ENDS = re.compile(r"(?<=[a-z0-9])(?=[A-Z])|(?<=_)")
 ZERO_WIDTH_SPACE = "\u200b"
@@ -18,7 +18,7 @@ def index_entry(name, links):
     entry = ENTRY.fullmatch(name).groupdict()
     if entry["scope"]:
         entry["kind"] += f" of {entry['scope']}"
-    if entry["kind"] == "member":
+    elif entry["kind"] == "member":
         entry["kind"] = "array"
     return dict(entry, words=WORD_ENDS.split(entry["own"]), links=[link for _, link in links])
 

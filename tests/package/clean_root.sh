@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs the Debian packages in a root that has nothing but a compiler, builds and runs the README's
-# example there, removes the packages and compares the root with what it was. Arguments: the folder of
+# examples there, removes the packages and compares the root with what it was. Arguments: the folder of
 # the packages, README.md, and a scratch folder, where the archive of the clean root is kept for the
 # next run. Ends with 77 where such a root cannot be made.
 set -euo pipefail
@@ -32,7 +32,12 @@ mkdir "$root"
 tar -C "$root" -xf "$archive"
 cp /etc/resolv.conf "$root/etc/resolv.conf"
 cp "$packages"/*.deb "$root/tmp/"
-sed -n '/^```cpp$/,/^```$/p' "$readme" | sed '1d;$d' >"$root/tmp/example.cpp"
+example() { # HEADER
+  awk -v header="#include <$1>" '
+    /^```cpp$/ { getline; inside = $0 == header } /^```$/ { inside = 0 } inside' "$readme"
+}
+example orvml_io.h >"$root/tmp/example.cpp"
+example orvml/orvml.hpp >"$root/tmp/cpp_example.cpp"
 
 # What apt and the loader note for themselves is no trace of a package.
 cat >"$root/tmp/list" <<'LIST'
@@ -48,6 +53,8 @@ apt-get install -y -qq --no-install-recommends ./*.deb >apt.log 2>&1 || { cat ap
 dpkg-query -W -f='${Package} ${Version}\n' '*orvml*'
 g++ -std=c++11 example.cpp -o example $(pkg-config --cflags --libs orvml_io)
 ./example
+g++ -std=c++20 cpp_example.cpp -o cpp_example $(pkg-config --cflags --libs orvml)
+./cpp_example
 # What came with the packages goes with them, even what another package would recommend.
 apt-get purge -y -qq --autoremove -o APT::AutoRemove::RecommendsImportant=false \
   -o APT::AutoRemove::SuggestsImportant=false '*orvml*' >apt.log 2>&1 || { cat apt.log; exit 1; }
@@ -60,6 +67,6 @@ unshare --mount chroot "$root" sh /tmp/steps >"$scratch/steps.log" 2>&1 || {
   exit 1
 }
 cat "$scratch/steps.log"
-grep -qx '4 nodes, 1 tetrahedron, mesh size 0.25' "$scratch/steps.log"
+[ "$(grep -cx '4 nodes, 1 tetrahedron, mesh size 0.25' "$scratch/steps.log")" -eq 2 ]
 rm -rf "$root"
-echo "the packages install, serve a program and leave no trace"
+echo "the packages install, serve programs of both interfaces and leave no trace"

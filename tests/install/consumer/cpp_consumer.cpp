@@ -1,6 +1,7 @@
-// A program outside the tree that uses the C++ layer, and with it the flat interface: writes a document,
-// loads it back, compares.
+// A program outside the tree that uses the C++ layer, and with it the flat interface: writes a
+// document, loads it back, compares.
 #include <orvml/orvml.hpp>
+
 #include <orvml_io.h>
 
 #include <cstdio>
@@ -12,7 +13,8 @@ namespace {
 orvml::Input madeDocument() {
   orvml::Input input({"consumer", "1", "consumer"}, 3);
   input.setNodes(std::vector<double>{0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0, 1});
-  input.setCells(orvml::Entity::elements, orvml::Shape::tetrahedron, 4, std::vector<int>{0, 1, 2, 3});
+  input.setCells(orvml::Entity::elements, orvml::Shape::tetrahedron, 4,
+                 std::vector<int>{0, 1, 2, 3});
   input.setParameter("size", 0.5);
   return input;
 }

@@ -1,0 +1,106 @@
+#!/usr/bin/env python3
+"""Makes pages of the reference of the headers of the C++ layer.
+
+    cpp_pages.py HEADER                   prints a header as a Doxygen group (Doxygen's filter)
+    cpp_pages.py --pages FOLDER INTO      writes a page for each header of a folder and one that lists them
+    cpp_pages.py --qualify XML            writes the namespace to the names of functions in Doxygen's groups,
+                                          without which Breathe takes them for global ones
+
+What is no part of the reference is left out: overloads that only refuse, what the compiler writes by
+itself, private members and the concepts behind templates, which the comments put into words.
+"""
+import pathlib
+import re
+import sys
+
+PAGES = {
+    "document": "Documents",
+    "view": "Views",
+    "load": "Load",
+    "save": "Save",
+    "mapped_file": "Mapped files",
+    "describe": "Descriptions",
+    "fingerprint": "Fingerprints",
+    "interop": "Handles of the flat functions",
+    "error": "Errors and findings",
+    "shape": "Shapes",
+    "version": "Versions",
+}
+NO_PART = re.compile(r"= (?:delete|default);|~\w+\(|operator=\(|&& other\)|^ *friend |^ *using Document::|"
+                     r"\[\[noreturn\]\]|\bconcept\b|^class \w+;", re.M)
+NOT_PUBLIC = re.compile(r"^ (?:protected|private):\n.*?(?=^\};)|"
+                        r"^namespace (?:orvml_io|detail) \{.*?^\}.*?\n", re.M | re.S)
+
+
+def declarations(text):
+    """Yields what ends with a semicolon, a brace, a colon or a blank line, with its comment."""
+    lines = []
+    for line in text.splitlines(keepends=True):
+        lines.append(line)
+        code = line.partition("//")[0].rstrip()
+        is_code = code and not line.lstrip().startswith("//")
+        if not line.strip() or line.startswith("#") or (is_code and code[-1] in ";{}:"):
+            yield "".join(lines)
+            lines = []
+    yield "".join(lines)
+
+
+def public_part(text):
+    kept = "".join(declaration for declaration in declarations(NOT_PUBLIC.sub("", text))
+                   if not NO_PART.search(re.sub(r"//.*", "", declaration)))
+    return re.sub(r"^ *requires .*\n|\[\[nodiscard\]\] ", "", kept, flags=re.M)
+
+
+def as_group(path):
+    """A header whose part of the namespace is a group of the name of its page."""
+    text = public_part(path.read_text())
+    title = PAGES.get(path.stem)
+    if title is None:
+        return text
+    begin = text.rindex("namespace orvml {\n") + len("namespace orvml {\n")
+    end = text.rindex("}  // namespace orvml")
+    group = f"/// @addtogroup cpp_{path.stem} {title}\n/// @{{\n"
+    return f"{text[:begin]}{group}{text[begin:end]}/// @}}\n{text[end:]}"
+
+
+def introduction(path):
+    """What a header says about all of it, before its namespace."""
+    found = re.search(r"((?:^///.*\n)+)^namespace orvml \{", path.read_text(), re.M)
+    return re.sub(r"(?m)^/// ?", "", found.group(1)) + "\n" if found else ""
+
+
+def write_pages(headers, folder):
+    folder.mkdir(parents=True, exist_ok=True)
+    unknown = {path.stem for path in headers} - set(PAGES) - {"orvml", "export"}
+    if unknown:
+        sys.exit(f"cpp_pages: no page for {', '.join(sorted(unknown))}")
+    entries = "\n".join(f"cpp_{stem}" for stem in PAGES)
+    (folder / "cpp.md").write_text(
+        "# The C++ layer\n\n`orvml/orvml.hpp` includes all headers; each page below is one of them. "
+        "[The guide](../cpp-guide.md) shows them at work. Names are in the namespace `orvml` and stand in "
+        f"the {{ref}}`index of names <genindex>`.\n\n```{{toctree}}\n{entries}\n```\n")
+    for path in headers:
+        if path.stem in PAGES:
+            (folder / f"cpp_{path.stem}.md").write_text(
+                f"# {PAGES[path.stem]}\n\n`#include <orvml/{path.name}>`\n\n{introduction(path)}"
+                f"```{{doxygengroup}} cpp_{path.stem}\n:project: cpp\n:content-only:\n:members:\n"
+                ":undoc-members:\n```\n")
+
+
+def qualify(folder):
+    for path in folder.glob("group__*.xml"):
+        text = path.read_text()
+        path.write_text(re.sub(r"<name>(\w+)</name>(?=\s*<(?:qualifiedname|argsstring)>)",
+                               r"<name>orvml::\1</name>", text))
+    for path in folder.glob("*orvml_1_1*.xml"):
+        # Each page says what to include.
+        path.write_text(re.sub(r" *<includes .*</includes>\n", "", path.read_text()))
+
+
+if __name__ == "__main__":
+    if sys.argv[1] == "--qualify":
+        qualify(pathlib.Path(sys.argv[2]))
+    elif sys.argv[1] == "--pages":
+        write_pages(sorted(pathlib.Path(sys.argv[2]).glob("*.hpp")), pathlib.Path(sys.argv[3]))
+    else:
+        sys.stdout.write(as_group(pathlib.Path(sys.argv[1])))
