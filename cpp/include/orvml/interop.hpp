@@ -25,7 +25,7 @@ namespace orvml {
 
 /// Lends a document to the flat interface: the handle is valid as long as the document, which keeps
 /// owning it. What the flat interface changes makes views of it invalid. Its mesh setters leave
-/// such a document as it is, as they do one that was read.
+/// such a document as it is, also one that was adopted from a caller who owns the arrays.
 [[nodiscard]] ORVML_EXPORT void* handle(Document& document);
 void* handle(Document&& document) = delete;
 
