@@ -13,8 +13,8 @@ using orvml_io::OrvInputAndOrvOutput;
 
 namespace {
 
-/// Cells that need no node indices have all of them, with an array of none or without: a reader that
-/// refused the array leaves none, and a copy of such a document has an empty one.
+/// Cells that need no node indices have all of them, with an array of none or without: a reader
+/// that refused the array leaves none, and a copy of such a document has an empty one.
 bool holdsNodeIndices(const Elems& elems) {
   if (elems.elementTypes == nullptr || elems.numberOfElementsByType == nullptr ||
       elems.numberOfNodesByElement == nullptr) {
