@@ -44,9 +44,8 @@ std::size_t touchEverything(const orvml::DocumentView& view) {
   std::size_t count = touch(view.identification().moduleName) +
                       touch(view.identification().moduleFormatVersion) +
                       touch(view.identification().creator) + touch(view.nodes().coordinates()) +
-                      touch(view.nodes().attributes()) + touch(view.edges()) +
-                      touch(view.faces()) + touch(view.elements()) +
-                      touch(view.vectorParameters());
+                      touch(view.nodes().attributes()) + touch(view.edges()) + touch(view.faces()) +
+                      touch(view.elements()) + touch(view.vectorParameters());
   for (const orvml::Parameter& parameter : view.parameters()) {
     count += touch(parameter.name) + 1;
   }

@@ -98,8 +98,8 @@ Fingerprint fingerprintOf(const Content& content) {
   const orvml::DocumentParts parts = {
       .identification = {content.module, content.version, content.creator},
       .dimension = content.dimension,
-      .nodes = orvml::NodesView(content.coordinates, content.dimension,
-                                viewOf(content.nodeAttributes)),
+      .nodes =
+          orvml::NodesView(content.coordinates, content.dimension, viewOf(content.nodeAttributes)),
       .edges = viewOf(content.cells[0]),
       .faces = viewOf(content.cells[1]),
       .elements = viewOf(content.cells[2]),
@@ -111,12 +111,11 @@ Fingerprint fingerprintOf(const Content& content) {
 
 using Part = Digest Fingerprint::*;
 
-constexpr Part kParts[] = {&Fingerprint::identification,    &Fingerprint::nodes,
-                           &Fingerprint::edges,             &Fingerprint::faces,
-                           &Fingerprint::elements,          &Fingerprint::nodeAttributes,
-                           &Fingerprint::edgeAttributes,    &Fingerprint::faceAttributes,
-                           &Fingerprint::elementAttributes, &Fingerprint::parameters,
-                           &Fingerprint::vectorParameters};
+constexpr Part kParts[] = {
+    &Fingerprint::identification, &Fingerprint::nodes,           &Fingerprint::edges,
+    &Fingerprint::faces,          &Fingerprint::elements,        &Fingerprint::nodeAttributes,
+    &Fingerprint::edgeAttributes, &Fingerprint::faceAttributes,  &Fingerprint::elementAttributes,
+    &Fingerprint::parameters,     &Fingerprint::vectorParameters};
 constexpr Part kCells[] = {&Fingerprint::edges, &Fingerprint::faces, &Fingerprint::elements};
 constexpr Part kCellAttributes[] = {&Fingerprint::edgeAttributes, &Fingerprint::faceAttributes,
                                     &Fingerprint::elementAttributes};
@@ -156,7 +155,8 @@ class ChangedContent : public ::testing::Test {
   }
 
   /// Changes each bit of values, names and flags, and how many there are.
-  void changeVectors(Part part, const std::function<Vectors&(Content&)>& of, bool haveFlags = true) {
+  void changeVectors(Part part, const std::function<Vectors&(Content&)>& of,
+                     bool haveFlags = true) {
     changeBits(part, 3 * sizeof(int), [&](Content& made) { return of(made)["ints"].ints.data(); });
     changeBits(part, 3 * sizeof(double),
                [&](Content& made) { return of(made)["kept"].doubles.data(); });
@@ -193,9 +193,12 @@ class ChangedContent : public ::testing::Test {
 };
 
 TEST_F(ChangedContent, ShowsInEveryBitOfTheIdentification) {
-  changeText(&Fingerprint::identification, [](Content& made) -> auto& { return made.module; });
-  changeText(&Fingerprint::identification, [](Content& made) -> auto& { return made.version; });
-  changeText(&Fingerprint::identification, [](Content& made) -> auto& { return made.creator; });
+  changeText(
+      &Fingerprint::identification, [](Content & made) -> auto& { return made.module; });
+  changeText(
+      &Fingerprint::identification, [](Content & made) -> auto& { return made.version; });
+  changeText(
+      &Fingerprint::identification, [](Content & made) -> auto& { return made.creator; });
   change({&Fingerprint::identification}, [](Content& made) { made.isInput = false; });
   change({&Fingerprint::identification}, [](Content& made) {
     made.module += made.version[0];  // moves the border between two texts
@@ -221,7 +224,7 @@ TEST_F(ChangedContent, ShowsInEveryBitOfTheCells) {
       changeBits(part, (group == 0 ? 4 : 3) * sizeof(int),
                  [&](Content& made) { return made.cells[kind].groups[group].indices.data(); });
     }
-    const auto groups = [](Content& made, std::size_t of) -> auto& {
+    const auto groups = [](Content & made, std::size_t of) -> auto& {
       return made.cells[of].groups;
     };
     change({part}, [&](Content& made) { groups(made, kind)[0].nodesPerCell = 4; });
@@ -235,11 +238,13 @@ TEST_F(ChangedContent, ShowsInEveryBitOfTheCells) {
 }
 
 TEST_F(ChangedContent, ShowsInEveryBitOfTheAttributes) {
-  changeVectors(&Fingerprint::nodeAttributes,
-                [](Content& made) -> auto& { return made.nodeAttributes; });
+  changeVectors(
+      &Fingerprint::nodeAttributes, [](Content & made) -> auto& { return made.nodeAttributes; });
   for (std::size_t kind = 0; kind < 3; ++kind) {
-    changeVectors(kCellAttributes[kind],
-                  [&](Content& made) -> auto& { return made.cells[kind].attributes; });
+    changeVectors(
+        kCellAttributes[kind], [&](Content & made) -> auto& {
+          return made.cells[kind].attributes;
+        });
   }
 }
 
@@ -254,7 +259,7 @@ TEST_F(ChangedContent, ShowsInEveryBitOfTheParameters) {
     made.parameters = {{"ab", 1}, {"c", -2.5}};  // moves the border between two names
   });
   changeVectors(
-      &Fingerprint::vectorParameters, [](Content& made) -> auto& { return made.vectors; }, false);
+      &Fingerprint::vectorParameters, [](Content & made) -> auto& { return made.vectors; }, false);
 }
 
 TEST_F(ChangedContent, DoesNotShowWhereNothingIsChanged) {
@@ -296,10 +301,9 @@ TEST(EqualContent, LosesItsFlagsThroughAFlatReaderAndNothingElse) {
   const Fingerprint found = fingerprint(adopted.view());
 
   for (const Part part : kParts) {
-    const bool carriesFlags = part == &Fingerprint::nodeAttributes ||
-                              part == &Fingerprint::edgeAttributes ||
-                              part == &Fingerprint::faceAttributes ||
-                              part == &Fingerprint::elementAttributes;
+    const bool carriesFlags =
+        part == &Fingerprint::nodeAttributes || part == &Fingerprint::edgeAttributes ||
+        part == &Fingerprint::faceAttributes || part == &Fingerprint::elementAttributes;
     EXPECT_EQ(found.*part != expected.*part, carriesFlags);
   }
 }

@@ -204,17 +204,16 @@ const Storage kStorages[] = {
        const std::vector<signed char> bytes(kBytes);
        for (int i = 0; i < 40; ++i) {
          file.dataset("/bytes " + std::to_string(i), H5T_NATIVE_SCHAR, {kBytes}, bytes.data());
-         createWith(file, path, extents, H5T_NATIVE_DOUBLE, [](hid_t creation) {
-           H5Pset_alloc_time(creation, H5D_ALLOC_TIME_EARLY);
-         });
+         createWith(file, path, extents, H5T_NATIVE_DOUBLE,
+                    [](hid_t creation) { H5Pset_alloc_time(creation, H5D_ALLOC_TIME_EARLY); });
          if (!isAligned(file, path)) {
            return;
          }
          // What was in that place comes back to it.
          const std::string other = "/aligned " + std::to_string(i);
-         ASSERT_GE(H5Lmove(file.id(), path.c_str(), file.id(), other.c_str(), H5P_DEFAULT,
-                           H5P_DEFAULT),
-                   0);
+         ASSERT_GE(
+             H5Lmove(file.id(), path.c_str(), file.id(), other.c_str(), H5P_DEFAULT, H5P_DEFAULT),
+             0);
        }
        ADD_FAILURE() << "no array is misaligned";
      }}};
@@ -233,8 +232,7 @@ void storeOtherwise(const char* path, const Storage& storage) {
   storage.create(file, storage.dataset, extents);
   const hid_t dataset = H5Dopen2(file.id(), storage.dataset, H5P_DEFAULT);
   EXPECT_GE(H5Dwrite(dataset, isInts ? H5T_NATIVE_INT : H5T_NATIVE_DOUBLE, H5S_ALL, H5S_ALL,
-                     H5P_DEFAULT,
-                     isInts ? static_cast<const void*>(ints.data()) : doubles.data()),
+                     H5P_DEFAULT, isInts ? static_cast<const void*>(ints.data()) : doubles.data()),
             0);
   H5Dclose(dataset);
 }
@@ -267,8 +265,7 @@ TEST(MappedArrays, ThatAreShorterThanTheirGroupsNeedAreReadWithZeros) {
 
   const MappedFile mapped(temp.path(), orvml::Policy::tolerant);
 
-  EXPECT_EQ(readArraysOf(mapped),
-            std::string(kConnectivities) + " is shorter than it has to be\n");
+  EXPECT_EQ(readArraysOf(mapped), std::string(kConnectivities) + " is shorter than it has to be\n");
   EXPECT_EQ(mapped.findings().size(), 1U);
   EXPECT_EQ(mapped.input().elements().groups()[0].nodeIndices()[3], 0);
 }

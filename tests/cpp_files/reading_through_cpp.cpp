@@ -164,8 +164,8 @@ bool hasLost(const std::optional<orvml::Loaded>& loaded, Code reason) {
                                [&](const auto& finding) { return finding.code == reason; });
 }
 
-/// What describes a file reads no large values: what cannot be read, or takes too much memory, looks
-/// whole to it.
+/// What describes a file reads no large values: what cannot be read, or takes too much memory,
+/// looks whole to it.
 bool isWholeToDescribe(const std::optional<orvml::Loaded>& loaded) {
   return loaded && !hasLost(loaded, Code::objectUnreadable) &&
          !hasLost(loaded, Code::memoryOutOfProportion);

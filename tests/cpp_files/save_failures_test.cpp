@@ -1,5 +1,5 @@
-// The disk is full, or fails, at every stage of a save: the old file stays as it is, nothing else is
-// left, the error says what happened, and the process ends as if nothing had been.
+// The disk is full, or fails, at every stage of a save: the old file stays as it is, nothing else
+// is left, the error says what happened, and the process ends as if nothing had been.
 #include <orvml/orvml.hpp>
 
 #include "cpp_files/ended_child.h"
@@ -107,19 +107,18 @@ TEST_P(FailedSaves, KeepTheOldFileAndLeaveNothingBehind) {
 
 INSTANTIATE_TEST_SUITE_P(
     Troubles, FailedSaves,
-    ::testing::Values(
-        Trouble{"FullOnceOnWriting", SystemCall::write, Mishap::noSpace, Failing::once,
-                orvml::Code::noSpaceLeft},
-        Trouble{"FullOnWriting", SystemCall::write, Mishap::noSpace, Failing::fromThenOn,
-                orvml::Code::noSpaceLeft},
-        Trouble{"ErrorOnceOnWriting", SystemCall::write, Mishap::inputOutputError, Failing::once,
-                orvml::Code::fileNotWritten},
-        Trouble{"ErrorOnWriting", SystemCall::write, Mishap::inputOutputError, Failing::fromThenOn,
-                orvml::Code::fileNotWritten},
-        Trouble{"FullOnMoving", SystemCall::rename, Mishap::noSpace, Failing::once,
-                orvml::Code::noSpaceLeft},
-        Trouble{"ErrorOnMoving", SystemCall::rename, Mishap::inputOutputError, Failing::once,
-                orvml::Code::fileNotWritten}),
+    ::testing::Values(Trouble{"FullOnceOnWriting", SystemCall::write, Mishap::noSpace,
+                              Failing::once, orvml::Code::noSpaceLeft},
+                      Trouble{"FullOnWriting", SystemCall::write, Mishap::noSpace,
+                              Failing::fromThenOn, orvml::Code::noSpaceLeft},
+                      Trouble{"ErrorOnceOnWriting", SystemCall::write, Mishap::inputOutputError,
+                              Failing::once, orvml::Code::fileNotWritten},
+                      Trouble{"ErrorOnWriting", SystemCall::write, Mishap::inputOutputError,
+                              Failing::fromThenOn, orvml::Code::fileNotWritten},
+                      Trouble{"FullOnMoving", SystemCall::rename, Mishap::noSpace, Failing::once,
+                              orvml::Code::noSpaceLeft},
+                      Trouble{"ErrorOnMoving", SystemCall::rename, Mishap::inputOutputError,
+                              Failing::once, orvml::Code::fileNotWritten}),
     RowName());
 
 // The second flush is that of the folder, when the new file has taken its place.
@@ -165,12 +164,12 @@ TEST_P(BearableSaves, PutTheWholeNewFileThere) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Troubles, BearableSaves,
-                         ::testing::Values(Trouble{"InterruptedOnce", SystemCall::write,
-                                                   Mishap::interruption, Failing::once, {}},
-                                           Trouble{"Halves", SystemCall::write, Mishap::half,
-                                                   Failing::fromThenOn, {}}),
-                         RowName());
+INSTANTIATE_TEST_SUITE_P(
+    Troubles, BearableSaves,
+    ::testing::Values(
+        Trouble{"InterruptedOnce", SystemCall::write, Mishap::interruption, Failing::once, {}},
+        Trouble{"Halves", SystemCall::write, Mishap::half, Failing::fromThenOn, {}}),
+    RowName());
 
 // A process that is killed at every single write, or before the move, leaves the old file.
 class KilledSaves : public FailedSaves {};

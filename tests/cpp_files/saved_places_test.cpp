@@ -173,9 +173,8 @@ TEST_F(SavedPlaces, FilesWithoutWriteRightAreRefused) {
   ASSERT_EQ(::chmod(path_.c_str(), 0444), 0);
   ASSERT_EQ(::chmod(folder_.path().c_str(), 0777), 0);
 
-  const int status = asAnybody([&] {
-    return codeOf([&] { orvml::save(path_, new_); }) == Code::filePermissionDenied;
-  });
+  const int status = asAnybody(
+      [&] { return codeOf([&] { orvml::save(path_, new_); }) == Code::filePermissionDenied; });
 
   EXPECT_EQ(status, 0);
   expectOld(path_);
