@@ -140,9 +140,13 @@ MappedFile& MappedFile::operator=(MappedFile&& other) noexcept = default;
 
 MappedFile::~MappedFile() = default;
 
-bool MappedFile::hasInput() const noexcept { return content_->input != nullptr; }
+bool MappedFile::hasInput() const noexcept {
+  return content_ != nullptr && content_->input != nullptr;
+}
 
-bool MappedFile::hasOutput() const noexcept { return content_->output != nullptr; }
+bool MappedFile::hasOutput() const noexcept {
+  return content_ != nullptr && content_->output != nullptr;
+}
 
 InputView MappedFile::input() const& {
   return InputView(detail::partsOf(content_->documentOf(Kind::input)));

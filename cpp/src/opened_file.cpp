@@ -33,8 +33,8 @@ namespace {
     case EPERM:
       throw Error(Code::filePermissionDenied, "permission to read it is denied", {path, {}, {}});
     default:
-      throw Error(Code::fileUnreachable,
-                  std::string("cannot be opened: ") + std::strerror(error), {path, {}, {}});
+      throw Error(Code::fileUnreachable, std::string("cannot be opened: ") + std::strerror(error),
+                  {path, {}, {}});
   }
 }
 

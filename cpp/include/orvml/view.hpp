@@ -145,7 +145,7 @@ class ORVML_EXPORT NodesView {
   [[nodiscard]] std::span<const double> operator[](int node) const {
     const auto width = static_cast<std::size_t>(dimension_);
     const auto begin = static_cast<std::size_t>(node) * width;
-    if (node < 0 || begin + width > coordinates_.size()) {
+    if (node < 0 || node >= size_ || begin + width > coordinates_.size()) {
       throwOutOfRange();
     }
     return coordinates_.subspan(begin, width);
