@@ -73,8 +73,7 @@ int OrvInputAndOrvOutput::ReadSpatialDimension(SourceFile& file, const OpenGroup
     return kFailed;
   }
   if (readValues(dataset.id.get(), &dimension) != kOk) {
-    file.report(Trouble::unreadable, document, layout::kDimension,
-                [] { return "cannot be read"; });
+    file.report(Trouble::unreadable, document, layout::kDimension, [] { return "cannot be read"; });
     return kFailed;
   }
   meshDimension = dimension;
