@@ -4,12 +4,7 @@
 
 namespace orvml::detail {
 
-FailureWatch::FailureWatch() noexcept {
-  (void)H5Eget_auto2(H5E_DEFAULT, &handler_, &data_);
-  (void)H5Eset_auto2(H5E_DEFAULT, remember, this);
-}
-
-FailureWatch::~FailureWatch() { (void)H5Eset_auto2(H5E_DEFAULT, handler_, data_); }
+FailureWatch::FailureWatch() noexcept { (void)H5Eset_auto2(H5E_DEFAULT, remember, this); }
 
 herr_t FailureWatch::remember(hid_t /*stack*/, void* watch) {
   try {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "hdf5/silence.h"
+
 #include <hdf5.h>
 
 #include <string>
@@ -15,7 +17,7 @@ class FailureWatch {
   FailureWatch& operator=(const FailureWatch&) = delete;
   FailureWatch(FailureWatch&&) = delete;
   FailureWatch& operator=(FailureWatch&&) = delete;
-  ~FailureWatch();
+  ~FailureWatch() = default;
 
   [[nodiscard]] const std::string& lastReason() const noexcept { return lastReason_; }
   void forget() noexcept { lastReason_.clear(); }
@@ -23,8 +25,7 @@ class FailureWatch {
  private:
   static herr_t remember(hid_t stack, void* watch);
 
-  H5E_auto2_t handler_ = nullptr;
-  void* data_ = nullptr;
+  orvml_io::Silence restoresTheCallersHandler_;
   std::string lastReason_;
 };
 
