@@ -7,7 +7,8 @@
                                           without which Breathe takes them for global ones
 
 What is no part of the reference is left out: overloads that only refuse, what the compiler writes by
-itself, private members and the concepts behind templates, which the comments put into words.
+itself, private members, definitions of what a class declares and the concepts behind templates, which
+the comments put into words.
 """
 import pathlib
 import re
@@ -27,7 +28,7 @@ PAGES = {
     "version": "Versions",
 }
 NO_PART = re.compile(r"= (?:delete|default);|~\w+\(|operator=\(|&& other\)|^ *friend |^ *using Document::|"
-                     r"\[\[noreturn\]\]|\bconcept\b|^class \w+;", re.M)
+                     r"\[\[noreturn\]\]|\bconcept\b|^class \w+;|^inline \w+ \w+::\w+\(", re.M)
 NOT_PUBLIC = re.compile(r"^ (?:protected|private):\n.*?(?=^\};)|"
                         r"^namespace (?:orvml_io|detail) \{.*?^\}.*?\n", re.M | re.S)
 

@@ -5,7 +5,7 @@ import re
 from sphinx import addnodes
 
 ENTRY = re.compile(r"(?:orvml::)?(?:(?P<scope>[\w:]+)::)?(?P<prefix>OrvML_IO_|ORVML_IO_|ORVML_)?"
-                   r"(?P<own>\w+(?:\[\])?) \(C\+\+ (?P<kind>\w+)\)")
+                   r"(?P<own>operator[^\w ]+|\w+(?:\[\])?) \(C\+\+ (?P<kind>\w+)\)")
 PREFIX = re.compile(r"^(OrvML_IO_|ORVML_IO_)")
 WORD_ENDS = re.compile(r"(?<=[a-z0-9])(?=[A-Z])|(?<=_)")
 ZERO_WIDTH_SPACE = "\u200b"
