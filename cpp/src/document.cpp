@@ -3,8 +3,8 @@
 #include "core_views.h"
 #include "document_access.h"
 #include "hdf5/extents.h"
-#include "model/limits.h"
-#include "names.h"
+#include "lent_values.h"
+#include "requirements.h"
 
 #include <string>
 
@@ -80,29 +80,6 @@ const char* nameOf(Entity entity) noexcept {
   }
 }
 
-/// Makes the borrowed values of a vector an entry of a store, and releases what it replaces.
-void storeBorrowed(OML_AttributesVector& store, const Attribute& vector) {
-  const std::string name(vector.name);
-  std::visit(
-      [&](auto values) {
-        using Value = std::remove_const_t<typename decltype(values)::element_type>;
-        static constexpr Value kNone = {};
-        // A vector of no values has a block all the same.
-        const Value* data = values.empty() ? &kNone : values.data();
-        store.Delete(name.c_str());
-        store.SetBlock(name.c_str(), orvml_io::borrowedBlock(data), orvml_io::codeOf<Value>(),
-                       static_cast<int>(values.size()), vector.mustBeTransmitted);
-      },
-      vector.values);
-}
-
-void requireLength32(std::size_t length) {
-  if (length > static_cast<std::size_t>(orvml_io::kMostValues)) {
-    throw Error(Code::tooManyValues,
-                std::to_string(length) + " values are more than 32 bits count");
-  }
-}
-
 /// What the core keeps of groups of cells.
 struct GroupArrays {
   NewArray<int> cells;
@@ -113,8 +90,7 @@ struct GroupArrays {
 
 /// Throws where the sizes do not fit each other or the node indices.
 GroupArrays arraysOf(const std::vector<GroupSize>& groups, std::size_t numberOfIndices) {
-  requireLength32(groups.size());
-  const int length = static_cast<int>(groups.size());
+  const int length = detail::require32(groups.size());
   GroupArrays arrays{makeNewArray<int>(length), makeNewArray<ElemType>(length),
                      makeNewArray<int>(length), 0};
   for (std::size_t i = 0; i < groups.size(); ++i) {
@@ -175,17 +151,7 @@ Identification Document::identification() const& noexcept {
 }
 
 void Document::setIdentification(const Identification& identification) {
-  detail::requireIdentification(identification.moduleName, "the name of the module");
-  detail::requireIdentification(identification.moduleFormatVersion,
-                                "the format version of the module");
-  detail::requireIdentification(identification.creator, "the name of the creator");
-  // Copies first: the texts may be those of this document.
-  const std::string name(identification.moduleName);
-  const std::string version(identification.moduleFormatVersion);
-  const std::string creator(identification.creator);
-  orvml_io::copyIdentification(core().moduleName, name.c_str());
-  orvml_io::copyIdentification(core().moduleFormatVersion, version.c_str());
-  orvml_io::copyIdentification(core().ioCreator, creator.c_str());
+  detail::setIdentification(identification, core());
 }
 
 int Document::dimension() const noexcept { return core().meshDimension; }
@@ -212,9 +178,7 @@ std::vector<GroupSize> Document::oneGroup(Shape shape, int nodesPerCell, std::si
     throw Error(Code::sizesDisagree, std::to_string(indices) + " node indices are no cells of " +
                                          std::to_string(nodesPerCell) + " nodes");
   }
-  requireLength32(indices);
-  return {
-      {shape, nodesPerCell, static_cast<int>(indices / static_cast<std::size_t>(nodesPerCell))}};
+  return {{shape, nodesPerCell, detail::require32(indices) / nodesPerCell}};
 }
 
 void Document::setNodes(std::span<const double> coordinates, Keeper keeper) {
@@ -290,10 +254,9 @@ bool Document::removeParameter(std::string_view name) {
 }
 
 void Document::setVectorParameter(const Attribute& vector, Keeper keeper) {
-  detail::requireName(vector.name, "the vector parameter");
-  requireLength32(vector.size());
+  detail::requireVector(vector, "the vector parameter");
   Keeper& kept = content_->keepers[{DocumentContent::kOfNoEntity, std::string(vector.name)}];
-  storeBorrowed(core().parametersVector, vector);
+  detail::lend(vector, core().parametersVector);
   kept = std::move(keeper);
 }
 
@@ -317,7 +280,7 @@ void Document::setAttribute(Entity entity, const Attribute& attribute, Keeper ke
                 {{}, std::string(attribute.name), {}});
   }
   Keeper& kept = content_->keepers[{static_cast<int>(entity), std::string(attribute.name)}];
-  storeBorrowed(*store, attribute);
+  detail::lend(attribute, *store);
   kept = std::move(keeper);
 }
 

@@ -1,12 +1,12 @@
 #include "opened_file.h"
 
+#include "file_checks.h"
 #include "hdf5/exchange_file.h"
 #include "hdf5/layout.h"
 #include "hdf5/probes.h"
 #include "hdf5/silence.h"
 
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -38,18 +38,12 @@ namespace {
   }
 }
 
-/// Opens what is a file; to open anything else may change it, or wait.
 Descriptor openRegularFile(const std::filesystem::path& path, std::uint64_t& bytes) {
   struct stat status = {};
   if (::stat(path.c_str(), &status) != 0) {
     throwSystemError(errno, path);
   }
-  if (S_ISDIR(status.st_mode)) {
-    throw Error(Code::fileIsADirectory, "is a folder, not a file", {path, {}, {}});
-  }
-  if (!S_ISREG(status.st_mode)) {
-    throw Error(Code::fileNotRegular, "is a device or a pipe, not a file", {path, {}, {}});
-  }
+  requireRegularFile(status, path);
   Descriptor descriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
   if (descriptor.get() < 0 || ::fstat(descriptor.get(), &status) != 0) {
     throwSystemError(errno, path);
@@ -73,11 +67,6 @@ bool hasHdf5Signature(int descriptor, std::uint64_t bytes) {
   return false;
 }
 
-/// Whether somebody writes the file. A file system without locks tells of nobody.
-bool isHeldForWriting(int descriptor) noexcept {
-  return ::flock(descriptor, LOCK_SH | LOCK_NB) != 0 && errno == EWOULDBLOCK;
-}
-
 /// Tells whether HDF5 reads the file behind a descriptor, byte by byte.
 bool isSameFile(hid_t file, int descriptor) {
   const orvml_io::PropertyListId access(H5Fget_access_plist(file));
@@ -98,8 +87,7 @@ bool isSameFile(hid_t file, int descriptor) {
     throw Error(Code::fileEmpty, "is empty", {path, {}, reason});
   }
   if (isHeldForWriting(descriptor)) {
-    throw Error(Code::fileHeldForWriting,
-                "is held open for writing by another process, or by this one", {path, {}, reason});
+    throwHeldForWriting(path, reason);
   }
   if (!hasHdf5Signature(descriptor, bytes)) {
     throw Error(Code::fileNotHdf5, "is not an HDF5 file", {path, {}, reason});

@@ -2,10 +2,10 @@
 
 #include <orvml/error.hpp>
 
+#include "file_checks.h"
 #include "hdf5/new_file.h"
 
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -84,9 +84,9 @@ void SafeFile::lockOld(const std::filesystem::path& target) {
   if (!old_.valid()) {
     old_ = Descriptor(::open(target.c_str(), O_WRONLY | O_CLOEXEC));
   }
-  if (old_.valid() && ::flock(old_.get(), LOCK_SH | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
-    throw Error(Code::fileHeldForWriting,
-                "is held open for writing by another process, or by this one", {path_, {}, {}});
+  // The lock stays: nobody may begin to write what is about to be replaced.
+  if (old_.valid() && isHeldForWriting(old_.get())) {
+    throwHeldForWriting(path_, {});
   }
 }
 
@@ -99,13 +99,8 @@ void SafeFile::prepare() {
   if (!isThere && errno != ENOENT) {
     throwSystemError(errno);
   }
-  if (isThere && S_ISDIR(status.st_mode)) {
-    throw Error(Code::fileIsADirectory, "is a folder, not a file", {path_, {}, {}});
-  }
-  if (isThere && !S_ISREG(status.st_mode)) {
-    throw Error(Code::fileNotRegular, "is a device or a pipe, not a file", {path_, {}, {}});
-  }
   if (isThere) {
+    requireRegularFile(status, path_);
     lockOld(target);
   }
   beside_ = FileBeside::make(target.string(), isThere ? kOfTheOwner : kOfNewFiles);

@@ -1,11 +1,11 @@
 #include <orvml/save.hpp>
 
-#include "core_views.h"
 #include "hdf5/datasets.h"
 #include "hdf5/layout.h"
+#include "lent_values.h"
 #include "model/document.h"
 #include "model/names.h"
-#include "names.h"
+#include "requirements.h"
 #include "safe_file.h"
 
 #include <optional>
@@ -22,31 +22,11 @@ using orvml_io::Elems;
 using orvml_io::OML_AttributesVector;
 using orvml_io::OrvInputAndOrvOutput;
 
-[[noreturn]] void throwTooMany(const char* what) {
-  throw Error(Code::tooManyValues, std::string(what) + " are more than 32 bits count");
-}
-
-int length32(std::size_t length, const char* what) {
-  if (length > static_cast<std::size_t>(orvml_io::kMostValues)) {
-    throwTooMany(what);
-  }
-  return static_cast<int>(length);
-}
-
 /// Makes the vectors of a view entries of a store, which borrows their values.
-void borrow(const Attributes& vectors, const char* what, OML_AttributesVector& store) {
+void lendAll(const Attributes& vectors, const char* what, OML_AttributesVector& store) {
   for (const Attribute& vector : vectors) {
-    detail::requireName(vector.name, what);
-    const int length = length32(vector.size(), "the values of a vector");
-    std::visit(
-        [&](auto values) {
-          using Value = std::remove_const_t<typename decltype(values)::element_type>;
-          static constexpr Value kNone = {};
-          const Value* data = values.empty() ? &kNone : values.data();
-          store.SetBlock(std::string(vector.name).c_str(), orvml_io::borrowedBlock(data),
-                         orvml_io::codeOf<Value>(), length, vector.mustBeTransmitted);
-        },
-        vector.values);
+    detail::requireVector(vector, what);
+    detail::lend(vector, store);
   }
 }
 
@@ -61,12 +41,12 @@ class WrittenCells {
       cellsPerGroup_.push_back(group.size());
     }
     elems_.numberOfElements = cells.size();
-    elems_.numberOfElementTypes = length32(shapes_.size(), "the groups of cells");
+    elems_.numberOfElementTypes = detail::require32(shapes_.size());
     elems_.elementTypes = shapes_.data();
     elems_.numberOfNodesByElement = nodesPerCell_.data();
     elems_.numberOfElementsByType = cellsPerGroup_.data();
     elems_.setConnectivities(orvml_io::borrowedArray(nodeIndicesOf(cells)));
-    borrow(cells.attributes(), what, elems_.attributes);
+    lendAll(cells.attributes(), what, elems_.attributes);
   }
   WrittenCells(const WrittenCells&) = delete;
   WrittenCells& operator=(const WrittenCells&) = delete;
@@ -115,13 +95,13 @@ class WrittenDocument {
         faces_(view.faces(), "the attribute"),
         elements_(view.elements(), "the attribute") {
     detail::requireDimension(view.dimension());
-    setIdentification(view.identification());
+    detail::setIdentification(view.identification(), document_);
     setNodes(view);
     for (const Parameter& parameter : view.parameters()) {
       detail::requireName(parameter.name, "the parameter");
       document_.parametersScalar.Set(std::string(parameter.name).c_str(), parameter.value);
     }
-    borrow(view.vectorParameters(), "the vector parameter", document_.parametersVector);
+    lendAll(view.vectorParameters(), "the vector parameter", document_.parametersVector);
     document_.meshDimension = view.dimension();
     // Last, when nothing can fail any more: the document would release them.
     document_.nodes = nodes_.numberOfNodes == 0 ? nullptr : &nodes_;
@@ -144,18 +124,6 @@ class WrittenDocument {
   [[nodiscard]] const OrvInputAndOrvOutput& document() const noexcept { return document_; }
 
  private:
-  void setIdentification(const Identification& identification) {
-    detail::requireIdentification(identification.moduleName, "the name of the module");
-    detail::requireIdentification(identification.moduleFormatVersion,
-                                  "the format version of the module");
-    detail::requireIdentification(identification.creator, "the name of the creator");
-    orvml_io::copyIdentification(document_.moduleName,
-                                 std::string(identification.moduleName).c_str());
-    orvml_io::copyIdentification(document_.moduleFormatVersion,
-                                 std::string(identification.moduleFormatVersion).c_str());
-    orvml_io::copyIdentification(document_.ioCreator, std::string(identification.creator).c_str());
-  }
-
   void setNodes(const DocumentView& view) {
     const NodesView& nodes = view.nodes();
     if (nodes.size() == 0) {
@@ -172,7 +140,7 @@ class WrittenDocument {
     nodes_.setCoordinates(orvml_io::borrowedArray(nodes.coordinates().data()),
                           static_cast<long long>(nodes.coordinates().size()));
     nodes_.numberOfNodes = nodes.size();
-    borrow(nodes.attributes(), "the attribute", nodes_.attributes);
+    lendAll(nodes.attributes(), "the attribute", nodes_.attributes);
   }
 
   orvml_io::Nodes nodes_;

@@ -2,8 +2,8 @@
 #include <orvml/version.hpp>
 #include <orvml/view.hpp>
 
-#include "model/limits.h"
 #include "model/names.h"
+#include "requirements.h"
 
 #include <algorithm>
 #include <array>
@@ -48,21 +48,14 @@ const Named& entryOf(const std::vector<Named>& list, std::string_view name) {
   throw Error(Code::nameNotFound, "nothing is called \"" + text + "\"", {{}, text, {}});
 }
 
-int size32(std::size_t size) {
-  if (size > static_cast<std::size_t>(orvml_io::kMostValues)) {
-    throw Error(Code::tooManyValues, std::to_string(size) + " values are more than 32 bits count");
-  }
-  return static_cast<int>(size);
-}
-
 /// How many rows of `width` values there are.
 int rowsOf(std::size_t values, int width, const char* what) {
   if (width < 1 || values % static_cast<std::size_t>(width) != 0) {
     throw Error(Code::sizesDisagree,
                 std::to_string(values) + " values are no rows of " + std::to_string(width) + what);
   }
-  (void)size32(values);
-  return size32(values / static_cast<std::size_t>(width));
+  (void)detail::require32(values);
+  return detail::require32(values / static_cast<std::size_t>(width));
 }
 
 template <class Value>
@@ -193,10 +186,10 @@ CellsView::CellsView(std::vector<CellGroup> groups, Attributes attributes)
     cells += static_cast<std::size_t>(group.size());
     indices += group.nodeIndices().size();
   }
-  (void)size32(indices);
-  size_ = size32(cells);
+  (void)detail::require32(indices);
+  size_ = detail::require32(cells);
   if (!groups.empty()) {
-    (void)size32(groups.size());
+    (void)detail::require32(groups.size());
     groups_ = std::make_shared<const std::vector<CellGroup>>(std::move(groups));
   }
 }

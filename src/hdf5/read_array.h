@@ -6,7 +6,6 @@
 #include "values/blocks.h"
 
 #include <string>
-#include <type_traits>
 
 namespace orvml_io {
 

@@ -56,21 +56,21 @@ struct Origin {
   }
 };
 
+const Origin kOrigins[] = {{"Built", fullInput},
+                           {"Cloned", [] { return fullInput().clone(); }},
+                           {"Loaded", loaded},
+                           {"AdoptedCopy", adoptedCopy},
+                           {"ReleasedAndAdopted", releasedAndAdopted},
+                           // The readers of the flat interface do not bring flags, by contract.
+                           {"AdoptedAfterReading", adoptedAfterReading, false}};
+
 class ListsOfADocument : public ::testing::TestWithParam<Origin> {
  protected:
   const Input input_ = GetParam().make();
   const std::string flag_ = GetParam().hasFlags ? " transmitted" : "";
 };
 
-INSTANTIATE_TEST_SUITE_P(
-    Each, ListsOfADocument,
-    ::testing::Values(Origin{"Built", fullInput},
-                      Origin{"Cloned", [] { return fullInput().clone(); }},
-                      Origin{"Loaded", loaded}, Origin{"AdoptedCopy", adoptedCopy},
-                      Origin{"ReleasedAndAdopted", releasedAndAdopted},
-                      // The readers of the flat interface do not bring flags, by contract.
-                      Origin{"AdoptedAfterReading", adoptedAfterReading, false}),
-    RowName());
+INSTANTIATE_TEST_SUITE_P(Each, ListsOfADocument, ::testing::ValuesIn(kOrigins), RowName());
 
 TEST_P(ListsOfADocument, TellTheAttributesOfEachEntity) {
   EXPECT_EQ(contentOf(input_.attributes(Entity::nodes)),
@@ -100,14 +100,7 @@ TEST_P(ListsOfADocument, TellTheSameThroughTheWholeView) {
 
 class ChangedDocument : public ListsOfADocument {};
 
-INSTANTIATE_TEST_SUITE_P(
-    Each, ChangedDocument,
-    ::testing::Values(Origin{"Built", fullInput},
-                      Origin{"Cloned", [] { return fullInput().clone(); }},
-                      Origin{"Loaded", loaded}, Origin{"AdoptedCopy", adoptedCopy},
-                      Origin{"ReleasedAndAdopted", releasedAndAdopted},
-                      Origin{"AdoptedAfterReading", adoptedAfterReading, false}),
-    RowName());
+INSTANTIATE_TEST_SUITE_P(Each, ChangedDocument, ::testing::ValuesIn(kOrigins), RowName());
 
 TEST_P(ChangedDocument, HoldsWhatItWasGivenLast) {
   Input input = GetParam().make();

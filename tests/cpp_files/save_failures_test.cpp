@@ -2,8 +2,8 @@
 // is left, the error says what happened, and the process ends as if nothing had been.
 #include <orvml/orvml.hpp>
 
-#include "cpp_files/ended_child.h"
 #include "cpp_files/sample.h"
+#include "faults/child.h"
 #include "faults/finding.h"
 #include "faults/small_disk.h"
 #include "faults/transfers.h"
@@ -12,6 +12,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <ostream>
 #include <sstream>
 
@@ -59,13 +60,18 @@ std::string answerOf(const Save& save) {
   return answer + openings(ids, descriptors);
 }
 
+/// Runs work in a process that ends as programs do.
+ChildEnd runProgram(const std::function<std::string()>& work) {
+  return runInChild(work, Ending::withExitFunctions);
+}
+
 class FailedSaves : public ::testing::TestWithParam<Trouble> {
  protected:
   FailedSaves() { orvml::save(path_, old_); }
 
   /// Saves in a child of its own while the n-th call comes to grief.
-  EndedChild saveDespite(int n) {
-    return endedChild([&] {
+  ChildEnd saveDespite(int n) {
+    return runProgram([&] {
       const FailingSystemCall failure(GetParam().call, n, GetParam().mishap, GetParam().failing);
       const std::string answer = answerOf([&] { orvml::save(path_, new_); });
       return failure.happened() ? answer : kNothingLeft;
@@ -87,7 +93,7 @@ TEST_P(FailedSaves, KeepTheOldFileAndLeaveNothingBehind) {
   int n = 1;
   for (;; n += kFailureStep) {
     SCOPED_TRACE("failure " + std::to_string(n));
-    const EndedChild child = saveDespite(n);
+    const ChildEnd child = saveDespite(n);
     EXPECT_EQ(child.signal, 0);
     EXPECT_EQ(child.status, 0);
     if (child.text == kNothingLeft) {
@@ -125,7 +131,7 @@ INSTANTIATE_TEST_SUITE_P(
 class FailedFlushes : public FailedSaves {};
 
 TEST_P(FailedFlushes, OfTheFileKeepTheOldOne) {
-  const EndedChild child = saveDespite(1);
+  const ChildEnd child = saveDespite(1);
 
   EXPECT_EQ(child.text, text(GetParam().code));
   EXPECT_EQ(child.status, 0);
@@ -133,7 +139,7 @@ TEST_P(FailedFlushes, OfTheFileKeepTheOldOne) {
 }
 
 TEST_P(FailedFlushes, OfTheFolderAreNoFailure) {
-  const EndedChild child = endedChild([&] {
+  const ChildEnd child = runProgram([&] {
     const FailingSystemCall failure(SystemCall::flush, 2, GetParam().mishap);
     return answerOf([&] { orvml::save(path_, new_); });
   });
@@ -178,7 +184,7 @@ TEST_P(KilledSaves, LeaveTheOldFileAndAtMostAHiddenOne) {
   int kills = 0;
   for (int n = 1;; n += kFailureStep) {
     SCOPED_TRACE("call " + std::to_string(n));
-    const EndedChild child = saveDespite(n);
+    const ChildEnd child = saveDespite(n);
     if (child.signal != SIGKILL) {
       EXPECT_EQ(child.text, kNothingLeft);
       break;
@@ -226,7 +232,7 @@ TEST(SavesOnAFullDisk, KeepTheOldFileUntilBothFit) {
   const orvml::Input made = inputWithEverything("new");
   std::vector<std::string> answers;
   for (std::size_t pages = 1; pages < 100; ++pages) {
-    const EndedChild child = endedChild([&] { return answerOnDisk(pages * kPage, old, made); });
+    const ChildEnd child = runProgram([&] { return answerOnDisk(pages * kPage, old, made); });
     if (child.text == "not mounted") {
       GTEST_SKIP() << "this user may not mount file systems";
     }

@@ -5,25 +5,35 @@
 
 #include <array>
 #include <cstdio>
+#include <cstdlib>
 
 namespace orvml_io_tests {
 
 namespace {
 
-[[noreturn]] void answer(const std::function<std::string()>& work, int pipe) {
-  (void)::dup2(pipe, STDOUT_FILENO);
-  (void)::dup2(pipe, STDERR_FILENO);
-  const std::string text = work();
-  (void)std::fflush(nullptr);
+bool writeAll(const std::string& text, int pipe) {
   std::size_t written = 0;
   while (written < text.size()) {
     const ssize_t count = ::write(pipe, text.data() + written, text.size() - written);
     if (count <= 0) {
-      ::_exit(1);
+      return false;
     }
     written += static_cast<std::size_t>(count);
   }
-  ::_exit(0);
+  return true;
+}
+
+[[noreturn]] void answer(const std::function<std::string()>& work, int pipe, Ending ending) {
+  (void)::dup2(pipe, STDOUT_FILENO);
+  (void)::dup2(pipe, STDERR_FILENO);
+  const std::string text = work();
+  (void)std::fflush(nullptr);
+  const int status = writeAll(text, pipe) ? 0 : 1;
+  (void)::close(pipe);
+  if (ending == Ending::withExitFunctions) {
+    std::exit(status);
+  }
+  ::_exit(status);
 }
 
 std::string readAll(int pipe) {
@@ -38,16 +48,16 @@ std::string readAll(int pipe) {
 
 }  // namespace
 
-ChildEnd runInChild(const std::function<std::string()>& work) {
+ChildEnd runInChild(const std::function<std::string()>& work, Ending ending) {
   (void)std::fflush(nullptr);
   std::array<int, 2> ends = {-1, -1};
   if (::pipe(ends.data()) != 0) {
-    return {-1, "no pipe"};
+    return {-1, 0, "no pipe"};
   }
   const pid_t child = ::fork();
   if (child == 0) {
     (void)::close(ends[0]);
-    answer(work, ends[1]);
+    answer(work, ends[1], ending);
   }
   (void)::close(ends[1]);
   ChildEnd end;
@@ -55,11 +65,12 @@ ChildEnd runInChild(const std::function<std::string()>& work) {
   (void)::close(ends[0]);
   int status = 0;
   if (child < 0 || ::waitpid(child, &status, 0) != child) {
-    return {-1, "no child"};
+    return {-1, 0, "no child"};
   }
   end.signal = WIFSIGNALED(status) ? WTERMSIG(status) : 0;
-  if (end.signal == 0 && WEXITSTATUS(status) != 0) {
-    end.text += "\nexit status " + std::to_string(WEXITSTATUS(status));
+  end.status = WIFEXITED(status) ? WEXITSTATUS(status) : 0;
+  if (end.status != 0) {
+    end.text += "\nexit status " + std::to_string(end.status);
   }
   return end;
 }

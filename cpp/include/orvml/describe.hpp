@@ -85,6 +85,8 @@ struct Description {
 /// Describes an exchange file without reading the values of a large array; what it says does not
 /// depend on the size of the mesh, and neither does its time. It reads the sizes of the groups of
 /// cells and the table of parameters. Trouble in the file becomes a finding. Nothing stays open.
+/// Arrays that load() refuses because they would take memory out of all proportion to the file are
+/// described, for none is read.
 ///
 /// Throws Error when the file is none, as load() does. A file without any document is described.
 [[nodiscard]] ORVML_EXPORT Description describe(const std::filesystem::path& path);

@@ -16,7 +16,8 @@ struct LoadOptions {
   int threads = 1;
 };
 
-/// What a file held.
+/// What a file held. Views are of its documents, and end with them: keep it in a variable before
+/// asking for one.
 struct Loaded {
   std::optional<Input> input;
   std::optional<Output> output;

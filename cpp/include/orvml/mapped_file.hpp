@@ -27,7 +27,8 @@ struct ReadArray {
 /// without regard for its lock breaks that, and every other mapping of it.
 class ORVML_EXPORT MappedFile {
  public:
-  /// Opens and maps a file. Throws as load() does.
+  /// Opens and maps a file. Throws as load() does, but for Code::memoryOutOfProportion where a
+  /// mapped array takes no memory of its own.
   explicit MappedFile(const std::filesystem::path& path, Policy policy = Policy::strict);
   MappedFile(MappedFile&& other) noexcept;
   MappedFile& operator=(MappedFile&& other) noexcept;

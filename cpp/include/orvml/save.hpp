@@ -20,6 +20,8 @@ struct SaveOptions {
 /// allows it, its owner are kept. No array is copied, unless the groups of cells of a view do not
 /// lie one behind the other in memory. Programs that have the old file open or mapped keep its
 /// content. A file has one identification: of two documents that of the output is kept.
+/// Attributes whose lengths are not those of their nodes or cells are written as they are, for such
+/// files exist and a copy of one loses nothing.
 ///
 /// Throws Error, after which the old file is there and nothing else: Code::fileHeldForWriting when
 /// another process writes the file, Code::folderNotWritable when no file can be made beside it,

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <orvml/view.hpp>
+
+#include <cstddef>
 #include <string_view>
 
 namespace orvml::detail {
@@ -10,10 +13,17 @@ namespace orvml::detail {
 /// @param what  what has the name, for the sentence
 void requireName(std::string_view name, std::string_view what);
 
+/// Throws as requireName() and require32() do.
+void requireVector(const Attribute& vector, std::string_view what);
+
 /// Throws Code::textTooLong, or Code::nameNotAllowed for a null byte.
 void requireIdentification(std::string_view text, std::string_view what);
 
 /// Throws Code::wrongDimension for any other than 2 and 3.
 void requireDimension(int dimension);
+
+/// A number of values, cells or groups as the format counts them. Throws Code::tooManyValues for
+/// more than 32 bits count.
+int require32(std::size_t count);
 
 }  // namespace orvml::detail

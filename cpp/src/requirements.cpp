@@ -1,6 +1,4 @@
-#include "names.h"
-
-#include <orvml/error.hpp>
+#include "requirements.h"
 
 #include "model/document.h"
 #include "model/limits.h"
@@ -44,6 +42,11 @@ void requireName(std::string_view name, std::string_view what) {
   }
 }
 
+void requireVector(const Attribute& vector, std::string_view what) {
+  requireName(vector.name, what);
+  (void)require32(vector.size());
+}
+
 void requireIdentification(std::string_view text, std::string_view what) {
   constexpr std::size_t kLongest = orvml_io::kIdentificationBytes - 1;
   if (text.size() > kLongest) {
@@ -60,6 +63,13 @@ void requireDimension(int dimension) {
     throw Error(Code::wrongDimension,
                 "a mesh of dimension " + std::to_string(dimension) + ", it has to be 2 or 3");
   }
+}
+
+int require32(std::size_t count) {
+  if (count > static_cast<std::size_t>(orvml_io::kMostValues)) {
+    throw Error(Code::tooManyValues, std::to_string(count) + " values are more than 32 bits count");
+  }
+  return static_cast<int>(count);
 }
 
 }  // namespace orvml::detail
