@@ -18,8 +18,12 @@ namespace orvml::detail {
 
 namespace {
 
+using orvml_io::FreshMemory;
+
 /// What a thread reads at once; below it another thread costs more than it gains.
-constexpr std::size_t kPieceBytes = std::size_t{4} << 20;
+constexpr std::size_t kPieceBytes = 2 * FreshMemory::kHugePageBytes;
+
+constexpr int kMostThreads = 256;
 
 std::uint64_t bytesOf(int descriptor) noexcept {
   struct stat status = {};
@@ -46,16 +50,22 @@ bool readAll(int descriptor, std::uint64_t offset, char* values, std::size_t byt
 class Pieces {
  public:
   Pieces(int descriptor, const StoredValues& stored, char* values) noexcept
-      : descriptor_(descriptor), stored_(stored), values_(values) {}
+      : descriptor_(descriptor),
+        stored_(stored),
+        values_(values),
+        lead_(reinterpret_cast<std::uintptr_t>(values) % FreshMemory::kHugePageBytes) {}
 
-  void readSome() noexcept {
+  void readSome(FreshMemory& memory) noexcept {
     for (;;) {
-      const std::uint64_t begin = next_.fetch_add(kPieceBytes);
+      // Counted from the huge page that the array begins in, so that each has one reader.
+      const std::uint64_t piece = next_.fetch_add(kPieceBytes);
+      const std::uint64_t begin = piece > lead_ ? piece - lead_ : 0;
       if (begin >= stored_.bytes || hasFailed_) {
         return;
       }
-      const auto bytes =
-          static_cast<std::size_t>(std::min<std::uint64_t>(kPieceBytes, stored_.bytes - begin));
+      const std::uint64_t end = std::min(piece + kPieceBytes - lead_, stored_.bytes);
+      const auto bytes = static_cast<std::size_t>(end - begin);
+      memory.willBeWrittenWhole(values_ + begin, bytes);
       if (!readAll(descriptor_, stored_.offset + begin, values_ + begin, bytes)) {
         hasFailed_ = true;
       }
@@ -68,14 +78,17 @@ class Pieces {
   int descriptor_;
   StoredValues stored_;
   char* values_;
+  std::uint64_t lead_;
   std::atomic<std::uint64_t> next_ = 0;
   std::atomic<bool> hasFailed_ = false;
 };
 
 }  // namespace
 
-ArrayThreads::ArrayThreads(int descriptor, int threads) noexcept
-    : descriptor_(descriptor), threads_(threads) {}
+ArrayThreads::ArrayThreads(int descriptor, int threads)
+    : descriptor_(descriptor),
+      freshMemory_(static_cast<std::size_t>(std::min(threads, kMostThreads)),
+                   FreshMemory(static_cast<std::size_t>(bytesOf(descriptor)))) {}
 
 const void* ArrayThreads::lend(const orvml_io::WantedArray& /*wanted*/) { return nullptr; }
 
@@ -86,18 +99,18 @@ bool ArrayThreads::read(const orvml_io::WantedArray& wanted, void* values) {
   }
   Pieces pieces(descriptor_, stored, static_cast<char*>(values));
   const std::uint64_t mostUseful = stored.bytes / kPieceBytes;
-  const auto helpers = static_cast<std::size_t>(
-      std::min<std::uint64_t>(static_cast<std::uint64_t>(threads_), mostUseful) - 1);
+  const auto helpers =
+      static_cast<std::size_t>(std::min<std::uint64_t>(freshMemory_.size(), mostUseful) - 1);
   std::vector<std::jthread> others;
   others.reserve(helpers);
   try {
-    for (std::size_t i = 0; i < helpers; ++i) {
-      others.emplace_back([&pieces] { pieces.readSome(); });
+    for (std::size_t i = 1; i <= helpers; ++i) {
+      others.emplace_back([&pieces, &memory = freshMemory_[i]] { pieces.readSome(memory); });
     }
   } catch (const std::system_error&) {
     // Those that could be started, and this one, do it all.
   }
-  pieces.readSome();
+  pieces.readSome(freshMemory_.front());
   others.clear();
   return pieces.areRead();
 }

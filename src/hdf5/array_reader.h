@@ -31,7 +31,8 @@ class ArrayReader {
   /// nothing; null when the values have to be read.
   [[nodiscard]] virtual const void* lend(const WantedArray& wanted) = 0;
 
-  /// Fills the array from the file. Returns false when it has not, whatever is in the array then.
+  /// Fills the array, which nothing has touched before, from the file. Returns false when it has
+  /// not, whatever is in the array then.
   [[nodiscard]] virtual bool read(const WantedArray& wanted, void* values) = 0;
 };
 

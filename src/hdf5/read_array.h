@@ -9,13 +9,15 @@
 
 namespace orvml_io {
 
-/// Reads a whole dataset into an array that nothing was set in before; see readFresh(). The array
+/// Reads a whole dataset into an array that nothing has touched before; see readFresh(). The array
 /// reader of the read is asked first.
 template <class T>
 [[nodiscard]] int readInto(SourceFile& file, const WantedArray& wanted, T* values) {
   if (file.arrays() != nullptr && file.arrays()->read(wanted, values)) {
     return kOk;
   }
+  file.freshMemory()->willBeWrittenWhole(values,
+                                         static_cast<std::size_t>(wanted.length) * sizeof(T));
   return readFresh(wanted.dataset, static_cast<int>(wanted.extent.numberOfValues), values,
                    static_cast<int>(wanted.length));
 }
@@ -35,7 +37,7 @@ template <class T>
   if (!file.affords(group, subPath, readCostOf(dataset, extent, length, sizeof(T)))) {
     return nullptr;
   }
-  NewArray<T> values = makeNewArray<T>(length, file.freshMemory());
+  NewArray<T> values = makeUntouchedArray<T>(length);
   const WantedArray wanted{dataset, extent, length, codeOf<T>()};
   if (readInto(file, wanted, values.get()) != kOk) {
     file.report(Trouble::unreadable, group, subPath, [] { return "cannot be read"; });

@@ -39,7 +39,7 @@ MallocBlock VectorBatch::readBlock(const Pending& pending) {
   if (pending.lent != nullptr) {
     return borrowedBlock(pending.lent);
   }
-  MallocBlock block = makeBlock(vector.length, valueBytesOf(vector.code), file_.freshMemory());
+  MallocBlock block = makeUntouchedBlock(vector.length, valueBytesOf(vector.code));
   const WantedArray values = wanted(vector, pending.extent);
   const int status = vector.code == kIntCode
                          ? readInto(file_, values, static_cast<int*>(block.get()))

@@ -39,14 +39,20 @@ inline void willBeWrittenWhole(void* block, std::size_t bytes, FreshMemory* oper
   (operation != nullptr ? *operation : alone).willBeWrittenWhole(block, bytes);
 }
 
-/// Allocates an array without setting its values, all of which the caller sets; a count that is not
-/// positive gives an empty array. An operation that makes several large arrays passes what it has
-/// learned about fresh memory.
+/// Allocates an array without touching it, all of whose values the caller sets and announces; a
+/// count that is not positive gives an empty array.
+template <class T>
+NewArray<T> makeUntouchedArray(long long length) {
+  return NewArray<T>(new T[length > 0 ? static_cast<std::size_t>(length) : 0]);
+}
+
+/// Allocates an array as above and announces it. An operation that makes several large arrays
+/// passes what it has learned about fresh memory.
 template <class T>
 NewArray<T> makeNewArray(long long length, FreshMemory* operation = nullptr) {
-  const std::size_t count = length > 0 ? static_cast<std::size_t>(length) : 0;
-  NewArray<T> array(new T[count]);
-  willBeWrittenWhole(array.get(), count * sizeof(T), operation);
+  NewArray<T> array = makeUntouchedArray<T>(length);
+  willBeWrittenWhole(array.get(), length > 0 ? static_cast<std::size_t>(length) * sizeof(T) : 0,
+                     operation);
   return array;
 }
 
@@ -69,16 +75,26 @@ inline MallocBlock borrowedBlock(const void* values) noexcept {
                      FreeBlock{true});
 }
 
-/// Allocates a block of `length` values without setting them, all of which the caller sets. It is
-/// never null, so that a caller can tell an empty vector from a missing one; a negative length is
-/// taken as 0. The operation is passed as above.
-inline MallocBlock makeBlock(int length, std::size_t valueBytes, FreshMemory* operation = nullptr) {
-  const std::size_t bytes = (length > 0 ? static_cast<std::size_t>(length) : 1) * valueBytes;
-  MallocBlock block(std::malloc(bytes));
+/// The bytes of a block of `length` values, of which an empty one has some too.
+inline std::size_t bytesOfBlock(int length, std::size_t valueBytes) noexcept {
+  return (length > 0 ? static_cast<std::size_t>(length) : 1) * valueBytes;
+}
+
+/// Allocates a block of `length` values without touching them, all of which the caller sets and
+/// announces. It is never null, so that a caller can tell an empty vector from a missing one; a
+/// negative length is taken as 0.
+inline MallocBlock makeUntouchedBlock(int length, std::size_t valueBytes) {
+  MallocBlock block(std::malloc(bytesOfBlock(length, valueBytes)));
   if (!block) {
     throw std::bad_alloc();
   }
-  willBeWrittenWhole(block.get(), bytes, operation);
+  return block;
+}
+
+/// Allocates a block as above and announces it; the operation is passed as for arrays.
+inline MallocBlock makeBlock(int length, std::size_t valueBytes, FreshMemory* operation = nullptr) {
+  MallocBlock block = makeUntouchedBlock(length, valueBytes);
+  willBeWrittenWhole(block.get(), bytesOfBlock(length, valueBytes), operation);
   return block;
 }
 
