@@ -1,6 +1,7 @@
 #pragma once
 
 #include <orvml/describe.hpp>
+#include <orvml/diff.hpp>
 #include <orvml/document.hpp>
 #include <orvml/error.hpp>
 #include <orvml/fingerprint.hpp>
