@@ -23,6 +23,7 @@ PAGES = {
     "describe": "Descriptions",
     "fingerprint": "Fingerprints",
     "diff": "Differences",
+    "patch": "Patches",
     "interop": "Handles of the flat functions",
     "error": "Errors and findings",
     "shape": "Shapes",

@@ -191,6 +191,14 @@ TEST(Diff, KnowsNothingOfTheContractForWhatNoFileCanHold) {
   EXPECT_FALSE(report.areEqualByContract.has_value());
 }
 
+TEST(Diff, TakesGroupsWithoutCellsForNothing) {
+  const Input none({"m", "1", "c"}, 2);
+  Input empty({"m", "1", "c"}, 2);
+  empty.setCells(Entity::faces, {{Shape::triangle, 3, 0}, {Shape::quadrilateral, 4, 0}}, Ints{});
+
+  EXPECT_EQ(told(diffOf(none, empty)), "");
+}
+
 TEST(Diff, SaysWhereTheFirstAndTheLargestDifferencesAre) {
   Input changed = fullInput();
   changed.setAttribute(Entity::nodes, "size", Doubles{1, 2.5, 3, 14, 5.5}, Transmission::mandatory);

@@ -8,6 +8,7 @@
 #include <orvml/interop.hpp>
 #include <orvml/load.hpp>
 #include <orvml/mapped_file.hpp>
+#include <orvml/patch.hpp>
 #include <orvml/save.hpp>
 #include <orvml/shape.hpp>
 #include <orvml/version.hpp>
