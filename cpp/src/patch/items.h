@@ -2,12 +2,12 @@
 
 #include <orvml/view.hpp>
 
-#include <compare>
 #include <deque>
 #include <map>
 #include <optional>
 #include <span>
 #include <string>
+#include <tuple>
 #include <variant>
 #include <vector>
 
@@ -41,7 +41,9 @@ struct ItemKey {
   Section section = Section::moduleName;
   std::string name;
 
-  friend auto operator<=>(const ItemKey&, const ItemKey&) = default;
+  friend bool operator<(const ItemKey& a, const ItemKey& b) noexcept {
+    return std::tie(a.section, a.name) < std::tie(b.section, b.name);
+  }
 };
 
 struct Item {

@@ -4,6 +4,9 @@
 
 #include "requirements.h"
 
+#include <array>
+#include <bit>
+#include <cstddef>
 #include <cstring>
 #include <utility>
 
@@ -21,7 +24,8 @@ std::size_t sizeOf(const Item& item) {
 
 template <class Value>
 bool isSame(const Value& a, const Value& b) noexcept {
-  return std::memcmp(&a, &b, sizeof(Value)) == 0;
+  using Bytes = std::array<std::byte, sizeof(Value)>;
+  return std::bit_cast<Bytes>(a) == std::bit_cast<Bytes>(b);
 }
 
 template <class Value>
