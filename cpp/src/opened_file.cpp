@@ -155,14 +155,14 @@ int readAs(orvml_io::SourceFile& source,
 
 }  // namespace
 
-OpenedFile::OpenedFile(const std::filesystem::path& path)
+OpenedFile::OpenedFile(const std::filesystem::path& path, Marker marker)
     : path_(path), descriptor_(openRegularFile(path, bytes_)) {
   const orvml_io::Silence silence;
   file_ = orvml_io::FileId(H5Fopen(path.c_str(), H5F_ACC_RDONLY, H5P_DEFAULT));
   if (!file_.valid()) {
     throwUnopened(descriptor_.get(), bytes_, path, orvml_io::lastHdf5Reason());
   }
-  if (!orvml_io::IsOrvMeshLibraryIOFormat(file_.get())) {
+  if (marker == Marker::exchange && !orvml_io::IsOrvMeshLibraryIOFormat(file_.get())) {
     throw Error(Code::fileNotExchange, "is an HDF5 file without the marker of exchange files",
                 {path, {}, {}});
   }

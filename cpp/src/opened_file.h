@@ -16,12 +16,15 @@
 
 namespace orvml::detail {
 
-/// An exchange file that is open for reading: in HDF5, and beside it with a descriptor of the same
-/// file.
+/// A file, of exchange or another one, that is open for reading: in HDF5, and beside it with a
+/// descriptor of the same file.
 class OpenedFile {
  public:
+  /// What the marker of a file has to say.
+  enum class Marker { exchange, any };
+
   /// Throws Error that says why the file is none that can be read.
-  explicit OpenedFile(const std::filesystem::path& path);
+  explicit OpenedFile(const std::filesystem::path& path, Marker marker = Marker::exchange);
 
   [[nodiscard]] const std::filesystem::path& path() const noexcept { return path_; }
   [[nodiscard]] hid_t id() const noexcept { return file_.get(); }

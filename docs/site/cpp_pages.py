@@ -22,6 +22,8 @@ PAGES = {
     "mapped_file": "Mapped files",
     "describe": "Descriptions",
     "fingerprint": "Fingerprints",
+    "diff": "Differences",
+    "patch": "Patches",
     "interop": "Handles of the flat functions",
     "error": "Errors and findings",
     "shape": "Shapes",

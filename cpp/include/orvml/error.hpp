@@ -50,6 +50,11 @@ enum class Code {
   valueNotAllowed,
   memoryOutOfProportion,
 
+  // Patches
+  noPatch,
+  patchDamaged,
+  patchWrongBase,
+
   // Use of this interface
   nameNotFound,
   nameTooLong,
