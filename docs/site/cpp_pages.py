@@ -22,6 +22,7 @@ PAGES = {
     "mapped_file": "Mapped files",
     "describe": "Descriptions",
     "fingerprint": "Fingerprints",
+    "check": "Checks",
     "interop": "Handles of the flat functions",
     "error": "Errors and findings",
     "shape": "Shapes",

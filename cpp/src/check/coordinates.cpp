@@ -1,0 +1,285 @@
+#include "check/checked_mesh.h"
+#include "check/key_groups.h"
+#include "check/rules.h"
+
+#include <bit>
+#include <cmath>
+#include <limits>
+#include <tuple>
+#include <utility>
+
+namespace orvml::detail {
+
+namespace {
+
+/// Tells whether a double is finite by its bits, so that many can be tested at once.
+bool isFinite(double value) noexcept {
+  constexpr std::uint64_t kExponent = 0x7ff0000000000000U;
+  return (std::bit_cast<std::uint64_t>(value) & kExponent) != kExponent;
+}
+
+bool areAllFinite(const double* begin, const double* end) noexcept {
+  bool areAll = true;
+  for (const double* value = begin; value != end; ++value) {
+    areAll &= isFinite(*value);
+  }
+  return areAll;
+}
+
+/// The bounding box of the nodes with finite coordinates, and how far apart two of them may be to
+/// coincide.
+struct Extents {
+  std::array<double, 3> lowest = {0, 0, 0};
+  double diagonal = 0.0;
+};
+
+Extents extentsOf(const CheckedMesh& mesh) noexcept {
+  constexpr double kInfinity = std::numeric_limits<double>::infinity();
+  std::array<double, 3> lowest = {kInfinity, kInfinity, kInfinity};
+  std::array<double, 3> highest = {-kInfinity, -kInfinity, -kInfinity};
+  const auto width = static_cast<std::size_t>(mesh.dimension);
+  const double* node = mesh.coordinates;
+  for (std::int64_t i = 0; i < mesh.nodes; ++i, node += width) {
+    for (std::size_t axis = 0; axis < width; ++axis) {
+      const double value = isFinite(node[axis]) ? node[axis] : lowest[axis];
+      lowest[axis] = std::min(lowest[axis], value);
+      highest[axis] = std::max(highest[axis], value);
+    }
+  }
+  Extents extents;
+  double squares = 0.0;
+  for (std::size_t axis = 0; axis < width; ++axis) {
+    extents.lowest[axis] = lowest[axis];
+    squares = std::hypot(squares, highest[axis] - lowest[axis]);
+  }
+  extents.diagonal = squares;
+  return extents;
+}
+
+/// A grid whose cells are far larger than the tolerance, and far smaller than those of the mesh
+/// where it can be: a node lies in the cells that its surroundings overlap, which is one for nearly
+/// all nodes.
+class Grid {
+ public:
+  Grid(const CheckedMesh& mesh, const Extents& extents, double tolerance)
+      : mesh_(mesh), lowest_(extents.lowest), tolerance_(tolerance) {
+    const double fine = tolerance > 0 ? 1024 * tolerance : 1e-7 * extents.diagonal;
+    const double coarse = extents.diagonal / std::cbrt(static_cast<double>(mesh.nodes));
+    // The last one keeps the numbers of the cells within 64 bits.
+    const double width =
+        std::max({std::min(fine, coarse), 2 * tolerance, 1e-12 * extents.diagonal});
+    scale_ = width > 0 && std::isfinite(1 / width) ? 1 / width : 1;
+  }
+
+  /// Calls a function with the hash of each cell of a node.
+  template <class Function>
+  void forEachCellOf(std::int64_t node, Function function) const {
+    const int dimension = mesh_.dimension;
+    const double* point = mesh_.coordinates + node * dimension;
+    std::array<std::int64_t, 3> from = {0, 0, 0};
+    std::array<std::int64_t, 3> to = {0, 0, 0};
+    for (int axis = 0; axis < dimension; ++axis) {
+      const auto a = static_cast<std::size_t>(axis);
+      const double place = point[axis] - lowest_[a];
+      if (!isFinite(place)) {
+        return;
+      }
+      // Never negative, so that cutting the fraction off is rounding down.
+      from[a] = static_cast<std::int64_t>((place - tolerance_) * scale_ + 1);
+      to[a] = static_cast<std::int64_t>((place + tolerance_) * scale_ + 1);
+    }
+    for (std::int64_t x = from[0]; x <= to[0]; ++x) {
+      for (std::int64_t y = from[1]; y <= to[1]; ++y) {
+        for (std::int64_t z = from[2]; z <= to[2]; ++z) {
+          function(hash(x, y, z));
+        }
+      }
+    }
+  }
+
+  /// Calls a function with each node and the hash of each of its cells.
+  template <class Function>
+  void forEach(Function function) const {
+    for (std::int64_t node = 0; node < mesh_.nodes; ++node) {
+      forEachCellOf(node, [&](std::uint64_t cell) { function(node, cell); });
+    }
+  }
+
+ private:
+  static std::uint64_t hash(std::int64_t x, std::int64_t y, std::int64_t z) noexcept {
+    return scattered(static_cast<std::uint64_t>(x) * 0x8da6b343U +
+                     static_cast<std::uint64_t>(y) * 0xd8163841cb1ab3c7U +
+                     static_cast<std::uint64_t>(z) * 0x9e3779b97f4a7c15U);
+  }
+
+  const CheckedMesh& mesh_;
+  std::array<double, 3> lowest_;
+  double tolerance_;
+  double scale_ = 1;
+};
+
+/// A set of hashes, of which it may hold more than it was given.
+class HashSet {
+ public:
+  explicit HashSet(std::int64_t expected) {
+    const auto bits = std::bit_ceil(8 * static_cast<std::uint64_t>(expected) + 4096);
+    words_.resize(bits / 64);
+    mask_ = bits - 1;
+  }
+  /// Returns whether it was there before.
+  bool add(std::uint64_t hash) noexcept {
+    std::uint64_t& word = words_[(hash & mask_) / 64];
+    const std::uint64_t bit = std::uint64_t{1} << (hash % 64);
+    const bool was = (word & bit) != 0;
+    word |= bit;
+    return was;
+  }
+  [[nodiscard]] bool holds(std::uint64_t hash) const noexcept {
+    return ((words_[(hash & mask_) / 64] >> (hash % 64)) & 1U) != 0;
+  }
+
+ private:
+  std::vector<std::uint64_t> words_;
+  std::uint64_t mask_ = 0;
+};
+
+struct NodeInCell {
+  std::uint64_t cell;
+  std::int64_t node;
+};
+
+/// The nodes that share a cell of the grid, or its hash, with another one.
+std::vector<NodeInCell> nodesWithCompany(const CheckedMesh& mesh, const Grid& grid) {
+  HashSet met(mesh.nodes);
+  HashSet shared(mesh.nodes);
+  bool isAnyShared = false;
+  grid.forEach([&](std::int64_t, std::uint64_t cell) {
+    if (met.add(cell)) {
+      shared.add(cell);
+      isAnyShared = true;
+    }
+  });
+  std::vector<NodeInCell> nodes;
+  if (isAnyShared) {
+    grid.forEach([&](std::int64_t node, std::uint64_t cell) {
+      if (shared.holds(cell)) {
+        nodes.push_back({cell, node});
+      }
+    });
+  }
+  return nodes;
+}
+
+std::array<double, 3> pointOf(const CheckedMesh& mesh, std::int64_t node) noexcept {
+  const double* point = mesh.coordinates + node * mesh.dimension;
+  return {point[0], point[1], mesh.dimension == 3 ? point[2] : 0.0};
+}
+
+bool areWithin(const std::array<double, 3>& a, const std::array<double, 3>& b,
+               double tolerance) noexcept {
+  return std::hypot(a[0] - b[0], a[1] - b[1], a[2] - b[2]) <= tolerance;
+}
+
+/// A node and an earlier one at its place, in the order of coordinates.
+struct Coincidence {
+  std::int64_t node;
+  std::int64_t other;
+};
+
+/// Compares the nodes of one cell of the grid, which are in the order of their coordinates. Each is
+/// compared with so many after it that a cell with thousands of different nodes, which a hostile
+/// file may hold, takes no time to speak of.
+void compare(const CheckedMesh& mesh, std::span<const NodeInCell> nodes, double tolerance,
+             std::vector<Coincidence>& found) {
+  constexpr std::size_t kMostCompared = 32;
+  for (std::size_t i = 1; i < nodes.size(); ++i) {
+    const auto point = pointOf(mesh, nodes[i].node);
+    for (std::size_t j = i; j-- > 0 && i - j <= kMostCompared;) {
+      const auto other = pointOf(mesh, nodes[j].node);
+      if (point[0] - other[0] > tolerance) {
+        break;
+      }
+      if (areWithin(point, other, tolerance)) {
+        found.push_back({nodes[i].node, nodes[j].node});
+        break;
+      }
+    }
+  }
+}
+
+std::vector<Coincidence> coincidences(const CheckedMesh& mesh, std::vector<NodeInCell> nodes,
+                                      double tolerance) {
+  std::sort(nodes.begin(), nodes.end(),
+            [](const NodeInCell& a, const NodeInCell& b) { return a.cell < b.cell; });
+  std::vector<Coincidence> found;
+  for (auto begin = nodes.begin(); begin != nodes.end();) {
+    const auto end = std::find_if(begin, nodes.end(), [cell = begin->cell](const NodeInCell& node) {
+      return node.cell != cell;
+    });
+    if (end - begin > 1) {
+      std::sort(begin, end, [&](const NodeInCell& a, const NodeInCell& b) {
+        return std::tuple(pointOf(mesh, a.node), a.node) < std::tuple(pointOf(mesh, b.node), b.node);
+      });
+      compare(mesh, {begin, end}, tolerance, found);
+    }
+    begin = end;
+  }
+  std::sort(found.begin(), found.end(),
+            [](const Coincidence& a, const Coincidence& b) { return a.node < b.node; });
+  found.erase(std::unique(found.begin(), found.end(),
+                          [](const Coincidence& a, const Coincidence& b) { return a.node == b.node; }),
+              found.end());
+  return found;
+}
+
+}  // namespace
+
+void checkFinite(const CheckedMesh& mesh, FindingList& findings) {
+  constexpr std::int64_t kNodesPerBlock = 1024;
+  Places places = findings.places(PlaceKind::node);
+  const std::int64_t width = mesh.dimension;
+  for (std::int64_t begin = 0; mesh.coordinates != nullptr && begin < mesh.nodes;
+       begin += kNodesPerBlock) {
+    const std::int64_t end = std::min(begin + kNodesPerBlock, mesh.nodes);
+    if (areAllFinite(mesh.coordinates + begin * width, mesh.coordinates + end * width)) {
+      continue;
+    }
+    for (std::int64_t node = begin; node < end; ++node) {
+      const double* point = mesh.coordinates + node * width;
+      if (!areAllFinite(point, point + width)) {
+        places.add(node);
+      }
+    }
+  }
+  const std::string sentence = "has " + countText(places.size(), "node", "nodes") +
+                               " with a coordinate that is infinite or no number";
+  findings.add(ruleOf(CheckCode::coordinateNotFinite), mesh.nodesObject, std::move(places),
+               sentence);
+}
+
+void checkCoincidence(const CheckedMesh& mesh, double share, FindingList& findings) {
+  if (mesh.coordinates == nullptr || mesh.nodes < 2 || !(share >= 0)) {
+    return;
+  }
+  const Extents extents = extentsOf(mesh);
+  const double tolerance = share * extents.diagonal;
+  // Differences of coordinates beyond 1e308 tell nothing.
+  if (!isFinite(extents.diagonal) || !isFinite(tolerance)) {
+    return;
+  }
+  const Grid grid(mesh, extents, tolerance);
+  const auto found = coincidences(mesh, nodesWithCompany(mesh, grid), tolerance);
+  Places places = findings.places(PlaceKind::node);
+  for (const Coincidence& one : found) {
+    places.add(one.node);
+  }
+  if (!found.empty()) {
+    const std::string sentence = "has " + countText(places.size(), "node", "nodes") +
+                                 " at the place of another one; node " +
+                                 std::to_string(found.front().node) + " is where node " +
+                                 std::to_string(found.front().other) + " is";
+    findings.add(ruleOf(CheckCode::coincidentNodes), mesh.nodesObject, std::move(places), sentence);
+  }
+}
+
+}  // namespace orvml::detail
