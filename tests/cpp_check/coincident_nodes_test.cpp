@@ -20,7 +20,7 @@ TestMesh cloud(int points, double distance, unsigned seed, int dimension = 3) {
   mesh.coordinatesPerNode = dimension;
   for (int i = 0; i < points; ++i) {
     const bool isNear = i > 10 && random() % 4 == 0;
-    const auto other = random() % static_cast<unsigned>(i + 1);
+    const auto other = isNear ? random() % static_cast<unsigned>(i) : 0;
     for (int axis = 0; axis < dimension; ++axis) {
       const auto at = static_cast<std::size_t>(axis) + other * static_cast<unsigned>(dimension);
       mesh.x.push_back(isNear ? mesh.x[at] + distance * (2 * place(random) - 1) : place(random));

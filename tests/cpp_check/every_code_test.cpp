@@ -171,14 +171,14 @@ std::vector<CodeRow> rowsOfGeometry() {
        of(CheckCode::zeroSizeCell), "/OrvInput/Elements has 1 element without size",
        {{PlaceKind::element, 0}}},
       {"InvertedElement", [] { return tetrahedronOf({0, 2, 1, 3}); }, of(CheckCode::invertedCell),
-       "/OrvInput/Elements has 1 element that are inside out", {{PlaceKind::element, 0}}},
+       "/OrvInput/Elements has 1 element inside out", {{PlaceKind::element, 0}}},
       {"InvertedPrismOfTheMirroredOrder",
        [] {
          TestMesh mesh = cellOf(formOf(Shape::prism, 6));
          mesh.elements[0].indices = {0, 2, 1, 3, 5, 4};
          return mesh;
        },
-       of(CheckCode::invertedCell), "/OrvInput/Elements has 1 element that are inside out",
+       of(CheckCode::invertedCell), "/OrvInput/Elements has 1 element inside out",
        {{PlaceKind::element, 0}}},
       {"InvertedFaceOfThePlane",
        [] {
@@ -186,7 +186,7 @@ std::vector<CodeRow> rowsOfGeometry() {
          mesh.faces[0].indices = {0, 2, 1};
          return mesh;
        },
-       of(CheckCode::invertedCell), "/OrvInput/Faces has 1 face that are inside out",
+       of(CheckCode::invertedCell), "/OrvInput/Faces has 1 face inside out",
        {{PlaceKind::face, 0}}},
       {"FoldedHexahedron",
        [] {
@@ -194,7 +194,7 @@ std::vector<CodeRow> rowsOfGeometry() {
          mesh.x[18] = mesh.x[19] = mesh.x[20] = -0.5;  // the corner 6 behind corner 0
          return mesh;
        },
-       of(CheckCode::foldedCell), "/OrvInput/Elements has 1 element that are inside out in a part",
+       of(CheckCode::foldedCell), "/OrvInput/Elements has 1 element inside out in a part",
        {{PlaceKind::element, 0}}},
       {"FoldedByAMiddleNode",
        [] {
@@ -202,7 +202,7 @@ std::vector<CodeRow> rowsOfGeometry() {
          mesh.x[12] = 0.9;  // of the edge from corner 0 to 1
          return mesh;
        },
-       of(CheckCode::foldedCell), "/OrvInput/Elements has 1 element that are inside out in a part",
+       of(CheckCode::foldedCell), "/OrvInput/Elements has 1 element inside out in a part",
        {{PlaceKind::element, 0}}},
       {"FoldedQuadrilateralInSpace",
        [] {
@@ -216,7 +216,7 @@ std::vector<CodeRow> rowsOfGeometry() {
          std::swap(mesh.faces[0].indices[1], mesh.faces[0].indices[3]);
          return mesh;
        },
-       of(CheckCode::foldedCell), "/OrvInput/Faces has 1 face that are inside out in a part",
+       of(CheckCode::foldedCell), "/OrvInput/Faces has 1 face inside out in a part",
        {{PlaceKind::face, 0}}}};
 }
 
@@ -229,7 +229,7 @@ std::vector<CodeRow> rowsOfFaces() {
          return mesh;
        },
        of(CheckCode::faceWithoutElement),
-       "/OrvInput/Faces has 1 face that bound no volume element",
+       "/OrvInput/Faces has 1 face without a volume element",
        {{PlaceKind::face, 1}}},
       {"FaceSharedByThree",
        [] {
@@ -246,7 +246,7 @@ std::vector<CodeRow> rowsOfFaces() {
          mesh.faces = {{Shape::triangle, 3, {0, 1, 2, 0, 1, 3}}};
          return mesh;
        },
-       of(CheckCode::inwardFace), "/OrvInput/Faces has 1 face that look into their element",
+       of(CheckCode::inwardFace), "/OrvInput/Faces has 1 face looking inwards",
        {{PlaceKind::face, 0}}},
       {"OpenSurface", [] { return surface({0, 1, 3, 1, 2, 3, 2, 0, 3}); },
        of(CheckCode::openSurface), "/OrvInput/Faces has 3 edges between nodes with one face only",
@@ -331,6 +331,7 @@ std::vector<CodeRow> rowsOfNames() {
        [] {
          TestMesh mesh = tetrahedron();
          mesh.coordinatesPerNode = 2;
+         mesh.x.resize(8);
          return mesh;
        },
        of(orvml::Code::wrongDimension),

@@ -171,13 +171,14 @@ TestMesh columns(std::vector<double>& ratios) {
   TestMesh mesh;
   std::mt19937 random(5);
   mesh.elements = {{Shape::hexahedron, 8, {}}, {Shape::hexahedron, 8, {}}};
+  const std::vector<Vec> cube = idealCells()[3].corners;
   for (int i = 0; i < 1000; ++i) {
     ratios.push_back(1 + i);
   }
   std::shuffle(ratios.begin(), ratios.end(), random);
   for (std::size_t i = 0; i < ratios.size(); ++i) {
     auto& indices = mesh.elements[i < 300 ? 0 : 1].indices;
-    for (const auto& corner : idealCells()[3].corners) {
+    for (const Vec& corner : cube) {
       indices.push_back(mesh.nodes());
       const double left = 2 * static_cast<double>(i);
       mesh.x.insert(mesh.x.end(), {corner.x + left, corner.y, corner.z / ratios[i]});

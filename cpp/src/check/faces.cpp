@@ -184,12 +184,12 @@ void checkFaces(const CheckedMesh& mesh, FindingList& findings) {
       });
   if (mesh.elements().isWhole) {
     add(CheckCode::faceWithoutElement, mesh, std::move(trouble.withoutElement), mesh.faces().object,
-        " that bound no volume element", findings);
+        " without a volume element", findings);
   }
   add(CheckCode::faceSharedByMany, mesh, std::move(trouble.sharedByMany), mesh.elements().object,
       " that more than two elements share", findings);
   add(CheckCode::inwardFace, mesh, std::move(trouble.inward), mesh.faces().object,
-      " that look into their element", findings);
+      " looking inwards", findings);
 }
 
 }  // namespace orvml::detail

@@ -140,8 +140,8 @@ void checkJacobians(const CheckedMesh& mesh, FindingList& findings) {
       findings.add(ruleOf(code), cells.object, std::move(found), sentence);
     };
     add(CheckCode::zeroSizeCell, std::move(places.withoutSize), "without size");
-    add(CheckCode::invertedCell, std::move(places.inverted), "that are inside out");
-    add(CheckCode::foldedCell, std::move(places.folded), "that are inside out in a part");
+    add(CheckCode::invertedCell, std::move(places.inverted), "inside out");
+    add(CheckCode::foldedCell, std::move(places.folded), "inside out in a part");
   }
 }
 
