@@ -62,83 +62,112 @@ Extents extentsOf(const CheckedMesh& mesh) noexcept {
 class Grid {
  public:
   Grid(const CheckedMesh& mesh, const Extents& extents, double tolerance)
-      : mesh_(mesh), lowest_(extents.lowest), tolerance_(tolerance) {
+      : mesh_(mesh), lowest_(extents.lowest) {
     const double fine = tolerance > 0 ? 1024 * tolerance : 1e-7 * extents.diagonal;
     const double coarse = extents.diagonal / std::cbrt(static_cast<double>(mesh.nodes));
-    // The last one keeps the numbers of the cells within 64 bits.
+    // The last one keeps the numbers of the cells far within 64 bits.
     const double width =
         std::max({std::min(fine, coarse), 2 * tolerance, 1e-12 * extents.diagonal});
     scale_ = width > 0 && std::isfinite(1 / width) ? 1 / width : 1;
+    // A little more, for the rounding of places.
+    reach_ = tolerance > 0 ? std::min(0.5, tolerance * scale_ + 1e-9) : 0;
   }
 
-  /// Calls a function with the hash of each cell of a node.
+  /// Calls a function with each node and the hash of each of its cells, of nodes in a row.
   template <class Function>
-  void forEachCellOf(std::int64_t node, Function function) const {
-    const int dimension = mesh_.dimension;
-    const double* point = mesh_.coordinates + node * dimension;
-    std::array<std::int64_t, 3> from = {0, 0, 0};
-    std::array<std::int64_t, 3> to = {0, 0, 0};
-    for (int axis = 0; axis < dimension; ++axis) {
-      const auto a = static_cast<std::size_t>(axis);
-      const double place = point[axis] - lowest_[a];
-      if (!isFinite(place)) {
-        return;
-      }
-      // Never negative, so that cutting the fraction off is rounding down.
-      from[a] = static_cast<std::int64_t>((place - tolerance_) * scale_ + 1);
-      to[a] = static_cast<std::int64_t>((place + tolerance_) * scale_ + 1);
+  void forEachCell(std::int64_t first, std::int64_t last, Function function) const {
+    if (mesh_.dimension == 3) {
+      forEachCellOf<3>(first, last, function);
+    } else {
+      forEachCellOf<2>(first, last, function);
     }
-    for (std::int64_t x = from[0]; x <= to[0]; ++x) {
-      for (std::int64_t y = from[1]; y <= to[1]; ++y) {
-        for (std::int64_t z = from[2]; z <= to[2]; ++z) {
-          function(hash(x, y, z));
+  }
+
+ private:
+  /// Places are counted from 1 in cells, so that cutting the fraction off is rounding down.
+  template <std::size_t Dimension, class Function>
+  void forEachCellOf(std::int64_t first, std::int64_t last, Function& function) const {
+    const double* point = mesh_.coordinates + first * static_cast<std::int64_t>(Dimension);
+    for (std::int64_t node = first; node < last; ++node, point += Dimension) {
+      std::array<double, 3> place = {1, 1, 1};
+      bool isInside = true;
+      bool isKnown = true;
+      for (std::size_t axis = 0; axis < Dimension; ++axis) {
+        place[axis] = (point[axis] - lowest_[axis]) * scale_ + 1;
+        isKnown &= isCounted(place[axis]);
+        const double fraction = place[axis] - static_cast<double>(cellOf(place[axis]));
+        isInside &= fraction >= reach_ && fraction + reach_ < 1;
+      }
+      if (isInside && isKnown) {
+        function(node, hash(cellOf(place[0]), cellOf(place[1]), cellOf(place[2])));
+      } else if (isKnown) {
+        forEachOverlapped(node, place, static_cast<int>(Dimension), function);
+      }
+    }
+  }
+
+  template <class Function>
+  void forEachOverlapped(std::int64_t node, const std::array<double, 3>& place, int dimension,
+                         Function& function) const {
+    const double up = dimension == 3 ? reach_ : 0;
+    for (auto x = cellOf(place[0] - reach_); x <= cellOf(place[0] + reach_); ++x) {
+      for (auto y = cellOf(place[1] - reach_); y <= cellOf(place[1] + reach_); ++y) {
+        for (auto z = cellOf(place[2] - up); z <= cellOf(place[2] + up); ++z) {
+          function(node, hash(x, y, z));
         }
       }
     }
   }
 
-  /// Calls a function with each node and the hash of each of its cells.
-  template <class Function>
-  void forEach(Function function) const {
-    for (std::int64_t node = 0; node < mesh_.nodes; ++node) {
-      forEachCellOf(node, [&](std::uint64_t cell) { function(node, cell); });
-    }
+  /// Infinite places and those that are no numbers have a cell too, which is not used.
+  static std::int64_t cellOf(double place) noexcept {
+    return static_cast<std::int64_t>(isCounted(place) ? place : 0.0);
   }
+  static bool isCounted(double place) noexcept { return place >= 0 && place < kMostCells; }
 
- private:
   static std::uint64_t hash(std::int64_t x, std::int64_t y, std::int64_t z) noexcept {
-    return scattered(static_cast<std::uint64_t>(x) * 0x8da6b343U +
+    return scattered(static_cast<std::uint64_t>(x) * 0x8da6b343d8163841U +
                      static_cast<std::uint64_t>(y) * 0xd8163841cb1ab3c7U +
                      static_cast<std::uint64_t>(z) * 0x9e3779b97f4a7c15U);
   }
 
+  static constexpr double kMostCells = 1e15;
+
   const CheckedMesh& mesh_;
   std::array<double, 3> lowest_;
-  double tolerance_;
   double scale_ = 1;
+  double reach_ = 0;  // the tolerance in cells
 };
 
-/// A set of hashes, of which it may hold more than it was given.
+/// A set of hashes, of which it may hold more than it was given. It is made of some of their bits.
 class HashSet {
  public:
-  explicit HashSet(std::int64_t expected) {
-    const auto bits = std::bit_ceil(8 * static_cast<std::uint64_t>(expected) + 4096);
+  HashSet(std::uint64_t bits, unsigned shift) : shift_(shift) {
+    bits = std::bit_ceil(bits + 4096);
     words_.resize(bits / 64);
-    mask_ = bits - 1;
+    mask_ = bits / 64 - 1;
   }
+  void prefetch(std::uint64_t hash) const noexcept { __builtin_prefetch(&words_[wordOf(hash)], 1); }
   /// Returns whether it was there before.
   bool add(std::uint64_t hash) noexcept {
-    std::uint64_t& word = words_[(hash & mask_) / 64];
-    const std::uint64_t bit = std::uint64_t{1} << (hash % 64);
-    const bool was = (word & bit) != 0;
-    word |= bit;
+    std::uint64_t& word = words_[wordOf(hash)];
+    const bool was = (word & bitOf(hash)) != 0;
+    word |= bitOf(hash);
     return was;
   }
   [[nodiscard]] bool holds(std::uint64_t hash) const noexcept {
-    return ((words_[(hash & mask_) / 64] >> (hash % 64)) & 1U) != 0;
+    return (words_[wordOf(hash)] & bitOf(hash)) != 0;
   }
 
  private:
+  [[nodiscard]] std::size_t wordOf(std::uint64_t hash) const noexcept {
+    return (hash >> shift_ >> 6U) & mask_;
+  }
+  [[nodiscard]] std::uint64_t bitOf(std::uint64_t hash) const noexcept {
+    return std::uint64_t{1} << ((hash >> shift_) % 64);
+  }
+
+  unsigned shift_;
   std::vector<std::uint64_t> words_;
   std::uint64_t mask_ = 0;
 };
@@ -148,25 +177,58 @@ struct NodeInCell {
   std::int64_t node;
 };
 
-/// The nodes that share a cell of the grid, or its hash, with another one.
+/// The hashes that come twice, and a few others. Memory is reached far apart: it is asked for a
+/// block of nodes ahead.
+std::vector<std::uint64_t> repeatedHashes(const CheckedMesh& mesh, const Grid& grid) {
+  constexpr std::int64_t kNodesPerBlock = 256;
+  HashSet met(8 * static_cast<std::uint64_t>(mesh.nodes), 0);
+  std::vector<std::uint64_t> repeated;
+  std::vector<std::uint64_t> block;
+  for (std::int64_t first = 0; first < mesh.nodes; first += kNodesPerBlock) {
+    block.clear();
+    grid.forEachCell(first, std::min(first + kNodesPerBlock, mesh.nodes),
+                     [&](std::int64_t, std::uint64_t cell) {
+                       met.prefetch(cell);
+                       block.push_back(cell);
+                     });
+    for (const std::uint64_t cell : block) {
+      if (met.add(cell)) {
+        repeated.push_back(cell);
+      }
+    }
+  }
+  return repeated;
+}
+
+/// Leaves out most of those that share no cell with another one.
+void dropLonely(std::vector<NodeInCell>& nodes) {
+  HashSet met(32 * nodes.size(), 20);
+  HashSet shared(32 * nodes.size(), 20);
+  for (const NodeInCell& node : nodes) {
+    if (met.add(node.cell)) {
+      (void)shared.add(node.cell);
+    }
+  }
+  std::erase_if(nodes, [&](const NodeInCell& node) { return !shared.holds(node.cell); });
+}
+
+/// The nodes that share a cell of the grid with another one, and a few others.
 std::vector<NodeInCell> nodesWithCompany(const CheckedMesh& mesh, const Grid& grid) {
-  HashSet met(mesh.nodes);
-  HashSet shared(mesh.nodes);
-  bool isAnyShared = false;
-  grid.forEach([&](std::int64_t, std::uint64_t cell) {
-    if (met.add(cell)) {
-      shared.add(cell);
-      isAnyShared = true;
+  std::vector<NodeInCell> nodes;
+  const std::vector<std::uint64_t> repeated = repeatedHashes(mesh, grid);
+  if (repeated.empty()) {
+    return nodes;
+  }
+  HashSet shared(32 * repeated.size(), 30);
+  for (const std::uint64_t cell : repeated) {
+    (void)shared.add(cell);
+  }
+  grid.forEachCell(0, mesh.nodes, [&](std::int64_t node, std::uint64_t cell) {
+    if (shared.holds(cell)) {
+      nodes.push_back({cell, node});
     }
   });
-  std::vector<NodeInCell> nodes;
-  if (isAnyShared) {
-    grid.forEach([&](std::int64_t node, std::uint64_t cell) {
-      if (shared.holds(cell)) {
-        nodes.push_back({cell, node});
-      }
-    });
-  }
+  dropLonely(nodes);
   return nodes;
 }
 
