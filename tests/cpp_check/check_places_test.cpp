@@ -133,14 +133,14 @@ TEST(SharedFaces, AreThoseThatCountingAllFinds) {
       ++faces[face];
     }
   }
-  const auto expected = std::count_if(faces.begin(), faces.end(),
-                                      [](const auto& face) { return face.second > 2; });
+  const auto expected =
+      std::count_if(faces.begin(), faces.end(), [](const auto& face) { return face.second > 2; });
 
   const orvml::CheckReport report = mesh.checked();
 
-  const auto found = std::find_if(report.findings.begin(), report.findings.end(), [](const auto& f) {
-    return f.code == "orvml.mesh.face-shared-by-many";
-  });
+  const auto found =
+      std::find_if(report.findings.begin(), report.findings.end(),
+                   [](const auto& f) { return f.code == "orvml.mesh.face-shared-by-many"; });
   ASSERT_NE(found, report.findings.end());
   EXPECT_EQ(found->count, expected);
 }

@@ -1,5 +1,6 @@
 // The Jacobians of quadratic cells, against those of polynomials that the cells follow exactly.
 #include "check/curved_cells.h"
+
 #include "cpp_check/meshes.h"
 #include "support/row_name.h"
 

@@ -73,8 +73,7 @@ const FileRow kRows[] = {
        file.remove(kIndices);
        linkToItself(file, kIndices);
      },
-     of(Code::objectInAnotherFile),
-     "/OrvInput/Elements/connectivities is a link to another file"},
+     of(Code::objectInAnotherFile), "/OrvInput/Elements/connectivities is a link to another file"},
     {"ForeignLinkToAnotherFile", [](RawFile& file) { linkToItself(file, "/elsewhere"); },
      of(Code::objectInAnotherFile), "/elsewhere is a link to another file"},
     {"PathTooLong",
@@ -110,8 +109,7 @@ const FileRow kRows[] = {
      of(Code::objectUnreadable), "/OrvInput/ParametersVector/v cannot be read"},
     {"ForeignGroup", [](RawFile& file) { file.group("/Extras"); }, of(Code::objectForeign),
      "/Extras does not belong to the format"},
-    {"ForeignDataset",
-     [](RawFile& file) { file.intVector("/OrvInput/Elements/colours", {1}); },
+    {"ForeignDataset", [](RawFile& file) { file.intVector("/OrvInput/Elements/colours", {1}); },
      of(Code::objectForeign), "/OrvInput/Elements/colours does not belong to the format"},
     {"ForeignGroupAmongAttributes",
      [](RawFile& file) {
@@ -121,10 +119,15 @@ const FileRow kRows[] = {
      of(Code::objectForeign), "/OrvInput/ParametersVector/notes is no dataset"},
     {"GroupOfAnOldLayout", [](RawFile& file) { file.group("/OrvInput/Nodes/UserMarkers"); },
      of(Code::objectForeign), "/OrvInput/Nodes/UserMarkers does not belong to the format"},
-    {"TooManyValues", [](RawFile& file) { replaceIndices(file, {0, 1, 2, 3, 0}); },
-     of(Code::valuesTooMany),
-     "/OrvInput/Elements/connectivities has 5 entries, the groups need 4"},
-    {"TooFewValues", [](RawFile& file) { replaceIndices(file, {0, 1, 2}); },
+    {"TooManyValues",
+     [](RawFile& file) {
+       replaceIndices(file, {0, 1, 2, 3, 0});
+     },
+     of(Code::valuesTooMany), "/OrvInput/Elements/connectivities has 5 entries, the groups need 4"},
+    {"TooFewValues",
+     [](RawFile& file) {
+       replaceIndices(file, {0, 1, 2});
+     },
      of(Code::valuesTooFew), "/OrvInput/Elements/connectivities has 3 entries, the groups need 4"},
     {"NegativeCount",
      [](RawFile& file) {
@@ -198,7 +201,8 @@ TEST(CheckedFiles, AreToldWhenTheirLayoutIsOld) {
 
   const orvml::CheckReport report = orvml::check(std::filesystem::path(temp.path()));
 
-  ASSERT_EQ(codesOf(report), std::vector<std::string>{"orvml.file.legacy-layout"}) << toldOf(report);
+  ASSERT_EQ(codesOf(report), std::vector<std::string>{"orvml.file.legacy-layout"})
+      << toldOf(report);
   EXPECT_EQ(report.findings[0].sentence,
             "/ORVMESHLIBRARY_FORMAT_VERSION is 1.3, so parameters and attributes are known by "
             "their positions");

@@ -18,8 +18,9 @@ Items randomItems(int buckets, int count, unsigned seed) {
   for (int i = 0; i < count; ++i) {
     // Half of all lie in one bucket.
     const bool isCrowded = random() % 2 == 0;
-    items.emplace_back(isCrowded ? buckets / 2 : static_cast<int>(random() % static_cast<unsigned>(buckets)),
-                       random() % 1000);
+    items.emplace_back(
+        isCrowded ? buckets / 2 : static_cast<int>(random() % static_cast<unsigned>(buckets)),
+        random() % 1000);
   }
   return items;
 }

@@ -111,7 +111,8 @@ class Builder {
     for (const TestCells& group : mesh_.elements) {
       const FormOfShape& form = formOf(group.shape, group.nodes);
       isQuadratic = !form.middles.empty();
-      for (std::size_t at = 0; at < group.indices.size(); at += static_cast<std::size_t>(group.nodes)) {
+      for (std::size_t at = 0; at < group.indices.size();
+           at += static_cast<std::size_t>(group.nodes)) {
         for (const std::string& face : form.faces) {
           std::vector<int> corners;
           for (const char digit : face) {
@@ -204,11 +205,7 @@ const std::vector<FormOfShape>& formsOfShapes() {
       {"Quadrilateral8", Shape::quadrilateral, 8, {}, {"01", "12", "23", "30"}},
       {"Quadrilateral9", Shape::quadrilateral, 9, {}, {"01", "12", "23", "30", "0123"}},
       {"Tetrahedron4", Shape::tetrahedron, 4, kTetrahedron, {}},
-      {"Tetrahedron10",
-       Shape::tetrahedron,
-       10,
-       kTetrahedron,
-       {"01", "12", "20", "03", "13", "23"}},
+      {"Tetrahedron10", Shape::tetrahedron, 10, kTetrahedron, {"01", "12", "20", "03", "13", "23"}},
       {"Hexahedron8", Shape::hexahedron, 8, kHexahedron, {}},
       {"Hexahedron20", Shape::hexahedron, 20, kHexahedron, kHexahedronEdges},
       {"Hexahedron24", Shape::hexahedron, 24, kHexahedron,
@@ -217,11 +214,7 @@ const std::vector<FormOfShape>& formsOfShapes() {
        kHexahedronEdges + Faces{"0473", "1265", "0154", "3762", "0321", "4567", "01234567"}},
       {"Prism6", Shape::prism, 6, kPrism, {}},
       {"Prism12", Shape::prism, 12, kPrism, {"01", "12", "20", "34", "45", "53"}},
-      {"Prism15",
-       Shape::prism,
-       15,
-       kPrism,
-       {"01", "12", "20", "34", "45", "53", "03", "14", "25"}},
+      {"Prism15", Shape::prism, 15, kPrism, {"01", "12", "20", "34", "45", "53", "03", "14", "25"}},
       {"Prism18",
        Shape::prism,
        18,
@@ -255,7 +248,7 @@ TestMesh blockOf(const FormOfShape& form, int n) {
           return std::array<double, 3>{x + dx, y + dy, isFlat ? 0 : z + dz};
         };
         const std::vector<std::array<double, 3>> corners = {
-            at(0, 0, 0), at(1, 0, 0), at(1, 1, 0), at(0, 1, 0), at(0, 0, 1),
+            at(0, 0, 0), at(1, 0, 0), at(1, 1, 0), at(0, 1, 0),      at(0, 0, 1),
             at(1, 0, 1), at(1, 1, 1), at(0, 1, 1), at(0.5, 0.5, 0.5)};
         for (const std::vector<int>& cut : cutsOf(form.shape)) {
           std::vector<int> nodes;
@@ -292,9 +285,8 @@ TestMesh surfaceOf(const TestMesh& block) {
 }
 
 TestMesh cellOf(const FormOfShape& form) {
-  static const std::vector<std::array<double, 3>> kCube = {{0, 0, 0}, {1, 0, 0}, {1, 1, 0},
-                                                           {0, 1, 0}, {0, 0, 1}, {1, 0, 1},
-                                                           {1, 1, 1}, {0, 1, 1}};
+  static const std::vector<std::array<double, 3>> kCube = {
+      {0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}, {0, 0, 1}, {1, 0, 1}, {1, 1, 1}, {0, 1, 1}};
   static const std::map<Shape, std::vector<std::array<double, 3>>> kOthers = {
       {Shape::triangle, {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}},
       {Shape::tetrahedron, {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}}},

@@ -60,8 +60,8 @@ struct FormOfShape {
 const std::vector<FormOfShape>& formsOfShapes();
 const FormOfShape& formOf(orvml::Shape shape, int nodes);
 
-/// A block of n x n x n cubes of edge 1, cut into cells of one form, with its boundary faces. In the
-/// plane the cells are the faces.
+/// A block of n x n x n cubes of edge 1, cut into cells of one form, with its boundary faces. In
+/// the plane the cells are the faces.
 TestMesh blockOf(const FormOfShape& form, int n);
 
 /// The surface of the block alone.

@@ -150,8 +150,7 @@ TEST_P(IdealCells, HaveWorseValuesWhenTheyAreSheared) {
 INSTANTIATE_TEST_SUITE_P(Cells, IdealCells, ::testing::ValuesIn(idealCells()), RowName());
 
 TEST(ShapeFacts, HaveEdgesOfTheTwoFacesThatTheyName) {
-  for (const Shape shape :
-       {Shape::tetrahedron, Shape::hexahedron, Shape::prism, Shape::pyramid}) {
+  for (const Shape shape : {Shape::tetrahedron, Shape::hexahedron, Shape::prism, Shape::pyramid}) {
     const orvml::detail::ShapeFacts& facts = *orvml::detail::factsOf(shape);
     EXPECT_EQ(facts.edges.size() + 2, facts.faces.size() + static_cast<std::size_t>(facts.corners));
     for (const auto& edge : facts.edges) {

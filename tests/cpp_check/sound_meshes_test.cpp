@@ -93,8 +93,8 @@ INSTANTIATE_TEST_SUITE_P(Forms, SoundSurfaces, ::testing::ValuesIn(formsOfShapes
 TEST(SoundMeshesOfSeveralShapes, HaveNoFindings) {
   // A cube with a pyramid and a prism on it, and the middle layer named by an edge and a point.
   TestMesh mesh;
-  mesh.x = {0, 0, 0, 1, 0, 0, 1, 1, 0, 0, 1, 0, 0,   0,   1, 1,   0, 1,
-            1, 1, 1, 0, 1, 1, .5, .5, 2, 1.5, .5, 0, 1.5, .5, 1};
+  mesh.x = {0, 0, 0, 1, 0, 0, 1, 1,  0,  0, 1,   0,  0, 0,   1,  1, 0,
+            1, 1, 1, 1, 0, 1, 1, .5, .5, 2, 1.5, .5, 0, 1.5, .5, 1};
   mesh.elements = {{orvml::Shape::hexahedron, 8, {0, 1, 2, 3, 4, 5, 6, 7}},
                    {orvml::Shape::pyramid, 5, {4, 5, 6, 7, 8}},
                    {orvml::Shape::prism, 6, {1, 9, 2, 5, 10, 6}}};

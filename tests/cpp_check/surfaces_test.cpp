@@ -39,8 +39,7 @@ TEST(InnerFaces, MayLookToEitherSide) {
     TestMesh mesh;
     mesh.x = {0, 0, 0, 1, 0, 0, 1, 1, 0, 0, 1, 0, 0, 0, 1, 1, 0, 1,
               1, 1, 1, 0, 1, 1, 2, 0, 0, 2, 1, 0, 2, 0, 1, 2, 1, 1};
-    mesh.elements = {
-        {Shape::hexahedron, 8, {0, 1, 2, 3, 4, 5, 6, 7, 1, 8, 9, 2, 5, 10, 11, 6}}};
+    mesh.elements = {{Shape::hexahedron, 8, {0, 1, 2, 3, 4, 5, 6, 7, 1, 8, 9, 2, 5, 10, 11, 6}}};
     mesh.faces = {{Shape::quadrilateral, 4, indices}};
 
     EXPECT_EQ(toldOf(mesh.checked()), "");
@@ -52,7 +51,8 @@ TEST(FacesOfQuadraticElements, AreComparedByTheirCorners) {
   TestCells& group = mesh.faces[0];
   TestCells corners{Shape::triangle, 3, {}};
   for (std::size_t i = 0; i < group.indices.size(); i += 6) {
-    corners.indices.insert(corners.indices.end(), group.indices.begin() + static_cast<std::ptrdiff_t>(i),
+    corners.indices.insert(corners.indices.end(),
+                           group.indices.begin() + static_cast<std::ptrdiff_t>(i),
                            group.indices.begin() + static_cast<std::ptrdiff_t>(i + 3));
   }
   mesh.faces = {corners};

@@ -13,8 +13,8 @@ std::string ofGroup(const CellGroup& group, std::size_t number) {
 }
 
 /// Looks up what is known of a group; tells when it cannot be looked at further.
-const ShapeFacts* usableFactsOf(const CellGroup& group, std::size_t number, const CheckedCells& cells,
-                          int dimension, FindingList& findings) {
+const ShapeFacts* usableFactsOf(const CellGroup& group, std::size_t number,
+                                const CheckedCells& cells, int dimension, FindingList& findings) {
   const ShapeFacts* facts = factsOf(group.shape());
   if (!isKnown(group.shape())) {
     findings.add(ruleOf(CheckCode::unknownShape), cells.object,
@@ -61,9 +61,8 @@ CheckedCells cellsOf(const DocumentView& document, Entity entity, FindingList& f
 std::int64_t knownCells(const CheckedCells& cells, int shapeDimension) noexcept {
   std::int64_t count = 0;
   for (const CheckedGroup& group : cells.groups) {
-    count += group.facts != nullptr && group.facts->dimension == shapeDimension
-                 ? group.cells.size()
-                 : 0;
+    count +=
+        group.facts != nullptr && group.facts->dimension == shapeDimension ? group.cells.size() : 0;
   }
   return count;
 }

@@ -52,7 +52,9 @@ struct Believed {
   std::array<bool, 4> cells = {true, true, true, true};       ///< by Entity
   std::array<bool, 4> attributes = {true, true, true, true};  ///< by Entity
 
-  [[nodiscard]] bool holdsCells(Entity entity) const { return cells[static_cast<std::size_t>(entity)]; }
+  [[nodiscard]] bool holdsCells(Entity entity) const {
+    return cells[static_cast<std::size_t>(entity)];
+  }
 };
 
 /// A mesh that is being checked.
@@ -131,14 +133,17 @@ void checkFinite(const CheckedMesh& mesh, FindingList& findings);
 /// @param share  the tolerance as a share of the diagonal of the bounding box; negative for none
 void checkCoincidence(const CheckedMesh& mesh, double share, FindingList& findings);
 
-/// Cells without size, inside out, or folded.
-void checkJacobians(const CheckedMesh& mesh, FindingList& findings);
+/// Cells without size, inside out, or folded. Returns whether every cell is known to be sound.
+bool checkJacobians(const CheckedMesh& mesh, FindingList& findings);
 
 /// Cells with the nodes of another one.
-void checkDuplicates(const CheckedMesh& mesh, FindingList& findings);
+///
+/// @param ofElements  whether elements are looked at, too
+void checkDuplicates(const CheckedMesh& mesh, bool ofElements, FindingList& findings);
 
-/// Faces and volume elements beside each other.
-void checkFaces(const CheckedMesh& mesh, FindingList& findings);
+/// Faces and volume elements beside each other. Returns whether no two elements are on one side of
+/// a face, as two sound ones with the same nodes are.
+bool checkFaces(const CheckedMesh& mesh, FindingList& findings);
 
 /// Faces of a surface, or of a mesh in the plane, beside each other.
 void checkSurface(const CheckedMesh& mesh, FindingList& findings);

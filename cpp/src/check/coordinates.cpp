@@ -1,4 +1,5 @@
 #include "check/checked_mesh.h"
+#include "check/hash_company.h"
 #include "check/key_groups.h"
 #include "check/rules.h"
 
@@ -73,22 +74,22 @@ class Grid {
     reach_ = tolerance > 0 ? std::min(0.5, tolerance * scale_ + 1e-9) : 0;
   }
 
-  /// Calls a function with each node and the hash of each of its cells, of nodes in a row.
+  /// Calls a function with each node and the hash of each of its cells.
   template <class Function>
-  void forEachCell(std::int64_t first, std::int64_t last, Function function) const {
+  void forEachCell(Function function) const {
     if (mesh_.dimension == 3) {
-      forEachCellOf<3>(first, last, function);
+      forEachCellOf<3>(function);
     } else {
-      forEachCellOf<2>(first, last, function);
+      forEachCellOf<2>(function);
     }
   }
 
  private:
   /// Places are counted from 1 in cells, so that cutting the fraction off is rounding down.
   template <std::size_t Dimension, class Function>
-  void forEachCellOf(std::int64_t first, std::int64_t last, Function& function) const {
-    const double* point = mesh_.coordinates + first * static_cast<std::int64_t>(Dimension);
-    for (std::int64_t node = first; node < last; ++node, point += Dimension) {
+  void forEachCellOf(Function& function) const {
+    const double* point = mesh_.coordinates;
+    for (std::int64_t node = 0; node < mesh_.nodes; ++node, point += Dimension) {
       std::array<double, 3> place = {1, 1, 1};
       bool isInside = true;
       bool isKnown = true;
@@ -139,99 +140,6 @@ class Grid {
   double reach_ = 0;  // the tolerance in cells
 };
 
-/// A set of hashes, of which it may hold more than it was given. It is made of some of their bits.
-class HashSet {
- public:
-  HashSet(std::uint64_t bits, unsigned shift) : shift_(shift) {
-    bits = std::bit_ceil(bits + 4096);
-    words_.resize(bits / 64);
-    mask_ = bits / 64 - 1;
-  }
-  void prefetch(std::uint64_t hash) const noexcept { __builtin_prefetch(&words_[wordOf(hash)], 1); }
-  /// Returns whether it was there before.
-  bool add(std::uint64_t hash) noexcept {
-    std::uint64_t& word = words_[wordOf(hash)];
-    const bool was = (word & bitOf(hash)) != 0;
-    word |= bitOf(hash);
-    return was;
-  }
-  [[nodiscard]] bool holds(std::uint64_t hash) const noexcept {
-    return (words_[wordOf(hash)] & bitOf(hash)) != 0;
-  }
-
- private:
-  [[nodiscard]] std::size_t wordOf(std::uint64_t hash) const noexcept {
-    return (hash >> shift_ >> 6U) & mask_;
-  }
-  [[nodiscard]] std::uint64_t bitOf(std::uint64_t hash) const noexcept {
-    return std::uint64_t{1} << ((hash >> shift_) % 64);
-  }
-
-  unsigned shift_;
-  std::vector<std::uint64_t> words_;
-  std::uint64_t mask_ = 0;
-};
-
-struct NodeInCell {
-  std::uint64_t cell;
-  std::int64_t node;
-};
-
-/// The hashes that come twice, and a few others. Memory is reached far apart: it is asked for a
-/// block of nodes ahead.
-std::vector<std::uint64_t> repeatedHashes(const CheckedMesh& mesh, const Grid& grid) {
-  constexpr std::int64_t kNodesPerBlock = 256;
-  HashSet met(8 * static_cast<std::uint64_t>(mesh.nodes), 0);
-  std::vector<std::uint64_t> repeated;
-  std::vector<std::uint64_t> block;
-  for (std::int64_t first = 0; first < mesh.nodes; first += kNodesPerBlock) {
-    block.clear();
-    grid.forEachCell(first, std::min(first + kNodesPerBlock, mesh.nodes),
-                     [&](std::int64_t, std::uint64_t cell) {
-                       met.prefetch(cell);
-                       block.push_back(cell);
-                     });
-    for (const std::uint64_t cell : block) {
-      if (met.add(cell)) {
-        repeated.push_back(cell);
-      }
-    }
-  }
-  return repeated;
-}
-
-/// Leaves out most of those that share no cell with another one.
-void dropLonely(std::vector<NodeInCell>& nodes) {
-  HashSet met(32 * nodes.size(), 20);
-  HashSet shared(32 * nodes.size(), 20);
-  for (const NodeInCell& node : nodes) {
-    if (met.add(node.cell)) {
-      (void)shared.add(node.cell);
-    }
-  }
-  std::erase_if(nodes, [&](const NodeInCell& node) { return !shared.holds(node.cell); });
-}
-
-/// The nodes that share a cell of the grid with another one, and a few others.
-std::vector<NodeInCell> nodesWithCompany(const CheckedMesh& mesh, const Grid& grid) {
-  std::vector<NodeInCell> nodes;
-  const std::vector<std::uint64_t> repeated = repeatedHashes(mesh, grid);
-  if (repeated.empty()) {
-    return nodes;
-  }
-  HashSet shared(32 * repeated.size(), 30);
-  for (const std::uint64_t cell : repeated) {
-    (void)shared.add(cell);
-  }
-  grid.forEachCell(0, mesh.nodes, [&](std::int64_t node, std::uint64_t cell) {
-    if (shared.holds(cell)) {
-      nodes.push_back({cell, node});
-    }
-  });
-  dropLonely(nodes);
-  return nodes;
-}
-
 std::array<double, 3> pointOf(const CheckedMesh& mesh, std::int64_t node) noexcept {
   const double* point = mesh.coordinates + node * mesh.dimension;
   return {point[0], point[1], mesh.dimension == 3 ? point[2] : 0.0};
@@ -249,38 +157,38 @@ struct Coincidence {
 };
 
 /// Compares the nodes of one cell of the grid, which are in the order of their coordinates. Each is
-/// compared with so many after it that a cell with thousands of different nodes, which a hostile
+/// compared with so many before it that a cell with thousands of different nodes, which a hostile
 /// file may hold, takes no time to speak of.
-void compare(const CheckedMesh& mesh, std::span<const NodeInCell> nodes, double tolerance,
+void compare(const CheckedMesh& mesh, std::span<const HashedItem> nodes, double tolerance,
              std::vector<Coincidence>& found) {
   constexpr std::size_t kMostCompared = 32;
   for (std::size_t i = 1; i < nodes.size(); ++i) {
-    const auto point = pointOf(mesh, nodes[i].node);
+    const auto point = pointOf(mesh, nodes[i].item);
     for (std::size_t j = i; j-- > 0 && i - j <= kMostCompared;) {
-      const auto other = pointOf(mesh, nodes[j].node);
+      const auto other = pointOf(mesh, nodes[j].item);
       if (point[0] - other[0] > tolerance) {
         break;
       }
       if (areWithin(point, other, tolerance)) {
-        found.push_back({nodes[i].node, nodes[j].node});
+        found.push_back({nodes[i].item, nodes[j].item});
         break;
       }
     }
   }
 }
 
-std::vector<Coincidence> coincidences(const CheckedMesh& mesh, std::vector<NodeInCell> nodes,
+/// @param nodes  those with company in a cell of the grid, cell after cell
+std::vector<Coincidence> coincidences(const CheckedMesh& mesh, std::vector<HashedItem> nodes,
                                       double tolerance) {
-  std::sort(nodes.begin(), nodes.end(),
-            [](const NodeInCell& a, const NodeInCell& b) { return a.cell < b.cell; });
   std::vector<Coincidence> found;
   for (auto begin = nodes.begin(); begin != nodes.end();) {
-    const auto end = std::find_if(begin, nodes.end(), [cell = begin->cell](const NodeInCell& node) {
-      return node.cell != cell;
+    const auto end = std::find_if(begin, nodes.end(), [cell = begin->hash](const HashedItem& node) {
+      return node.hash != cell;
     });
     if (end - begin > 1) {
-      std::sort(begin, end, [&](const NodeInCell& a, const NodeInCell& b) {
-        return std::tuple(pointOf(mesh, a.node), a.node) < std::tuple(pointOf(mesh, b.node), b.node);
+      std::sort(begin, end, [&](const HashedItem& a, const HashedItem& b) {
+        return std::tuple(pointOf(mesh, a.item), a.item) <
+               std::tuple(pointOf(mesh, b.item), b.item);
       });
       compare(mesh, {begin, end}, tolerance, found);
     }
@@ -288,9 +196,10 @@ std::vector<Coincidence> coincidences(const CheckedMesh& mesh, std::vector<NodeI
   }
   std::sort(found.begin(), found.end(),
             [](const Coincidence& a, const Coincidence& b) { return a.node < b.node; });
-  found.erase(std::unique(found.begin(), found.end(),
-                          [](const Coincidence& a, const Coincidence& b) { return a.node == b.node; }),
-              found.end());
+  found.erase(
+      std::unique(found.begin(), found.end(),
+                  [](const Coincidence& a, const Coincidence& b) { return a.node == b.node; }),
+      found.end());
   return found;
 }
 
@@ -330,7 +239,8 @@ void checkCoincidence(const CheckedMesh& mesh, double share, FindingList& findin
     return;
   }
   const Grid grid(mesh, extents, tolerance);
-  const auto found = coincidences(mesh, nodesWithCompany(mesh, grid), tolerance);
+  auto nodes = itemsWithCompany(mesh.nodes, [&](auto add) { grid.forEachCell(add); });
+  const auto found = coincidences(mesh, std::move(nodes), tolerance);
   Places places = findings.places(PlaceKind::node);
   for (const Coincidence& one : found) {
     places.add(one.node);

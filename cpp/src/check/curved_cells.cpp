@@ -238,7 +238,8 @@ bool CurvedForm::isStraight(const Vec* x) const noexcept {
 }
 
 Vec CurvedForm::derivative(const Vec* x, std::size_t point, int axis) const noexcept {
-  const auto row = point * static_cast<std::size_t>(facts_.dimension) + static_cast<std::size_t>(axis);
+  const auto row =
+      point * static_cast<std::size_t>(facts_.dimension) + static_cast<std::size_t>(axis);
   const double* factors = derivatives_.data() + row * static_cast<std::size_t>(nodes_);
   Vec sum;
   for (int node = 0; node < nodes_; ++node) {

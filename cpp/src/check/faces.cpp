@@ -18,81 +18,94 @@ struct FaceKey {
   std::uint64_t key;
 };
 
-/// The lowest corner of a face alone.
-template <int Count>
-int lowestOf(const std::array<int, 4>& nodes) noexcept {
-  int lowest = std::min({nodes[0], nodes[1], nodes[2]});
-  return Count == 4 ? std::min(lowest, nodes[3]) : lowest;
+/// Which way round three corners go: from the lowest one to the greater or to the smaller of the
+/// others, which the parity of their order tells.
+std::uint64_t turnOf(int a, int b, int c) noexcept {
+  const bool isOdd = (a > b) != ((a > c) != (b > c));
+  return isOdd ? 0 : kIsTurned;
 }
 
-/// Which way round the corners go: from the lowest one to the greater or to the smaller of its
-/// neighbours.
-template <int Count>
-std::uint64_t turnOf(const std::array<int, 4>& nodes, int lowest) noexcept {
-  std::size_t at = 0;
-  while (nodes[at] != lowest) {
-    ++at;
-  }
-  constexpr std::size_t kCount = Count;
-  return nodes[(at + 1) % kCount] < nodes[(at + kCount - 1) % kCount] ? kIsTurned : 0;
+/// The same of four: the neighbours of the lowest one are compared.
+std::uint64_t turnOf(int a, int b, int c, int d) noexcept {
+  const bool isLowestAmongBD = std::min(b, d) < std::min(a, c);
+  return ((b < d) != (c < a)) != isLowestAmongBD ? kIsTurned : 0;
 }
 
 /// Calls a function with the lowest corner and the key of a face, if the corner is from `low` to
 /// before `high`.
-template <int Count, class Function>
-void scanFace(const std::array<int, 4>& nodes, std::uint64_t flags, std::int64_t low,
-              std::int64_t high, Function& function) {
-  const int lowest = lowestOf<Count>(nodes);
+///
+/// @param hashes  those of the nodes, by the same numbers as the nodes
+template <class Function>
+void scanFace(const FaceCorners& face, const int* nodes, const std::uint64_t* hashes,
+              std::uint64_t flags, std::int64_t low, std::int64_t high, Function& function) {
+  const auto& c = face.corners;
+  int lowest = std::min({nodes[c[0]], nodes[c[1]], nodes[c[2]]});
+  lowest = face.count == 4 ? std::min(lowest, nodes[c[3]]) : lowest;
   if (lowest < low || lowest >= high) {
     return;
   }
-  std::uint64_t sum = 0;
-  for (std::size_t i = 0; i < Count; ++i) {
-    sum += scattered(static_cast<std::uint64_t>(nodes[i]));
+  std::uint64_t sum = hashes[c[0]] + hashes[c[1]] + hashes[c[2]];
+  if (face.count == 4) {
+    sum += hashes[c[3]];
+    flags |= turnOf(nodes[c[0]], nodes[c[1]], nodes[c[2]], nodes[c[3]]);
+  } else {
+    flags |= turnOf(nodes[c[0]], nodes[c[1]], nodes[c[2]]);
   }
-  function(FaceKey{lowest, (sum & ~kFlags) | flags | turnOf<Count>(nodes, lowest)});
+  function(FaceKey{lowest, (sum & ~kFlags) | flags});
 }
 
+/// Calls function(kind, cell, key) with the faces of the cells of a group.
+///
+/// @param kFaces  the faces of the shape, of which the compiler makes straight code
+template <std::size_t Corners, const auto& kFaces, class Function>
+void scanGroup(const CheckedMesh& mesh, const CheckedGroup& group, PlaceKind kind, std::int64_t low,
+               std::int64_t high, Function& function) {
+  const std::uint64_t flags = kind == PlaceKind::face ? kIsDocumentFace : 0;
+  forEachCell(group, mesh.nodes, low, high, [&](std::int64_t i, const int* cell) {
+    std::array<std::uint64_t, Corners> hashes;
+    for (std::size_t corner = 0; corner < Corners; ++corner) {
+      hashes[corner] = scattered(static_cast<std::uint64_t>(cell[corner]));
+    }
+    auto emit = [&](const FaceKey& key) { function(kind, group.first + i, key); };
+    for (const FaceCorners& face : kFaces) {
+      scanFace(face, cell, hashes.data(), flags, low, high, emit);
+    }
+  });
+}
+
+constexpr FaceCorners kTriangleItself[] = {{3, {0, 1, 2}}};
+constexpr FaceCorners kQuadrilateralItself[] = {{4, {0, 1, 2, 3}}};
+
 template <class Function>
-void scanFaceOf(const int* cell, const FaceCorners& face, std::int64_t low, std::int64_t high,
-                Function& function) {
-  const std::array<int, 4> nodes = {cell[face.corners[0]], cell[face.corners[1]],
-                                    cell[face.corners[2]], cell[face.corners[3]]};
-  if (face.count == 3) {
-    scanFace<3>(nodes, 0, low, high, function);
-  } else {
-    scanFace<4>(nodes, 0, low, high, function);
+void scanGroup(const CheckedMesh& mesh, const CheckedGroup& group, PlaceKind kind, std::int64_t low,
+               std::int64_t high, Function& function) {
+  switch (group.facts->shape) {
+    case Shape::tetrahedron:
+      return scanGroup<4, kTetrahedronFaces>(mesh, group, kind, low, high, function);
+    case Shape::hexahedron:
+      return scanGroup<8, kHexahedronFaces>(mesh, group, kind, low, high, function);
+    case Shape::prism:
+      return scanGroup<6, kPrismFaces>(mesh, group, kind, low, high, function);
+    case Shape::pyramid:
+      return scanGroup<5, kPyramidFaces>(mesh, group, kind, low, high, function);
+    case Shape::triangle:
+      return scanGroup<3, kTriangleItself>(mesh, group, kind, low, high, function);
+    case Shape::quadrilateral:
+      return scanGroup<4, kQuadrilateralItself>(mesh, group, kind, low, high, function);
+    default:
+      return;
   }
 }
 
 /// Calls function(kind, cell, key) with the faces of the volume elements and of the document.
 template <class Function>
 void scanFaces(const CheckedMesh& mesh, std::int64_t low, std::int64_t high, Function function) {
-  for (const CheckedGroup& group : mesh.elements().groups) {
-    if (group.facts == nullptr) {
-      continue;
-    }
-    forEachCell(group, mesh.nodes, low, high, [&](std::int64_t i, const int* cell) {
-      auto emit = [&](const FaceKey& key) { function(PlaceKind::element, group.first + i, key); };
-      for (const FaceCorners& face : group.facts->faces) {
-        scanFaceOf(cell, face, low, high, emit);
+  for (const CheckedCells* cells : {&mesh.elements(), &mesh.faces()}) {
+    for (const CheckedGroup& group : cells->groups) {
+      if (group.facts != nullptr) {
+        scanGroup(mesh, group, placeKindOf(cells->entity), low, high, function);
       }
-    });
-  }
-  for (const CheckedGroup& group : mesh.faces().groups) {
-    if (group.facts == nullptr || group.facts->dimension != 2) {
-      continue;
     }
-    const bool isTriangle = group.facts->corners == 3;
-    forEachCell(group, mesh.nodes, low, high, [&](std::int64_t i, const int* cell) {
-      auto emit = [&](const FaceKey& key) { function(PlaceKind::face, group.first + i, key); };
-      const std::array<int, 4> nodes = {cell[0], cell[1], cell[2], cell[isTriangle ? 2 : 3]};
-      if (isTriangle) {
-        scanFace<3>(nodes, kIsDocumentFace, low, high, emit);
-      } else {
-        scanFace<4>(nodes, kIsDocumentFace, low, high, emit);
-      }
-    });
   }
 }
 
@@ -110,6 +123,7 @@ struct FlaggedFaces {
 };
 
 struct FaceTrouble {
+  bool isAnyOnOneSide = false;  // two elements of a face
   FlaggedFaces withoutElement;
   FlaggedFaces sharedByMany;
   FlaggedFaces inward;
@@ -122,6 +136,7 @@ void judge(std::int64_t bucket, std::span<const std::uint64_t> same, int most,
   while (ofElements < same.size() && (same[ofElements] & kIsDocumentFace) == 0) {
     ++ofElements;
   }
+  trouble.isAnyOnOneSide |= ofElements > 1 && same[0] == same[1];
   if (ofElements > 2) {
     trouble.sharedByMany.add(bucket, same[0], most);
   }
@@ -157,12 +172,13 @@ void add(CheckCode code, const CheckedMesh& mesh, FlaggedFaces flagged, const st
 
 }  // namespace
 
-void checkFaces(const CheckedMesh& mesh, FindingList& findings) {
+bool checkFaces(const CheckedMesh& mesh, FindingList& findings) {
   const std::int64_t elements = knownCells(mesh.elements(), 3);
   if (elements == 0) {
-    return;
+    return false;
   }
-  FaceTrouble trouble{{findings.places(PlaceKind::face), {}},
+  FaceTrouble trouble{false,
+                      {findings.places(PlaceKind::face), {}},
                       {findings.places(PlaceKind::element), {}},
                       {findings.places(PlaceKind::face), {}}};
   forEachBucket(
@@ -190,6 +206,7 @@ void checkFaces(const CheckedMesh& mesh, FindingList& findings) {
       " that more than two elements share", findings);
   add(CheckCode::inwardFace, mesh, std::move(trouble.inward), mesh.faces().object,
       " looking inwards", findings);
+  return !trouble.isAnyOnOneSide;
 }
 
 }  // namespace orvml::detail

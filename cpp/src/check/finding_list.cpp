@@ -2,6 +2,8 @@
 
 #include "hdf5/layout.h"
 
+#include <iterator>
+
 namespace orvml::detail {
 
 namespace layout = orvml_io::layout;
@@ -63,6 +65,11 @@ void FindingList::add(const CheckRule& rule, std::string object, Places places,
 void FindingList::addAsTold(const CheckRule& rule, std::string object, std::string sentence) {
   findings_.push_back(
       {rule.code, rule.severity, std::move(object), {}, 1, std::move(sentence), rule.cure});
+}
+
+void FindingList::append(std::vector<CheckFinding> findings) {
+  findings_.insert(findings_.end(), std::make_move_iterator(findings.begin()),
+                   std::make_move_iterator(findings.end()));
 }
 
 bool FindingList::holds(std::string_view code, std::string_view object) const noexcept {

@@ -14,7 +14,8 @@ namespace orvml::detail {
 /// How many there are of something, and where the first few are.
 class Places {
  public:
-  Places(PlaceKind kind, int most) : kind_(kind), most_(static_cast<std::size_t>(std::max(most, 0))) {}
+  Places(PlaceKind kind, int most)
+      : kind_(kind), most_(static_cast<std::size_t>(std::max(most, 0))) {}
 
   void add(std::int64_t index) {
     ++count_;
@@ -74,6 +75,9 @@ class FindingList {
 
   /// Adds a finding about parts of an object, unless there are none.
   void add(const CheckRule& rule, std::string object, Places places, const std::string& sentence);
+
+  /// Adds what was found elsewhere.
+  void append(std::vector<CheckFinding> findings);
 
   /// Adds a finding whose sentence has the object already.
   void addAsTold(const CheckRule& rule, std::string object, std::string sentence);

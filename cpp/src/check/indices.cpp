@@ -93,8 +93,8 @@ void checkUnused(const CheckedMesh& mesh, FindingList& findings) {
       unused.add(static_cast<std::int64_t>(node));
     }
   }
-  const std::string sentence = "has " + countText(unused.size(), "node", "nodes") +
-                               " that no cell names";
+  const std::string sentence =
+      "has " + countText(unused.size(), "node", "nodes") + " that no cell names";
   findings.add(ruleOf(CheckCode::unusedNode), mesh.nodesObject, std::move(unused), sentence);
 }
 
@@ -113,8 +113,8 @@ void checkCells(CheckedCells& cells, const CheckedMesh& mesh, FindingList& findi
   cells.isWhole = cells.isWhole && outOfRange.empty() && repeated.empty();
   const std::string range = mesh.nodes == 0 ? ", and there are no nodes"
                                             : " outside 0 to " + std::to_string(mesh.nodes - 1);
-  const std::string out = "has " + countText(outOfRange.size(), outOfRange.kind()) +
-                          " with node indices" + range;
+  const std::string out =
+      "has " + countText(outOfRange.size(), outOfRange.kind()) + " with node indices" + range;
   findings.add(ruleOf(CheckCode::indexOutOfRange), cells.object, std::move(outOfRange), out);
   const std::string twice =
       "has " + countText(repeated.size(), repeated.kind()) + " with a node that is named twice";

@@ -65,8 +65,10 @@ void judge(const CheckedMesh& mesh, const CheckedGroup& group, CornerJacobians c
   std::array<Vec, kMostNodes> x;
   const bool isInSpace = mesh.dimension == 3;
   forEachCell(group, mesh.nodes, [&](std::int64_t i, const int* cell) {
-    const int nodes = curved ? curved->nodes() : Corners;
-    for (int node = 0; node < nodes; ++node) {
+    for (std::size_t node = 0; node < Corners; ++node) {
+      x[node] = pointAt(mesh.coordinates, mesh.dimension, cell[node]);
+    }
+    for (int node = Corners; curved && node < curved->nodes(); ++node) {
       x[static_cast<std::size_t>(node)] = pointAt(mesh.coordinates, mesh.dimension, cell[node]);
     }
     const Jacobians jacobians = curved && !curved->isStraight(x.data())
@@ -111,7 +113,7 @@ void judge(const CheckedMesh& mesh, const CheckedGroup& group, FormPlaces& place
     case Shape::tetrahedron:
       return judge<4>(mesh, group, jacobiansOfSolid<kTetrahedronCorners>, places);
     case Shape::hexahedron:
-      return judge<8>(mesh, group, jacobiansOfSolid<kHexahedronCorners>, places);
+      return judge<8>(mesh, group, jacobiansOfHexahedron, places);
     case Shape::prism:
       return judge<6>(mesh, group, jacobiansOfSolid<kPrismCorners>, places);
     case Shape::pyramid:
@@ -123,10 +125,11 @@ void judge(const CheckedMesh& mesh, const CheckedGroup& group, FormPlaces& place
 
 }  // namespace
 
-void checkJacobians(const CheckedMesh& mesh, FindingList& findings) {
+bool checkJacobians(const CheckedMesh& mesh, FindingList& findings) {
   if (mesh.coordinates == nullptr) {
-    return;
+    return false;
   }
+  bool areAllSound = true;
   for (const CheckedCells& cells : mesh.kinds) {
     const PlaceKind kind = placeKindOf(cells.entity);
     FormPlaces places{findings.places(kind), findings.places(kind), findings.places(kind)};
@@ -136,6 +139,7 @@ void checkJacobians(const CheckedMesh& mesh, FindingList& findings) {
       }
     }
     const auto add = [&](CheckCode code, Places found, const std::string& what) {
+      areAllSound = areAllSound && found.empty();
       const std::string sentence = "has " + countText(found.size(), kind) + " " + what;
       findings.add(ruleOf(code), cells.object, std::move(found), sentence);
     };
@@ -143,6 +147,7 @@ void checkJacobians(const CheckedMesh& mesh, FindingList& findings) {
     add(CheckCode::invertedCell, std::move(places.inverted), "inside out");
     add(CheckCode::foldedCell, std::move(places.folded), "inside out in a part");
   }
+  return areAllSound;
 }
 
 }  // namespace orvml::detail

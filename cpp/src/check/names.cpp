@@ -18,7 +18,8 @@ void checkName(std::string_view name, const std::string& group, FindingList& fin
   const std::string object = group + "/" + std::string(name);
   if (name.size() > kLongestName) {
     findings.add(ruleOf(Code::nameTooLong), object,
-                 "has a name of " + countText(static_cast<std::int64_t>(name.size()), "byte", "bytes") +
+                 "has a name of " +
+                     countText(static_cast<std::int64_t>(name.size()), "byte", "bytes") +
                      ", at most 79 are allowed");
   } else if (name.empty() || name == "." || name.find('/') != std::string_view::npos ||
              name.find('\0') != std::string_view::npos) {
@@ -37,8 +38,7 @@ void checkText(std::string_view text, const char* attribute, FindingList& findin
     findings.add(ruleOf(Code::textTooLong), object,
                  "has " + countText(size, "byte", "bytes") + ", at most 79 are allowed");
   } else if (text.size() == kLongestName) {
-    findings.add(ruleOf(CheckCode::textAtLimit), object,
-                 "has 79 bytes, and may have been cut");
+    findings.add(ruleOf(CheckCode::textAtLimit), object, "has 79 bytes, and may have been cut");
   }
 }
 

@@ -79,23 +79,16 @@ constexpr CheckRule kMeshRules[] = {
 constexpr const char* kWriteAgain = "have the file written again by its sender";
 
 // Those that readers know.
-constexpr std::array<Code, 17> kReaderCodes = {Code::wrongDimension,
-                                               Code::objectMissing,
-                                               Code::objectUnopenable,
-                                               Code::objectInAnotherFile,
-                                               Code::objectPathTooLong,
-                                               Code::objectWrongShape,
-                                               Code::objectWrongType,
-                                               Code::objectUnreadable,
-                                               Code::objectForeign,
-                                               Code::valuesTooMany,
-                                               Code::valuesTooFew,
-                                               Code::valuesNegativeOrTooLarge,
-                                               Code::valueNotAllowed,
-                                               Code::memoryOutOfProportion,
-                                               Code::nameTooLong,
-                                               Code::nameNotAllowed,
-                                               Code::textTooLong};
+constexpr std::array<Code, 17> kReaderCodes = {
+    Code::wrongDimension,    Code::objectMissing,
+    Code::objectUnopenable,  Code::objectInAnotherFile,
+    Code::objectPathTooLong, Code::objectWrongShape,
+    Code::objectWrongType,   Code::objectUnreadable,
+    Code::objectForeign,     Code::valuesTooMany,
+    Code::valuesTooFew,      Code::valuesNegativeOrTooLarge,
+    Code::valueNotAllowed,   Code::memoryOutOfProportion,
+    Code::nameTooLong,       Code::nameNotAllowed,
+    Code::textTooLong};
 
 const std::array<CheckRule, kReaderCodes.size()>& readerRules() noexcept {
   static const std::array<CheckRule, kReaderCodes.size()> kRules = {
@@ -119,8 +112,7 @@ const std::array<CheckRule, kReaderCodes.size()>& readerRules() noexcept {
        {text(Code::valuesTooFew), kError, "an array has fewer values than it should", kWriteAgain},
        {text(Code::valuesNegativeOrTooLarge), kError, "a count is negative or too large",
         kWriteAgain},
-       {text(Code::valueNotAllowed), kError, "a value has no meaning where it stands",
-        kWriteAgain},
+       {text(Code::valueNotAllowed), kError, "a value has no meaning where it stands", kWriteAgain},
        {text(Code::memoryOutOfProportion), kError, "the file claims more than it can hold",
         "distrust the file; an honest one can be rewritten with h5repack -f NONE"},
        {text(Code::nameTooLong), kError, "a name has more than 79 bytes", "shorten it"},

@@ -17,26 +17,12 @@ constexpr int kPrismCounts[] = {6, 12, 15, 18};
 constexpr int kPyramidCounts[] = {5, 13, 19};
 constexpr int kPointCounts[] = {1};
 
-constexpr FaceCorners kTetrahedronFaces[] = {
-    {3, {0, 1, 3}}, {3, {1, 2, 3}}, {3, {2, 0, 3}}, {3, {0, 2, 1}}};
-constexpr FaceCorners kHexahedronFaces[] = {{4, {0, 4, 7, 3}}, {4, {1, 2, 6, 5}},
-                                            {4, {0, 1, 5, 4}}, {4, {3, 7, 6, 2}},
-                                            {4, {0, 3, 2, 1}}, {4, {4, 5, 6, 7}}};
-constexpr FaceCorners kPrismFaces[] = {{3, {0, 2, 1}},
-                                       {3, {3, 4, 5}},
-                                       {4, {0, 1, 4, 3}},
-                                       {4, {1, 2, 5, 4}},
-                                       {4, {2, 0, 3, 5}}};
-constexpr FaceCorners kPyramidFaces[] = {
-    {4, {0, 3, 2, 1}}, {3, {0, 1, 4}}, {3, {1, 2, 4}}, {3, {2, 3, 4}}, {3, {3, 0, 4}}};
-
-constexpr EdgeOfFaces kTetrahedronEdges[] = {{{0, 1}, {0, 3}}, {{1, 2}, {1, 3}},
-                                             {{2, 0}, {2, 3}}, {{0, 3}, {0, 2}},
-                                             {{1, 3}, {0, 1}}, {{2, 3}, {1, 2}}};
-constexpr EdgeOfFaces kHexahedronEdges[] = {
-    {{0, 1}, {2, 4}}, {{1, 2}, {1, 4}}, {{2, 3}, {3, 4}}, {{3, 0}, {0, 4}},
-    {{4, 5}, {2, 5}}, {{5, 6}, {1, 5}}, {{6, 7}, {3, 5}}, {{7, 4}, {0, 5}},
-    {{0, 4}, {0, 2}}, {{1, 5}, {1, 2}}, {{2, 6}, {1, 3}}, {{3, 7}, {0, 3}}};
+constexpr EdgeOfFaces kTetrahedronEdges[] = {{{0, 1}, {0, 3}}, {{1, 2}, {1, 3}}, {{2, 0}, {2, 3}},
+                                             {{0, 3}, {0, 2}}, {{1, 3}, {0, 1}}, {{2, 3}, {1, 2}}};
+constexpr EdgeOfFaces kHexahedronEdges[] = {{{0, 1}, {2, 4}}, {{1, 2}, {1, 4}}, {{2, 3}, {3, 4}},
+                                            {{3, 0}, {0, 4}}, {{4, 5}, {2, 5}}, {{5, 6}, {1, 5}},
+                                            {{6, 7}, {3, 5}}, {{7, 4}, {0, 5}}, {{0, 4}, {0, 2}},
+                                            {{1, 5}, {1, 2}}, {{2, 6}, {1, 3}}, {{3, 7}, {0, 3}}};
 constexpr EdgeOfFaces kPrismEdges[] = {{{0, 1}, {0, 2}}, {{1, 2}, {0, 3}}, {{2, 0}, {0, 4}},
                                        {{3, 4}, {1, 2}}, {{4, 5}, {1, 3}}, {{5, 3}, {1, 4}},
                                        {{0, 3}, {2, 4}}, {{1, 4}, {2, 3}}, {{2, 5}, {3, 4}}};
@@ -51,15 +37,28 @@ constexpr MiddleNode kQuadrilateralMiddles[] = {
 constexpr MiddleNode kTwoEdgesOfQuadrilateral[] = {{2, {0, 1}}, {2, {2, 3}}};
 constexpr MiddleNode kTetrahedronMiddles[] = {{2, {0, 1}}, {2, {1, 2}}, {2, {2, 0}},
                                               {2, {0, 3}}, {2, {1, 3}}, {2, {2, 3}}};
-constexpr MiddleNode kHexahedronMiddles[] = {
-    {2, {0, 1}},       {2, {1, 2}},       {2, {2, 3}},       {2, {3, 0}},       {2, {4, 5}},
-    {2, {5, 6}},       {2, {6, 7}},       {2, {7, 4}},       {2, {0, 4}},       {2, {1, 5}},
-    {2, {2, 6}},       {2, {3, 7}},       {4, {0, 4, 7, 3}}, {4, {1, 2, 6, 5}}, {4, {0, 1, 5, 4}},
-    {4, {3, 7, 6, 2}}, {4, {0, 3, 2, 1}}, {4, {4, 5, 6, 7}}, {8, {0, 1, 2, 3, 4, 5, 6, 7}}};
-constexpr MiddleNode kPrismMiddles[] = {{2, {0, 1}},       {2, {1, 2}},       {2, {2, 0}},
-                                        {2, {3, 4}},       {2, {4, 5}},       {2, {5, 3}},
-                                        {2, {0, 3}},       {2, {1, 4}},       {2, {2, 5}},
-                                        {4, {0, 1, 4, 3}}, {4, {1, 2, 5, 4}}, {4, {2, 0, 3, 5}}};
+constexpr MiddleNode kHexahedronMiddles[] = {{2, {0, 1}},
+                                             {2, {1, 2}},
+                                             {2, {2, 3}},
+                                             {2, {3, 0}},
+                                             {2, {4, 5}},
+                                             {2, {5, 6}},
+                                             {2, {6, 7}},
+                                             {2, {7, 4}},
+                                             {2, {0, 4}},
+                                             {2, {1, 5}},
+                                             {2, {2, 6}},
+                                             {2, {3, 7}},
+                                             {4, {0, 4, 7, 3}},
+                                             {4, {1, 2, 6, 5}},
+                                             {4, {0, 1, 5, 4}},
+                                             {4, {3, 7, 6, 2}},
+                                             {4, {0, 3, 2, 1}},
+                                             {4, {4, 5, 6, 7}},
+                                             {8, {0, 1, 2, 3, 4, 5, 6, 7}}};
+constexpr MiddleNode kPrismMiddles[] = {
+    {2, {0, 1}}, {2, {1, 2}}, {2, {2, 0}}, {2, {3, 4}},       {2, {4, 5}},       {2, {5, 3}},
+    {2, {0, 3}}, {2, {1, 4}}, {2, {2, 5}}, {4, {0, 1, 4, 3}}, {4, {1, 2, 5, 4}}, {4, {2, 0, 3, 5}}};
 constexpr MiddleNode kPyramidMiddles[] = {{2, {0, 1}}, {2, {1, 2}}, {2, {2, 3}}, {2, {3, 0}},
                                           {2, {0, 4}}, {2, {1, 4}}, {2, {2, 4}}, {2, {3, 4}}};
 
@@ -78,8 +77,9 @@ constexpr ShapeFacts kFacts[] = {
 }  // namespace
 
 const ShapeFacts* factsOf(Shape shape) noexcept {
-  const auto* found = std::find_if(std::begin(kFacts), std::end(kFacts),
-                                   [shape](const ShapeFacts& facts) { return facts.shape == shape; });
+  const auto* found =
+      std::find_if(std::begin(kFacts), std::end(kFacts),
+                   [shape](const ShapeFacts& facts) { return facts.shape == shape; });
   return found == std::end(kFacts) ? nullptr : found;
 }
 

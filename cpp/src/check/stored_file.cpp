@@ -30,13 +30,13 @@ struct KnownMember {
   Member member;
 };
 
-constexpr std::array<KnownMember, 6> kOfBothDocuments = {{{layout::kDimension, Member::integers},
-                                                          {layout::kNodes, Member::nodes},
-                                                          {layout::kEdges, Member::cells},
-                                                          {layout::kFaces, Member::cells},
-                                                          {layout::kElements, Member::cells},
-                                                          {layout::kParameters,
-                                                           Member::otherValues}}};
+constexpr std::array<KnownMember, 6> kOfBothDocuments = {
+    {{layout::kDimension, Member::integers},
+     {layout::kNodes, Member::nodes},
+     {layout::kEdges, Member::cells},
+     {layout::kFaces, Member::cells},
+     {layout::kElements, Member::cells},
+     {layout::kParameters, Member::otherValues}}};
 constexpr std::array<KnownMember, 1> kOfNamedDocument = {
     {{layout::kParametersVector, Member::vectors}}};
 constexpr std::array<KnownMember, 2> kOfLegacyDocument = {
@@ -214,7 +214,8 @@ class StoredFile {
 
 void checkStoredFile(const OpenedFile& file, FindingList& findings) {
   const orvml_io::Silence silence;
-  const std::string version = orvml_io::readRootText(file.id(), layout::kFormatVersion).value_or("");
+  const std::string version =
+      orvml_io::readRootText(file.id(), layout::kFormatVersion).value_or("");
   const bool isLegacy = orvml_io::isBelowNamedFormat(version.c_str());
   if (isLegacy) {
     findings.add(ruleOf(CheckCode::legacyLayout), std::string("/") + layout::kFormatVersion,

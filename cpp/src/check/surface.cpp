@@ -119,10 +119,9 @@ EdgeTrouble findTrouble(const CheckedMesh& mesh, const FindingList& findings) {
   forEachBucket(
       mesh.nodes, mostKeys(knownCells(mesh.faces(), 2)),
       [&](std::int64_t low, std::int64_t high, auto emit) {
-        scanSides(mesh.faces(), mesh.nodes, low, high,
-                  [&](std::int64_t, std::int64_t lowest, std::uint64_t side) {
-                    emit(lowest, side);
-                  });
+        scanSides(
+            mesh.faces(), mesh.nodes, low, high,
+            [&](std::int64_t, std::int64_t lowest, std::uint64_t side) { emit(lowest, side); });
       },
       [&](std::int64_t lowest, std::span<const std::uint64_t> sides) {
         for (std::size_t begin = 0; begin < sides.size();) {
