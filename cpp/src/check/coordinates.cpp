@@ -91,17 +91,24 @@ class Grid {
     const double* point = mesh_.coordinates;
     for (std::int64_t node = 0; node < mesh_.nodes; ++node, point += Dimension) {
       std::array<double, 3> place = {1, 1, 1};
-      bool isInside = true;
       bool isKnown = true;
       for (std::size_t axis = 0; axis < Dimension; ++axis) {
         place[axis] = (point[axis] - lowest_[axis]) * scale_ + 1;
-        isKnown &= isCounted(place[axis]);
-        const double fraction = place[axis] - static_cast<double>(cellOf(place[axis]));
+        isKnown &= place[axis] >= 0 && place[axis] < kMostCells;  // not true of what is no number
+      }
+      if (!isKnown) {
+        continue;
+      }
+      std::array<std::int64_t, 3> cell = {1, 1, 1};
+      bool isInside = true;
+      for (std::size_t axis = 0; axis < Dimension; ++axis) {
+        cell[axis] = static_cast<std::int64_t>(place[axis]);
+        const double fraction = place[axis] - static_cast<double>(cell[axis]);
         isInside &= fraction >= reach_ && fraction + reach_ < 1;
       }
-      if (isInside && isKnown) {
-        function(node, hash(cellOf(place[0]), cellOf(place[1]), cellOf(place[2])));
-      } else if (isKnown) {
+      if (isInside) {
+        function(node, hash(cell[0], cell[1], cell[2]));
+      } else {
         forEachOverlapped(node, place, static_cast<int>(Dimension), function);
       }
     }
@@ -111,20 +118,17 @@ class Grid {
   void forEachOverlapped(std::int64_t node, const std::array<double, 3>& place, int dimension,
                          Function& function) const {
     const double up = dimension == 3 ? reach_ : 0;
-    for (auto x = cellOf(place[0] - reach_); x <= cellOf(place[0] + reach_); ++x) {
-      for (auto y = cellOf(place[1] - reach_); y <= cellOf(place[1] + reach_); ++y) {
-        for (auto z = cellOf(place[2] - up); z <= cellOf(place[2] + up); ++z) {
+    for (auto x = static_cast<std::int64_t>(place[0] - reach_);
+         x <= static_cast<std::int64_t>(place[0] + reach_); ++x) {
+      for (auto y = static_cast<std::int64_t>(place[1] - reach_);
+           y <= static_cast<std::int64_t>(place[1] + reach_); ++y) {
+        for (auto z = static_cast<std::int64_t>(place[2] - up);
+             z <= static_cast<std::int64_t>(place[2] + up); ++z) {
           function(node, hash(x, y, z));
         }
       }
     }
   }
-
-  /// Infinite places and those that are no numbers have a cell too, which is not used.
-  static std::int64_t cellOf(double place) noexcept {
-    return static_cast<std::int64_t>(isCounted(place) ? place : 0.0);
-  }
-  static bool isCounted(double place) noexcept { return place >= 0 && place < kMostCells; }
 
   static std::uint64_t hash(std::int64_t x, std::int64_t y, std::int64_t z) noexcept {
     return scattered(static_cast<std::uint64_t>(x) * 0x8da6b343d8163841U +

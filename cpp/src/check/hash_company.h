@@ -96,7 +96,7 @@ std::vector<HashedItem> itemsWithCompany(std::int64_t items, ForEach forEach) {
   if (repeated.empty()) {
     return found;
   }
-  HashSet shared(32 * repeated.size(), 30);
+  HashSet shared(16 * repeated.size(), 30);
   for (const std::uint64_t hash : repeated) {
     (void)shared.add(hash);
   }

@@ -111,9 +111,12 @@ void judge(const CheckedMesh& mesh, const CheckedGroup& group, FormPlaces& place
           [=](const Vec* x) { return jacobiansOfFlat<kQuadrilateralCorners>(x, isInSpace); },
           places);
     case Shape::tetrahedron:
-      return judge<4>(mesh, group, jacobiansOfSolid<kTetrahedronCorners>, places);
+      return judge<4>(
+          mesh, group, [](const Vec* x) { return jacobiansOfSolid<kTetrahedronCorners>(x); },
+          places);
     case Shape::hexahedron:
-      return judge<8>(mesh, group, jacobiansOfHexahedron, places);
+      return judge<8>(
+          mesh, group, [](const Vec* x) { return jacobiansOfHexahedron(x); }, places);
     case Shape::prism:
       return judge<6>(mesh, group, jacobiansOfSolid<kPrismCorners>, places);
     case Shape::pyramid:
