@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/resource.h>
+
 #include <map>
 #include <random>
 #include <set>
@@ -80,6 +82,37 @@ std::set<std::int64_t> repetitions(const std::vector<int>& indices, std::size_t 
     }
   }
   return repeated;
+}
+
+TEST(NodesThatNobodyHolds, TakeNoMemory) {
+  const std::vector<int> cell = {0, 1, 2, 2000000000};
+  const std::vector<int> face = {0, 1, 2};
+  orvml::DocumentParts parts;
+  parts.dimension = 3;
+  parts.nodes = orvml::NodesView::withoutCoordinates(2000000001, 3);
+  parts.elements = orvml::CellsView({orvml::CellGroup(Shape::tetrahedron, 4, cell)});
+  const orvml::CheckReport both = check(orvml::InputView(parts));
+  parts.elements = {};
+  parts.faces = orvml::CellsView({orvml::CellGroup(Shape::triangle, 3, face)});
+  const orvml::CheckReport ofFaces = check(orvml::InputView(parts));
+
+  rusage usage = {};
+  getrusage(RUSAGE_SELF, &usage);
+  EXPECT_LT(usage.ru_maxrss, 1 << 20);  // KiB; four bytes for each node would be eight times that
+  EXPECT_EQ(codesOf(both), std::vector<std::string>{"orvml.mesh.coordinates-missing"});
+  EXPECT_EQ(codesOf(ofFaces), std::vector<std::string>{"orvml.mesh.coordinates-missing"});
+}
+
+TEST(CheckOptions, GiveTheSameFindingsWithTwoThreads) {
+  TestMesh mesh = blockOf(formOf(Shape::tetrahedron, 4), 4);
+  mesh.x[0] = 40;                          // folds and inverts
+  mesh.x.insert(mesh.x.end(), {1, 1, 1});  // unused, at a place that is taken
+  mesh.faces[0].indices.insert(mesh.faces[0].indices.end(), {0, 50, 100});
+
+  const orvml::CheckReport one = mesh.checked();
+
+  EXPECT_GT(one.findings.size(), 3U);
+  EXPECT_EQ(toldOf(mesh.checked({.threads = 2})), toldOf(one));
 }
 
 TEST(DuplicateCells, AreThoseThatComparingAllFinds) {

@@ -65,6 +65,12 @@ struct CheckedMesh {
   std::string nodesObject;
   std::array<CheckedCells, 3> kinds;  ///< edges, faces, elements
 
+  /// Whether something may be remembered of each node. A file may count billions of which it holds
+  /// nothing; those without coordinates may take 64 MiB.
+  [[nodiscard]] bool areNodesHeld() const noexcept {
+    return coordinates != nullptr || nodes <= (std::int64_t{1} << 24U);
+  }
+
   [[nodiscard]] const CheckedCells& edges() const noexcept { return kinds[0]; }
   [[nodiscard]] const CheckedCells& faces() const noexcept { return kinds[1]; }
   [[nodiscard]] const CheckedCells& elements() const noexcept { return kinds[2]; }

@@ -174,7 +174,7 @@ void add(CheckCode code, const CheckedMesh& mesh, FlaggedFaces flagged, const st
 
 bool checkFaces(const CheckedMesh& mesh, FindingList& findings) {
   const std::int64_t elements = knownCells(mesh.elements(), 3);
-  if (elements == 0) {
+  if (elements == 0 || !mesh.areNodesHeld()) {
     return false;
   }
   FaceTrouble trouble{false,

@@ -129,7 +129,7 @@ void checkIndices(CheckedMesh& mesh, const Believed& believed, FindingList& find
     checkCells(cells, mesh, findings);
     areAllBelieved = areAllBelieved && believed.holdsCells(cells.entity);
   }
-  if (areAllBelieved) {
+  if (areAllBelieved && mesh.areNodesHeld()) {
     checkUnused(mesh, findings);
   }
 }

@@ -140,7 +140,8 @@ EdgeTrouble findTrouble(const CheckedMesh& mesh, const FindingList& findings) {
 
 void checkSurface(const CheckedMesh& mesh, FindingList& findings) {
   // Faces beside volume elements are parts of their boundary, which need not be whole.
-  if (knownCells(mesh.faces(), 2) == 0 || knownCells(mesh.elements(), 3) != 0) {
+  if (knownCells(mesh.faces(), 2) == 0 || knownCells(mesh.elements(), 3) != 0 ||
+      !mesh.areNodesHeld()) {
     return;
   }
   EdgeTrouble trouble = findTrouble(mesh, findings);
