@@ -103,7 +103,9 @@ struct FlaggedKey {
   std::int64_t bucket = 0;
   std::uint64_t key = 0;
 
-  friend auto operator<=>(const FlaggedKey&, const FlaggedKey&) = default;
+  friend bool operator<(const FlaggedKey& a, const FlaggedKey& b) noexcept {
+    return a.bucket != b.bucket ? a.bucket < b.bucket : a.key < b.key;
+  }
 };
 
 }  // namespace orvml::detail
