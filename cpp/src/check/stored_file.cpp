@@ -55,6 +55,8 @@ constexpr std::array<KnownMember, 4> kOfLegacyContainer = {
      {layout::kFunctionMarkers, Member::positions},
      {layout::kUserMarkers, Member::positions}}};
 
+std::string memberOf(const std::string& path, const std::string& name) { return path + "/" + name; }
+
 bool isPosition(std::string_view name) noexcept {
   int position = 0;
   const char* end = name.data() + name.size();
@@ -92,7 +94,8 @@ class StoredFile {
       H5L_info_t info = {};
       if (H5Lget_info(group.id(), name.c_str(), &info, H5P_DEFAULT) >= 0 &&
           info.type == H5L_TYPE_EXTERNAL) {
-        addOnce(ruleOf(Code::objectInAnotherFile), path + "/" + name, "is a link to another file");
+        addOnce(ruleOf(Code::objectInAnotherFile), memberOf(path, name),
+                "is a link to another file");
       } else {
         function(name);
       }
@@ -151,7 +154,7 @@ class StoredFile {
                    Member member) {
     switch (member) {
       case Member::foreign:
-        return addForeign(path + "/" + name);
+        return addForeign(memberOf(path, name));
       case Member::integers:
         return checkIntegers(group, path, name);
       case Member::nodes:
@@ -177,7 +180,7 @@ class StoredFile {
       if (isPosition(name)) {
         checkIntegers(group, path, name);
       } else {
-        addForeign(path + "/" + name);
+        addForeign(memberOf(path, name));
       }
     });
   }
@@ -191,7 +194,7 @@ class StoredFile {
     findClamped(source_, group, name, opened.id.get(), places);
     const std::string sentence = "has " + countText(places.size(), "value", "values") +
                                  " that 32 bits do not hold, read as the nearest that they do";
-    findings_.add(ruleOf(CheckCode::integersClamped), path + "/" + name, std::move(places),
+    findings_.add(ruleOf(CheckCode::integersClamped), memberOf(path, name), std::move(places),
                   sentence);
   }
 
