@@ -24,6 +24,7 @@ PAGES = {
     "fingerprint": "Fingerprints",
     "diff": "Differences",
     "patch": "Patches",
+    "check": "Checks",
     "interop": "Handles of the flat functions",
     "error": "Errors and findings",
     "shape": "Shapes",

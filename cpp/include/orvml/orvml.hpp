@@ -1,5 +1,6 @@
 #pragma once
 
+#include <orvml/check.hpp>
 #include <orvml/describe.hpp>
 #include <orvml/diff.hpp>
 #include <orvml/document.hpp>

@@ -1,0 +1,212 @@
+#include "check/checked_mesh.h"
+#include "check/key_groups.h"
+#include "check/rules.h"
+
+#include <utility>
+
+namespace orvml::detail {
+
+namespace {
+
+// A key of a face has the hash of its corners in the upper bits.
+constexpr std::uint64_t kIsTurned = 1;        // which way round the corners go
+constexpr std::uint64_t kIsDocumentFace = 2;  // of the faces of the document, not of an element
+constexpr std::uint64_t kFlags = kIsTurned | kIsDocumentFace;
+
+struct FaceKey {
+  std::int64_t lowest;
+  std::uint64_t key;
+};
+
+/// Which way round three corners go: from the lowest one to the greater or to the smaller of the
+/// others, which the parity of their order tells.
+std::uint64_t turnOf(int a, int b, int c) noexcept {
+  const bool isOdd = (a > b) != ((a > c) != (b > c));
+  return isOdd ? 0 : kIsTurned;
+}
+
+/// The same of four: the neighbours of the lowest one are compared.
+std::uint64_t turnOf(int a, int b, int c, int d) noexcept {
+  const bool isLowestAmongBD = std::min(b, d) < std::min(a, c);
+  return ((b < d) != (c < a)) != isLowestAmongBD ? kIsTurned : 0;
+}
+
+/// Calls a function with the lowest corner and the key of a face, if the corner is from `low` to
+/// before `high`.
+///
+/// @param hashes  those of the nodes, by the same numbers as the nodes
+template <class Function>
+void scanFace(const FaceCorners& face, const int* nodes, const std::uint64_t* hashes,
+              std::uint64_t flags, std::int64_t low, std::int64_t high, Function& function) {
+  const auto& c = face.corners;
+  int lowest = std::min({nodes[c[0]], nodes[c[1]], nodes[c[2]]});
+  lowest = face.count == 4 ? std::min(lowest, nodes[c[3]]) : lowest;
+  if (lowest < low || lowest >= high) {
+    return;
+  }
+  std::uint64_t sum = hashes[c[0]] + hashes[c[1]] + hashes[c[2]];
+  if (face.count == 4) {
+    sum += hashes[c[3]];
+    flags |= turnOf(nodes[c[0]], nodes[c[1]], nodes[c[2]], nodes[c[3]]);
+  } else {
+    flags |= turnOf(nodes[c[0]], nodes[c[1]], nodes[c[2]]);
+  }
+  function(FaceKey{lowest, (sum & ~kFlags) | flags});
+}
+
+/// Calls function(kind, cell, key) with the faces of the cells of a group.
+///
+/// @param kFaces  the faces of the shape, of which the compiler makes straight code
+template <std::size_t Corners, const auto& kFaces, class Function>
+void scanGroup(const CheckedMesh& mesh, const CheckedGroup& group, PlaceKind kind, std::int64_t low,
+               std::int64_t high, Function& function) {
+  const std::uint64_t flags = kind == PlaceKind::face ? kIsDocumentFace : 0;
+  forEachCell(group, mesh.nodes, low, high, [&](std::int64_t i, const int* cell) {
+    std::array<std::uint64_t, Corners> hashes;
+    for (std::size_t corner = 0; corner < Corners; ++corner) {
+      hashes[corner] = scattered(static_cast<std::uint64_t>(cell[corner]));
+    }
+    auto emit = [&](const FaceKey& key) { function(kind, group.first + i, key); };
+    for (const FaceCorners& face : kFaces) {
+      scanFace(face, cell, hashes.data(), flags, low, high, emit);
+    }
+  });
+}
+
+constexpr FaceCorners kTriangleItself[] = {{3, {0, 1, 2}}};
+constexpr FaceCorners kQuadrilateralItself[] = {{4, {0, 1, 2, 3}}};
+
+template <class Function>
+void scanGroup(const CheckedMesh& mesh, const CheckedGroup& group, PlaceKind kind, std::int64_t low,
+               std::int64_t high, Function& function) {
+  switch (group.facts->shape) {
+    case Shape::tetrahedron:
+      return scanGroup<4, kTetrahedronFaces>(mesh, group, kind, low, high, function);
+    case Shape::hexahedron:
+      return scanGroup<8, kHexahedronFaces>(mesh, group, kind, low, high, function);
+    case Shape::prism:
+      return scanGroup<6, kPrismFaces>(mesh, group, kind, low, high, function);
+    case Shape::pyramid:
+      return scanGroup<5, kPyramidFaces>(mesh, group, kind, low, high, function);
+    case Shape::triangle:
+      return scanGroup<3, kTriangleItself>(mesh, group, kind, low, high, function);
+    case Shape::quadrilateral:
+      return scanGroup<4, kQuadrilateralItself>(mesh, group, kind, low, high, function);
+    default:
+      return;
+  }
+}
+
+/// Calls function(kind, cell, key) with the faces of the volume elements and of the document.
+template <class Function>
+void scanFaces(const CheckedMesh& mesh, std::int64_t low, std::int64_t high, Function function) {
+  for (const CheckedCells* cells : {&mesh.elements(), &mesh.faces()}) {
+    for (const CheckedGroup& group : cells->groups) {
+      if (group.facts != nullptr) {
+        scanGroup(mesh, group, placeKindOf(cells->entity), low, high, function);
+      }
+    }
+  }
+}
+
+/// What is said of faces, with the keys of the first few.
+struct FlaggedFaces {
+  Places places;
+  std::vector<FlaggedKey> keys;
+
+  void add(std::int64_t bucket, std::uint64_t key, int most) {
+    places.count(1);
+    if (static_cast<int>(keys.size()) < most) {
+      keys.push_back({bucket, key & ~kFlags});
+    }
+  }
+};
+
+struct FaceTrouble {
+  bool isAnyOnOneSide = false;  // two elements of a face
+  FlaggedFaces withoutElement;
+  FlaggedFaces sharedByMany;
+  FlaggedFaces inward;
+};
+
+/// Judges the faces with one set of corners, whose keys differ in their flags alone.
+void judge(std::int64_t bucket, std::span<const std::uint64_t> same, int most,
+           FaceTrouble& trouble) {
+  std::size_t ofElements = 0;
+  while (ofElements < same.size() && (same[ofElements] & kIsDocumentFace) == 0) {
+    ++ofElements;
+  }
+  trouble.isAnyOnOneSide |= ofElements > 1 && same[0] == same[1];
+  if (ofElements > 2) {
+    trouble.sharedByMany.add(bucket, same[0], most);
+  }
+  for (const std::uint64_t face : same.subspan(ofElements)) {
+    if (ofElements == 0) {
+      trouble.withoutElement.add(bucket, face, most);
+    } else if (ofElements == 1 && (face & kIsTurned) != (same[0] & kIsTurned)) {
+      trouble.inward.add(bucket, face, most);
+    }
+  }
+}
+
+/// The elements or faces of the first few keys.
+void tellPlaces(const CheckedMesh& mesh, FlaggedFaces& flagged) {
+  std::sort(flagged.keys.begin(), flagged.keys.end());
+  scanFaces(mesh, 0, mesh.nodes, [&](PlaceKind kind, std::int64_t cell, const FaceKey& face) {
+    if (kind == flagged.places.kind() &&
+        std::binary_search(flagged.keys.begin(), flagged.keys.end(),
+                           FlaggedKey{face.lowest, face.key & ~kFlags})) {
+      flagged.places.tell(cell);
+    }
+  });
+}
+
+void add(CheckCode code, const CheckedMesh& mesh, FlaggedFaces flagged, const std::string& object,
+         const char* what, FindingList& findings) {
+  if (!flagged.places.empty()) {
+    tellPlaces(mesh, flagged);
+    const std::string sentence = "has " + countText(flagged.places.size(), "face", "faces") + what;
+    findings.add(ruleOf(code), object, std::move(flagged.places), sentence);
+  }
+}
+
+}  // namespace
+
+bool checkFaces(const CheckedMesh& mesh, FindingList& findings) {
+  const std::int64_t elements = knownCells(mesh.elements(), 3);
+  if (elements == 0 || !mesh.areNodesHeld()) {
+    return false;
+  }
+  FaceTrouble trouble{false,
+                      {findings.places(PlaceKind::face), {}},
+                      {findings.places(PlaceKind::element), {}},
+                      {findings.places(PlaceKind::face), {}}};
+  forEachBucket(
+      mesh.nodes, mostKeys(elements),
+      [&](std::int64_t low, std::int64_t high, auto emit) {
+        scanFaces(mesh, low, high, [&](PlaceKind, std::int64_t, const FaceKey& face) {
+          emit(face.lowest, face.key);
+        });
+      },
+      [&](std::int64_t bucket, std::span<const std::uint64_t> keys) {
+        for (std::size_t begin = 0; begin < keys.size();) {
+          std::size_t end = begin + 1;
+          while (end < keys.size() && (keys[end] & ~kFlags) == (keys[begin] & ~kFlags)) {
+            ++end;
+          }
+          judge(bucket, keys.subspan(begin, end - begin), findings.mostPlaces(), trouble);
+          begin = end;
+        }
+      });
+  if (mesh.elements().isWhole) {
+    add(CheckCode::faceWithoutElement, mesh, std::move(trouble.withoutElement), mesh.faces().object,
+        " without a volume element", findings);
+  }
+  add(CheckCode::faceSharedByMany, mesh, std::move(trouble.sharedByMany), mesh.elements().object,
+      " that more than two elements share", findings);
+  add(CheckCode::inwardFace, mesh, std::move(trouble.inward), mesh.faces().object,
+      " looking inwards", findings);
+  return !trouble.isAnyOnOneSide;
+}
+
+}  // namespace orvml::detail
