@@ -170,6 +170,38 @@ TEST_F(MatchedMeshes, OfOtherDimensionsHaveNothingInCommon) {
   EXPECT_FALSE(report.areSame());
 }
 
+/// Views may be of anything, though meshes have 2 or 3 dimensions.
+TEST_F(MatchedMeshes, OfMoreThanThreeDimensionsHaveNothingInCommon) {
+  const Doubles coordinates(8 * 4, 0.5);
+  orvml::DocumentParts parts;
+  parts.dimension = 8;
+  parts.nodes = orvml::NodesView(coordinates, 8);
+  const orvml::InputView view(parts);
+
+  const DiffReport report = diff(view, view, {.matchWithin = 1.0});
+
+  EXPECT_EQ(report.match->nodes.matched, 0);
+}
+
+/// A value whose counterpart is missing does not pass for equal.
+TEST_F(MatchedMeshes, TellOfAttributesThatAreShorterThanTheirNodes) {
+  const Doubles coordinates{0, 0, 1, 1};
+  const Ints whole{1, 2};
+  const Ints half{1};
+  const auto viewOf = [&](const Ints& values) {
+    orvml::DocumentParts parts;
+    parts.dimension = 2;
+    parts.nodes = orvml::NodesView(coordinates, 2,
+                                   orvml::Attributes({orvml::Attribute("a", std::span(values))}));
+    return orvml::InputView(parts);
+  };
+
+  const DiffReport report = diff(viewOf(whole), viewOf(half), {.matchWithin = 0.0});
+
+  ASSERT_EQ(report.differences.size(), 1U);
+  EXPECT_EQ(report.differences[0].change, orvml::Change::size);
+}
+
 TEST_F(MatchedMeshes, WithIndicesOutOfRangeAreComparedAll) {
   Input a({"m", "1", "c"}, 2);
   a.setNodes(Doubles{0, 0, 1, 1});

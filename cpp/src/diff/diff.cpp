@@ -17,6 +17,7 @@ namespace orvml {
 namespace {
 
 namespace layout = orvml_io::layout;
+using detail::EntityMatch;
 using detail::MeshMatch;
 using detail::ValueDifference;
 
@@ -85,7 +86,7 @@ class Comparison {
     }
     compareParameters();
     compareVectors(first_.vectorParameters(), second_.vectorParameters(), layout::kParametersVector,
-                   {});
+                   nullptr);
     if (match_) {
       report_.match = MatchReport{match_->nodes.counts, match_->edges.counts, match_->faces.counts,
                                   match_->elements.counts};
@@ -234,24 +235,23 @@ class Comparison {
   }
 
   void compareAttributes(Entity entity) {
-    std::span<const int> numbering;
-    if (match_) {
-      numbering = match_->of(entity).numbering;
-    }
     compareVectors(first_.attributes(entity), second_.attributes(entity),
-                   std::string(groupOf(entity)) + layout::kAttributes, numbering);
+                   std::string(groupOf(entity)) + layout::kAttributes,
+                   match_ ? &match_->of(entity) : nullptr);
   }
 
+  /// @param match  of the nodes or cells that the vectors belong to; none for the vectors of the
+  ///   whole document and where values of one position belong together
   void compareVectors(const Attributes& first, const Attributes& second, const std::string& group,
-                      std::span<const int> numbering) {
+                      const EntityMatch* match) {
     forEachName(first, second, group,
                 [&](const std::string& object, const Attribute& a, const Attribute& b) {
-                  compareVector(object, a, b, numbering);
+                  compareVector(object, a, b, match);
                 });
   }
 
   void compareVector(const std::string& object, const Attribute& a, const Attribute& b,
-                     std::span<const int> numbering) {
+                     const EntityMatch* match) {
     if (a.mustBeTransmitted != b.mustBeTransmitted) {
       add(Change::flag, object,
           std::string("must be transmitted in the ") + (a.mustBeTransmitted ? "first" : "second") +
@@ -262,9 +262,9 @@ class Comparison {
           std::string("holds ") + typeOf(a) + " in the first, " + typeOf(b) + " in the second");
       return;
     }
-    // Values of matched meshes are compared where each belongs to a node or cell.
-    const bool isNumbered = !numbering.empty() && a.size() == numbering.size();
-    if (!isNumbered && !areSameSize(object, a.size(), b.size(), "value")) {
+    // A vector of another length has no value for each node or cell: it is compared as it stands.
+    const bool isMatched = match != nullptr && hasValueForEach(*match, a, b);
+    if (!isMatched && !areSameSize(object, a.size(), b.size(), "value")) {
       return;
     }
     std::visit(
@@ -272,21 +272,15 @@ class Comparison {
           const auto others = std::get<decltype(values)>(b.values);
           const Tolerance& tolerance = toleranceOf(a.name);
           addValues(object, values.size(),
-                    isNumbered ? compareNumbered(values, others, tolerance, numbering)
-                               : detail::compareValues(values, others, tolerance));
+                    isMatched ? detail::compareValues(values, others, tolerance, match->numbering)
+                              : detail::compareValues(values, others, tolerance));
         },
         a.values);
   }
 
-  /// An attribute of the second document may be shorter than its nodes or cells.
-  template <class Values>
-  ValueDifference compareNumbered(Values values, Values others, const Tolerance& tolerance,
-                                  std::span<const int> numbering) {
-    std::vector<int> within(numbering.begin(), numbering.end());
-    for (int& number : within) {
-      number = number >= 0 && static_cast<std::size_t>(number) < others.size() ? number : -1;
-    }
-    return detail::compareValues(values, others, tolerance, within);
+  static bool hasValueForEach(const EntityMatch& match, const Attribute& a, const Attribute& b) {
+    const std::int64_t sizeOfSecond = match.counts.matched + match.counts.onlyInSecond;
+    return a.size() == match.numbering.size() && b.size() == static_cast<std::size_t>(sizeOfSecond);
   }
 
   void compareParameters() {

@@ -15,6 +15,9 @@ namespace {
 
 constexpr int kNone = -1;
 
+/// Views may be of nodes of any dimension; meshes have 2 or 3.
+constexpr int kMostDimensions = 3;
+
 /// Mixes a word into a hash; the constants are those of splitmix64 (Steele, Lea, Flood: "Fast
 /// splittable pseudorandom number generators", 2014).
 std::uint64_t mixed(std::uint64_t hash, std::uint64_t word) noexcept {
@@ -70,6 +73,7 @@ class KeyedItems {
 /// those that its surroundings touch.
 class Cubes {
  public:
+  /// @param dimension  of the points, at most kMostDimensions
   Cubes(double distance, int dimension) : distance_(distance), dimension_(dimension) {}
 
   [[nodiscard]] std::uint64_t keyOf(std::span<const double> point) const noexcept {
@@ -84,10 +88,10 @@ class Cubes {
   template <class Visit>
   void visitAround(std::span<const double> point, Visit visit) const {
     const unsigned corners = 1U << static_cast<unsigned>(dimension_);
-    std::array<std::uint64_t, 8> seen = {};
+    std::array<std::uint64_t, 1U << kMostDimensions> seen = {};
     std::size_t count = 0;
     for (unsigned corner = 0; corner < corners; ++corner) {
-      std::array<double, 3> moved = {};
+      std::array<double, kMostDimensions> moved = {};
       for (int i = 0; i < dimension_; ++i) {
         const bool isUp = (corner >> static_cast<unsigned>(i)) % 2 == 1;
         moved[static_cast<std::size_t>(i)] =
@@ -135,7 +139,9 @@ void count(EntityMatch& match, std::int64_t sizeOfSecond) {
   counts.onlyInSecond = sizeOfSecond - counts.matched;
 }
 
-bool hasCoordinates(const NodesView& nodes) noexcept { return !nodes.coordinates().empty(); }
+bool areInSpace(const NodesView& nodes) noexcept {
+  return !nodes.coordinates().empty() && nodes.dimension() <= kMostDimensions;
+}
 
 /// Takes the nearest node of the second mesh that is free.
 int takeNearest(const Cubes& cubes, KeyedItems& items, const NodesView& second,
@@ -163,7 +169,7 @@ int takeNearest(const Cubes& cubes, KeyedItems& items, const NodesView& second,
 EntityMatch matchNodes(const NodesView& first, const NodesView& second, double distance) {
   EntityMatch match;
   match.numbering.assign(static_cast<std::size_t>(first.size()), kNone);
-  if (first.dimension() == second.dimension() && hasCoordinates(first) && hasCoordinates(second)) {
+  if (first.dimension() == second.dimension() && areInSpace(first) && areInSpace(second)) {
     const Cubes cubes(distance, first.dimension());
     KeyedItems items;
     items.reserve(static_cast<std::size_t>(second.size()));

@@ -23,7 +23,7 @@ struct MeshMatch {
 
 /// Finds the nodes that lie within a distance of each other, each with one of the other mesh, the
 /// nearest first come; and the cells of one shape that have the same nodes in any order. Meshes of
-/// different dimensions have nothing in common.
+/// different dimensions, or of more than three, have nothing in common.
 [[nodiscard]] MeshMatch matchMeshes(const DocumentView& first, const DocumentView& second,
                                     double distance);
 
