@@ -12,7 +12,8 @@ namespace orvml {
 
 struct LoadOptions {
   Policy policy = Policy::strict;
-  /// Threads that read large arrays. HDF5 itself is only ever called from the caller's.
+  /// Threads that read large arrays, of which at most 256 are used. HDF5 itself is only ever called
+  /// from the caller's.
   int threads = 1;
 };
 

@@ -69,12 +69,12 @@ std::span<const Value> valuesOf(const Items& items, Section section, const std::
   return *values;
 }
 
-std::string_view textOf(const Items& items, Section section, RebuiltTexts& texts) {
+std::string_view textOf(const Items& items, Section section, std::deque<std::string>& texts) {
   std::optional<std::string> text = textOfBytes(valuesOf<int>(items, section));
   if (!text) {
     throwDamaged("a text is none");
   }
-  return texts.texts.emplace_back(std::move(*text));
+  return texts.emplace_back(std::move(*text));
 }
 
 Attributes vectorsOf(const Items& items, Section section) {
@@ -173,7 +173,7 @@ Items itemsOf(const DocumentView& document) {
   return items;
 }
 
-DocumentParts partsOf(const Items& items, RebuiltTexts& texts) {
+DocumentParts partsOf(const Items& items, std::deque<std::string>& texts) {
   const std::span<const int> dimension = valuesOf<int>(items, Section::dimension);
   if (dimension.size() != 1 || dimension.front() < 1) {
     throwDamaged("there is no dimension");

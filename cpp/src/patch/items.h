@@ -66,13 +66,8 @@ struct Items {
 [[nodiscard]] std::vector<int> bytesOfText(std::string_view text);
 [[nodiscard]] std::optional<std::string> textOfBytes(std::span<const int> bytes);
 
-/// The texts and numbers that a view of items refers to.
-struct RebuiltTexts {
-  std::deque<std::string> texts;
-};
-
-/// Makes the document of items again; borrows their arrays. Throws Code::patchDamaged where they do
-/// not fit each other.
-[[nodiscard]] DocumentParts partsOf(const Items& items, RebuiltTexts& texts);
+/// Makes the document of items again; borrows their arrays, and the texts that it adds. Throws
+/// Code::patchDamaged where the items do not fit each other.
+[[nodiscard]] DocumentParts partsOf(const Items& items, std::deque<std::string>& texts);
 
 }  // namespace orvml::detail

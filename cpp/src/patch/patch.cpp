@@ -54,7 +54,7 @@ void savePatch(const std::filesystem::path& path, const Exchange& from, const Ex
 struct Patched::Content {
   OwnedArrays arrays;
   std::deque<Items> items;
-  detail::RebuiltTexts texts;
+  std::deque<std::string> texts;
   Exchange documents;
 
   template <class View>

@@ -27,6 +27,9 @@ constexpr char kSteps[] = "steps";
 constexpr char kNames[] = "names";
 constexpr std::size_t kNumbersOfAStep = 6;
 
+/// The type of a step's array, as files number it: the alternatives of its values.
+constexpr int kDoubles = 1;
+
 std::string attributeOf(Kind kind, const char* which) {
   return std::string(kind == Kind::input ? "INPUT_" : "OUTPUT_") + which;
 }
@@ -54,8 +57,8 @@ bool writeSteps(const OpenGroup& group, const std::vector<Step>& steps) {
   for (std::size_t i = 0; i < steps.size(); ++i) {
     const Step& step = steps[i];
     rows.insert(rows.end(), {static_cast<int>(step.key.section), static_cast<int>(step.operation),
-                             step.holdsInts ? 0 : 1, step.mustBeTransmitted ? 1 : 0, step.length,
-                             static_cast<int>(step.key.name.size())});
+                             static_cast<int>(step.values.index()), step.mustBeTransmitted ? 1 : 0,
+                             step.length, static_cast<int>(step.key.name.size())});
     const std::vector<int> name = bytesOfText(step.key.name);
     names.insert(names.end(), name.begin(), name.end());
     areWritten = areWritten && writeArraysOf(group, i, step);
@@ -156,7 +159,8 @@ class PatchReader {
     Step step;
     step.key = {static_cast<Section>(row[0]), std::move(*name)};
     step.operation = static_cast<Operation>(row[1]);
-    step.holdsInts = row[2] == 0;
+    step.values = row[2] == kDoubles ? decltype(step.values)(std::span<const double>())
+                                     : std::span<const int>();
     step.mustBeTransmitted = row[3] == 1;
     step.length = row[4];
     return step;
@@ -167,10 +171,10 @@ class PatchReader {
       return;
     }
     const std::string values = "values_" + std::to_string(number);
-    if (step.holdsInts) {
-      step.values = read<int>(group, values, arrays_.readInts);
-    } else {
+    if (step.values.index() == kDoubles) {
       step.values = read<double>(group, values, arrays_.readDoubles);
+    } else {
+      step.values = read<int>(group, values, arrays_.readInts);
     }
     step.places = read<int>(group, "places_" + std::to_string(number), arrays_.readInts);
     const std::size_t found = std::visit([](auto array) { return array.size(); }, step.values);

@@ -54,7 +54,6 @@ Step replacing(const ItemKey& key, const Item& item) {
   Step step;
   step.key = key;
   step.operation = Operation::replace;
-  step.holdsInts = item.values.index() == 0;
   step.mustBeTransmitted = item.mustBeTransmitted;
   step.length = require32(sizeOf(item));
   step.values = item.values;
@@ -129,7 +128,7 @@ std::vector<Step> stepsBetween(const Items& from, const Items& to, OwnedArrays& 
   auto old = from.all.begin();
   for (const auto& [key, item] : to.all) {
     for (; old != from.all.end() && old->first < key; ++old) {
-      steps.push_back({old->first, Operation::remove, true, false, 0, {}, {}});
+      steps.push_back({old->first, Operation::remove, false, 0, {}, {}});
     }
     if (old == from.all.end() || key < old->first) {
       steps.push_back(replacing(key, item));
@@ -141,7 +140,7 @@ std::vector<Step> stepsBetween(const Items& from, const Items& to, OwnedArrays& 
     ++old;
   }
   for (; old != from.all.end(); ++old) {
-    steps.push_back({old->first, Operation::remove, true, false, 0, {}, {}});
+    steps.push_back({old->first, Operation::remove, false, 0, {}, {}});
   }
   return steps;
 }

@@ -22,7 +22,6 @@ enum class Operation : int {
 struct Step {
   ItemKey key;
   Operation operation = Operation::remove;
-  bool holdsInts = true;
   bool mustBeTransmitted = false;
   int length = 0;  ///< of the whole array afterwards
 
