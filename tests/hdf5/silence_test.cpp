@@ -1,6 +1,7 @@
 #include "hdf5/silence.h"
 
 #include "support/captured_output.h"
+#include "support/counting_error_handler.h"
 
 #include <gtest/gtest.h>
 
@@ -9,31 +10,7 @@ namespace {
 
 using orvml_io::Silence;
 
-void failInHdf5() { H5Gclose(-1); }
-
-/// Counts its calls in the int that it gets as its data.
-herr_t countCall(hid_t /*stack*/, void* calls) {
-  ++*static_cast<int*>(calls);
-  return 0;
-}
-
-herr_t countCallOfTheFirstGeneration(void* calls) {
-  ++*static_cast<int*>(calls);
-  return 0;
-}
-
-/// Restores HDF5's own handler after a test that sets another.
-class SilenceTest : public ::testing::Test {
- protected:
-  SilenceTest() { H5Eget_auto2(H5E_DEFAULT, &handler_, &data_); }
-  ~SilenceTest() override { H5Eset_auto2(H5E_DEFAULT, handler_, data_); }
-
-  int calls = 0;
-
- private:
-  H5E_auto2_t handler_ = nullptr;
-  void* data_ = nullptr;
-};
+using SilenceTest = CountingErrorHandlerTest;
 
 TEST_F(SilenceTest, StopsThePrintingOfHdf5) {
   CapturedOutput captured;
@@ -55,7 +32,7 @@ TEST_F(SilenceTest, EndsWithItsScope) {
 }
 
 TEST_F(SilenceTest, DoesNotCallTheHandlerOfTheCaller) {
-  H5Eset_auto2(H5E_DEFAULT, countCall, &calls);
+  setHandler();
   const Silence silence;
 
   failInHdf5();
@@ -64,7 +41,7 @@ TEST_F(SilenceTest, DoesNotCallTheHandlerOfTheCaller) {
 }
 
 TEST_F(SilenceTest, RestoresTheHandlerOfTheCallerWithItsData) {
-  H5Eset_auto2(H5E_DEFAULT, countCall, &calls);
+  setHandler();
   { const Silence silence; }
 
   failInHdf5();
@@ -73,7 +50,7 @@ TEST_F(SilenceTest, RestoresTheHandlerOfTheCallerWithItsData) {
 }
 
 TEST_F(SilenceTest, RestoresAHandlerOfTheFirstGeneration) {
-  H5Eset_auto1(countCallOfTheFirstGeneration, &calls);
+  setHandlerOfTheFirstGeneration();
   {
     const Silence silence;
     failInHdf5();
@@ -97,7 +74,7 @@ TEST_F(SilenceTest, RestoresSilenceOfTheCaller) {
 }
 
 TEST_F(SilenceTest, NestsWithoutEndingTheOuterOne) {
-  H5Eset_auto2(H5E_DEFAULT, countCall, &calls);
+  setHandler();
   const Silence outer;
   { const Silence inner; }
 
