@@ -5,6 +5,7 @@
 #include "orvml_io.h"
 #include "references/plain_text.h"
 
+#include <algorithm>
 #include <fstream>
 #include <iterator>
 #include <memory>

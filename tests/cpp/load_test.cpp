@@ -7,6 +7,7 @@
 #include "files/exchange_file_fixture.h"
 #include "hostile/valid_files.h"
 
+#include <algorithm>
 #include <ostream>
 
 namespace orvml_io_tests {

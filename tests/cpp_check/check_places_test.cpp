@@ -5,6 +5,7 @@
 
 #include <sys/resource.h>
 
+#include <algorithm>
 #include <map>
 #include <random>
 #include <set>

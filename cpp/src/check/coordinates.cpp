@@ -3,6 +3,7 @@
 #include "check/key_groups.h"
 #include "check/rules.h"
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <limits>

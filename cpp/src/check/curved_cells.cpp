@@ -1,5 +1,6 @@
 #include "check/curved_cells.h"
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
 

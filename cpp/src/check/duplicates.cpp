@@ -3,6 +3,7 @@
 #include "check/key_groups.h"
 #include "check/rules.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace orvml::detail {

@@ -2,6 +2,7 @@
 #include "check/key_groups.h"
 #include "check/rules.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace orvml::detail {

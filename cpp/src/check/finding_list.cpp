@@ -2,6 +2,7 @@
 
 #include "hdf5/layout.h"
 
+#include <algorithm>
 #include <iterator>
 
 namespace orvml::detail {

@@ -1,6 +1,7 @@
 #include "check/checked_mesh.h"
 #include "check/rules.h"
 
+#include <algorithm>
 #include <limits>
 #include <utility>
 

@@ -3,6 +3,7 @@
 #include "check/curved_cells.h"
 #include "check/rules.h"
 
+#include <cmath>
 #include <optional>
 #include <utility>
 

@@ -1,6 +1,7 @@
 #include "check/checked_mesh.h"
 #include "check/quality_measures.h"
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
 

@@ -3,6 +3,7 @@
 #include "check/corners.h"
 #include "check/shape_facts.h"
 
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 

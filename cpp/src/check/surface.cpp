@@ -3,6 +3,7 @@
 #include "check/rules.h"
 #include "check/vec.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace orvml::detail {

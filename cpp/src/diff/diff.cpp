@@ -5,6 +5,7 @@
 #include "hdf5/layout.h"
 #include "lent_document.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <sstream>
