@@ -5,6 +5,7 @@ add_library(orvml_io_warnings INTERFACE)
 target_compile_options(orvml_io_warnings INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast -Wcast-qual
   -Wcast-align -Wnon-virtual-dtor -Woverloaded-virtual -Wdouble-promotion -Wformat=2 -Wundef
+  $<$<CXX_COMPILER_ID:Clang>:-Wreserved-identifier>
   $<$<BOOL:${ORVML_IO_WARNINGS_AS_ERRORS}>:-Werror>)
 
 # Sanitizers and coverage reach whatever is built with the target in this tree, never its package.

@@ -7,7 +7,7 @@ scratch=$2
 
 rm -rf "$scratch"
 cmake -S "$source/tests/install/embedding_project" -B "$scratch" -G Ninja \
-  -DORVML_IO_SOURCE="$source" -DBUILD_SHARED_LIBS=OFF >/dev/null
+  -DORVML_IO_SOURCE="$source" -DCMAKE_BUILD_TYPE=Release -DBUILD_SHARED_LIBS=OFF >/dev/null
 cmake --build "$scratch" >/dev/null
 ls "$scratch"/orvml_io/liborvml_io.a
 "$scratch/program"
