@@ -1,11 +1,13 @@
 #pragma once
 
+#include "hdf5/layout.h"
 #include "hdf5/source_file.h"
 #include "orvml_io.h"
 #include "values/attributes_vector.h"
 #include "values/blocks.h"
 
 #include <map>
+#include <string>
 
 namespace orvml_io {
 
@@ -22,6 +24,28 @@ namespace orvml_io {
 [[nodiscard]] const char* GetAttributeNameFromDeprecatedAttributeIndex(
     const char* moduleName, int position, ORVML_TYPE_OF_ENTITY entity,
     ORVML_TYPE_OF_ATTRIBUTE attributeType, ORVML_TYPE_OF_VALUE valueType);
+
+/// One of the four positional attribute groups of a container.
+struct PositionalAttributes {
+  const char* subPath;
+  ORVML_TYPE_OF_ATTRIBUTE attributeType;
+  ORVML_TYPE_OF_VALUE valueType;
+  const char* fallbackName;  ///< of positions without a name; the position follows
+};
+
+/// Read in this order: later groups replace entries of the same name.
+inline constexpr PositionalAttributes kPositionalAttributes[] = {
+    {layout::kFunctionAttributes, ORVML_FUNCTION_ATTRIBUTE, ORVML_DOUBLE, "function-attribute-"},
+    {layout::kUserAttributes, ORVML_USER_ATTRIBUTE, ORVML_DOUBLE, "user-attribute-"},
+    {layout::kFunctionMarkers, ORVML_FUNCTION_ATTRIBUTE, ORVML_INT, "function-marker-"},
+    {layout::kUserMarkers, ORVML_USER_ATTRIBUTE, ORVML_INT, "user-marker-"}};
+
+/// The name of the vector at a position of a container's group.
+///
+/// @param mayBeEmpty  whether the empty name stays; it becomes that of a position without a name
+///                    otherwise
+[[nodiscard]] std::string attributeNameAt(const PositionalAttributes& group, int position,
+                                          ORVML_TYPE_OF_ENTITY entity, bool mayBeEmpty);
 
 /// The vectors of a positional group, by position; positions without a dataset are absent.
 using PositionedVectors = std::map<int, MallocBlock>;
