@@ -28,9 +28,8 @@ void Losses::addAsTold(LostObject lost) {
 
 void Losses::addChange(const std::string& object, const std::string& sentence) {
   const std::string whole = object + " " + sentence;
-  const bool isKnown = std::any_of(changed_.begin(), changed_.end(), [&](const auto& changed) {
-    return changed.sentence == whole;
-  });
+  const bool isKnown = std::any_of(changed_.begin(), changed_.end(),
+                                   [&](const auto& changed) { return changed.sentence == whole; });
   if (!isKnown) {
     changed_.push_back({object, whole});
   }

@@ -55,7 +55,9 @@ CellsView viewOf(const RescuedPart& cells) {
   std::vector<CellGroup> groups;
   groups.reserve(cells.groups.size());
   for (const RescuedGroup& group : cells.groups) {
-    groups.push_back(viewOf(group));
+    if (!group.isDropped) {
+      groups.push_back(viewOf(group));
+    }
   }
   return CellsView(std::move(groups), viewOf(cells.attributes));
 }
@@ -134,9 +136,9 @@ void RescuedDocument::dropCells(RescuedPart& cells, const std::vector<bool>& isD
       keepRows(group.nodeIndices, static_cast<std::size_t>(group.nodesPerCell), isDropped, first);
     }
     first += static_cast<std::size_t>(group.cells);
+    group.isDropped |= dropped > 0 && dropped == group.cells;
     group.cells -= dropped;
   }
-  std::erase_if(cells.groups, [](const RescuedGroup& group) { return group.cells == 0; });
 }
 
 void RescuedDocument::dropAll(Entity entity) {

@@ -34,6 +34,7 @@ struct RescuedGroup {
   int nodesPerCell = 0;
   std::int64_t cells = 0;
   std::vector<int> nodeIndices;  // [cells x nodesPerCell]
+  bool isDropped = false;        // whether none of its cells is left, so that it is no group either
 };
 
 /// The nodes, or the cells of one kind.
