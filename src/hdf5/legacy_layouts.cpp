@@ -244,6 +244,11 @@ std::string attributeNameAt(const PositionalAttributes& group, int position,
              : std::string(name);
 }
 
+std::string genericAttributeNameAt(const char* module, int position) {
+  return nameOrPosition(GetParameterNameFromDeprecatedGenericAttributeIndex(module, position),
+                        position);
+}
+
 int ReadAttributesOldInt(SourceFile& file, const OpenGroup& container, const char* subPath,
                          int count, PositionedVectors& vectors) {
   return file.valid()
@@ -276,8 +281,7 @@ int ReadAttributesOld(SourceFile& file, const OpenGroup& container, int count,
     last = readAttributeVectors(file, container, group.subPath, codeOf(group), count, vectors);
     hasRefused = hasRefused || last.hasRefused;
     for (auto& [position, block] : vectors) {
-      storeUnseen(attributes,
-                  attributeNameAt(group, position, entity, !file.namesEveryAttribute()),
+      storeUnseen(attributes, attributeNameAt(group, position, entity, !file.namesEveryAttribute()),
                   std::move(block), codeOf(group), count,
                   group.attributeType == ORVML_USER_ATTRIBUTE);
     }
@@ -307,35 +311,50 @@ int OrvInputAndOrvOutput::ReadParametersScalarOld(SourceFile& file, const OpenGr
   return kOk;
 }
 
+GenericVectorsRead ReadGenericMarkersOld(SourceFile& file, const OpenGroup& document,
+                                         OML_AttributesVector& store) {
+  if (!Orv_H5_GroupExists(document, layout::kGenericMarkers)) {
+    return {};
+  }
+  const PositionalGroup group = openPositionalGroup(file, document, layout::kGenericMarkers);
+  if (group.found != Found::object) {
+    return {kFailed, false};
+  }
+  return {readGenericVectors(file, document.below(group.id.get(), layout::kGenericMarkers),
+                             group.positions, kIntCode, store,
+                             [](int position) { return std::to_string(position); }),
+          true};
+}
+
+GenericVectorsRead ReadGenericAttributesOld(SourceFile& file, const OpenGroup& document,
+                                            const char* module, OML_AttributesVector& store) {
+  if (!Orv_H5_GroupExists(document, layout::kGenericAttributes)) {
+    return {};
+  }
+  const PositionalGroup group = openPositionalGroup(file, document, layout::kGenericAttributes);
+  if (group.found != Found::object) {
+    return {kFailed, false};
+  }
+  return {readGenericVectors(
+              file, document.below(group.id.get(), layout::kGenericAttributes), group.positions,
+              kDoubleCode, store,
+              [module](int position) { return genericAttributeNameAt(module, position); }),
+          true};
+}
+
 int OrvInputAndOrvOutput::ReadParametersVectorOld(SourceFile& file, const OpenGroup& document) {
   if (!document.fits(layout::kGenericMarkers) || !document.fits(layout::kGenericAttributes)) {
     return kFailed;
   }
-  AnyFailure any;
   // Contract: a group without a usable "MAX_ID" ends the reading; without one for the markers the
   // attributes are not read.
-  if (Orv_H5_GroupExists(document, layout::kGenericMarkers)) {
-    const PositionalGroup group = openPositionalGroup(file, document, layout::kGenericMarkers);
-    if (group.found != Found::object) {
-      return kFailed;
-    }
-    any.add(readGenericVectors(file, document.below(group.id.get(), layout::kGenericMarkers),
-                               group.positions, kIntCode, parametersVector,
-                               [](int position) { return std::to_string(position); }));
+  const GenericVectorsRead markers = ReadGenericMarkersOld(file, document, parametersVector);
+  if (!markers.isGroupUsable) {
+    return kFailed;
   }
-  if (Orv_H5_GroupExists(document, layout::kGenericAttributes)) {
-    const PositionalGroup group = openPositionalGroup(file, document, layout::kGenericAttributes);
-    if (group.found != Found::object) {
-      return kFailed;
-    }
-    const char* module = namingModule(*this);
-    const auto nameOf = [module](int position) {
-      return nameOrPosition(GetParameterNameFromDeprecatedGenericAttributeIndex(module, position),
-                            position);
-    };
-    any.add(readGenericVectors(file, document.below(group.id.get(), layout::kGenericAttributes),
-                               group.positions, kDoubleCode, parametersVector, nameOf));
-  }
+  AnyFailure any;
+  any.add(markers.status);
+  any.add(ReadGenericAttributesOld(file, document, namingModule(*this), parametersVector).status);
   return any.status();
 }
 

@@ -66,6 +66,25 @@ using PositionedVectors = std::map<int, MallocBlock>;
 [[nodiscard]] int ReadAttributesOld(SourceFile& file, const OpenGroup& container, int count,
                                     OML_AttributesVector& attributes, ORVML_TYPE_OF_ENTITY entity);
 
+/// The name of the double vector at a position of the generic ones; a module without a name for it
+/// gives the position itself, which is the name of every int vector.
+[[nodiscard]] std::string genericAttributeNameAt(const char* module, int position);
+
+/// What reading the generic vectors of one type came to.
+struct GenericVectorsRead {
+  int status = 0;             ///< 1 when the group, or a vector in it, could not be read
+  bool isGroupUsable = true;  ///< whether the group has a "MAX_ID", where there is a group
+};
+
+/// Reads the generic int vectors of a document; none where there is no such group.
+[[nodiscard]] GenericVectorsRead ReadGenericMarkersOld(SourceFile& file, const OpenGroup& document,
+                                                       OML_AttributesVector& store);
+/// Reads the generic double vectors, likewise.
+[[nodiscard]] GenericVectorsRead ReadGenericAttributesOld(SourceFile& file,
+                                                          const OpenGroup& document,
+                                                          const char* module,
+                                                          OML_AttributesVector& store);
+
 /// The two tests of a version text that select a layout. They differ for a text that reads as NaN.
 [[nodiscard]] bool isBelowNamedFormat(const char* version);
 [[nodiscard]] bool isNotAtLeastNamedFormat(const char* version);

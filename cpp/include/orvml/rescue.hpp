@@ -37,6 +37,11 @@ struct RescueOptions {
   /// than one other element. Otherwise they stay as they are, and check() tells of them.
   bool dropUnsoundCells = true;
   int places = 10;  ///< how many places a lost object has at most
+
+  /// Whether all is done in a child process, so that a file on which HDF5 falls ends that process
+  /// and not this one: HDF5 1.10 does not stand every damage of its own structures. A program whose
+  /// other threads may hold locks while it forks, or that has HDF5 busy in one, does without it.
+  bool inOwnProcess = true;
   SaveOptions save = {};
 };
 
@@ -70,17 +75,17 @@ struct RescueReport {
 ///   cannot be read. Older layouts are converted as upgrade() does.
 ///
 /// Values that were changed, and still are values, are not noticed: files have no checksums of
-/// them. What HDF5 itself cannot stand is not prevented, see SECURITY.md: files of strangers belong
-/// into a process of their own.
+/// them.
 ///
 /// @param damaged  path of the file to be read
 /// @param sound    path of the file to be written, as save() does; it must be another file
 /// @return what is not in the new file, and what is in it in another form
 ///
 /// Throws Error: as load() does when HDF5 cannot open the file, Code::fileNotExchange when it has
-/// neither the marker nor the documents of an exchange file, Code::rescueNothingLeft when nothing
-/// is left to be written, Code::rescueSameFile when both paths lead to one file, and as save() does
-/// when the new file cannot be written. Nothing is written then.
+/// neither the marker nor the documents of an exchange file, Code::fileDamaged when HDF5 fell on it
+/// in its own process, Code::rescueNothingLeft when nothing is left to be written,
+/// Code::rescueSameFile when both paths lead to one file, and as save() does when the new file
+/// cannot be written. Nothing is written then.
 ORVML_EXPORT RescueReport rescue(const std::filesystem::path& damaged,
                                  const std::filesystem::path& sound,
                                  const RescueOptions& options = {});

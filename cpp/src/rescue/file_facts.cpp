@@ -2,6 +2,7 @@
 #include "hdf5/exchange_file.h"
 #include "hdf5/layout.h"
 #include "hdf5/legacy_layouts.h"
+#include "hdf5/links.h"
 #include "hdf5/probes.h"
 #include "hdf5/silence.h"
 #include "model/names.h"
@@ -120,6 +121,9 @@ FileFacts factsOf(hid_t file, Losses& losses) {
   if (!facts.isMarked) {
     losses.addChange(std::string("/") + layout::kFormat,
                      "is missing, or not the marker of exchange files");
+  }
+  if (!orvml_io::linkNames(file)) {
+    losses.add(Code::objectUnreadable, "/", "cannot be listed, and may have held more");
   }
   facts.version = versionToReadBy(file, facts.statedVersion, losses);
   takeStoredObjects(file, facts, losses);

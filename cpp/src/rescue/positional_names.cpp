@@ -2,7 +2,6 @@
 
 #include "hdf5/layout.h"
 #include "hdf5/links.h"
-#include "hdf5/octree_mesher.h"
 #include "hdf5/probes.h"
 
 #include <iterator>
@@ -13,14 +12,6 @@ namespace orvml::detail {
 namespace layout = orvml_io::layout;
 using orvml_io::OpenGroup;
 using orvml_io::SourceFile;
-
-namespace {
-
-void append(std::vector<PositionedVector>& all, std::vector<PositionedVector> more) {
-  all.insert(all.end(), std::make_move_iterator(more.begin()), std::make_move_iterator(more.end()));
-}
-
-}  // namespace
 
 std::vector<PositionedVector> positionedVectors(SourceFile& file, const OpenGroup& parent,
                                                 const std::string& parentPath, const char* subPath,
@@ -34,7 +25,7 @@ std::vector<PositionedVector> positionedVectors(SourceFile& file, const OpenGrou
   const int end = orvml_io::readIntegerAttribute(file, parent, subPath, layout::kMaxId).value_or(0);
   for (const int position : positions.value_or(std::vector<int>())) {
     vectors.push_back(
-        {parentPath + subPath + "/" + std::to_string(position), nameOf(position), position < end});
+        {parentPath + subPath + "/" + std::to_string(position), nameOf(position), position, end});
   }
   return vectors;
 }
@@ -44,27 +35,12 @@ std::vector<PositionedVector> positionedAttributes(SourceFile& file, const OpenG
                                                    ORVML_TYPE_OF_ENTITY entity) {
   std::vector<PositionedVector> all;
   for (const orvml_io::PositionalAttributes& group : orvml_io::kPositionalAttributes) {
-    append(all, positionedVectors(file, container, containerPath, group.subPath, [&](int position) {
-             return attributeNameAt(group, position, entity, !file.namesEveryAttribute());
-           }));
+    const auto vectors =
+        positionedVectors(file, container, containerPath, group.subPath, [&](int position) {
+          return attributeNameAt(group, position, entity, !file.namesEveryAttribute());
+        });
+    all.insert(all.end(), vectors.begin(), vectors.end());
   }
-  return all;
-}
-
-std::vector<PositionedVector> positionedParameters(SourceFile& file, const OpenGroup& document,
-                                                   const std::string& documentPath,
-                                                   const std::string& moduleName) {
-  const std::string module = moduleName.empty() ? orvml_io::kOctreeMesher : moduleName;
-  std::vector<PositionedVector> all =
-      positionedVectors(file, document, documentPath, layout::kGenericMarkers,
-                        [](int position) { return std::to_string(position); });
-  append(all, positionedVectors(
-                  file, document, documentPath, layout::kGenericAttributes, [&](int position) {
-                    const char* name =
-                        orvml_io::GetParameterNameFromDeprecatedGenericAttributeIndex(
-                            module.c_str(), position);
-                    return name == nullptr ? std::to_string(position) : std::string(name);
-                  }));
   return all;
 }
 

@@ -13,7 +13,10 @@ namespace orvml::detail {
 struct PositionedVector {
   std::string object;  ///< its absolute path
   std::string name;
-  bool isCovered = true;  ///< whether the "MAX_ID" of its group covers it; readers go by that
+  int position = 0;
+  int end = 0;  ///< the "MAX_ID" of its group, by which readers go; 0 where there is none
+
+  [[nodiscard]] bool isCovered() const noexcept { return position < end; }
 };
 
 /// Lists the vectors in a group of positions; none where there is no such group.
@@ -28,13 +31,5 @@ struct PositionedVector {
 [[nodiscard]] std::vector<PositionedVector> positionedAttributes(
     orvml_io::SourceFile& file, const orvml_io::OpenGroup& container,
     const std::string& containerPath, ORVML_TYPE_OF_ENTITY entity);
-
-/// Lists the vector parameters of a document in its two positional groups, those that replace
-/// others of their name last.
-///
-/// @param moduleName  of the document; an empty one stands for the octree mesher
-[[nodiscard]] std::vector<PositionedVector> positionedParameters(
-    orvml_io::SourceFile& file, const orvml_io::OpenGroup& document,
-    const std::string& documentPath, const std::string& moduleName);
 
 }  // namespace orvml::detail

@@ -4,6 +4,7 @@
 #include "core_views.h"
 #include "hdf5/layout.h"
 #include "hdf5/legacy_layouts.h"
+#include "hdf5/links.h"
 #include "hdf5/octree_mesher.h"
 #include "hdf5/probes.h"
 #include "hdf5/read_array.h"
@@ -16,6 +17,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <map>
 #include <utility>
 
 namespace orvml::detail {
@@ -115,6 +117,15 @@ struct GroupArrays {
   }
 };
 
+using ObjectOfName = std::function<std::string(const std::string&)>;
+
+/// A vector and where it comes from, by name.
+struct ObjectAndVector {
+  std::string object;
+  RescuedVector vector;
+};
+using NamedVectors = std::map<std::string, ObjectAndVector>;
+
 class DocumentReader {
  public:
   DocumentReader(hid_t file, Kind kind, const FileFacts& facts, Losses& losses)
@@ -138,6 +149,7 @@ class DocumentReader {
 
  private:
   bool readFrom(const OpenGroup& document) {
+    requireNames(document, group_);
     if (!readDimension(document)) {
       losses_.add(Code::dependsOnLost, group_, "has no dimension, without which it is no document");
       return false;
@@ -176,15 +188,19 @@ class DocumentReader {
   void readPositionedAttributes(const OpenGroup& container, Entity entity,
                                 std::optional<std::int64_t> count);
   void takeAttributes(const OML_AttributesVector& store, Entity entity,
-                      std::optional<std::int64_t> count,
-                      const std::function<std::string(const std::string&)>& objectOfName);
+                      std::optional<std::int64_t> count, const ObjectOfName& objectOfName);
   void cutAttributes(Entity entity, std::optional<std::int64_t> count);
   void readParameters(const OpenGroup& document);
   void readScalars(const OpenGroup& document, ReadValuesOfCore& core);
-  void takeVectors(const OpenGroup& document, const ReadValuesOfCore& core, bool hasVolumesSizes);
-  void tellReplaced(const std::vector<PositionedVector>& positions, bool hasVolumesSizes);
+  void readGenericVectors(const OpenGroup& document, NamedVectors& vectors);
+  void takePositioned(const OpenGroup& document, const char* subPath,
+                      const OML_AttributesVector& store, NamedVectors& vectors,
+                      const std::function<std::string(int)>& nameOf);
+  void take(const OML_AttributesVector& store, const ObjectOfName& objectOfName,
+            NamedVectors& vectors);
 
   [[nodiscard]] bool isAllowed(const std::string& name, const std::string& object);
+  void requireNames(const OpenGroup& group, const std::string& path);
   void tellBehindMaxId(const std::vector<PositionedVector>& vectors);
   void tellFindings();
 
@@ -269,6 +285,7 @@ void DocumentReader::readNodes(const OpenGroup& document) {
     return;
   }
   const OpenGroup container = document.below(opened.id.get(), layout::kNodes);
+  requireNames(container, group_ + layout::kNodes);
   const std::optional<std::int64_t> count = readCoordinates(container);
   readAttributes(container, Entity::nodes, count);
 }
@@ -308,6 +325,7 @@ void DocumentReader::readCells(const OpenGroup& document, Entity entity, const c
     return;  // nothing, or told
   }
   const OpenGroup container = document.below(opened.id.get(), subPath);
+  requireNames(container, group_ + subPath);
   readAttributes(container, entity, readGroups(container, entity));
 }
 
@@ -427,9 +445,9 @@ void DocumentReader::readPositionedAttributes(const OpenGroup& container, Entity
   }
 }
 
-void DocumentReader::takeAttributes(
-    const OML_AttributesVector& store, Entity entity, std::optional<std::int64_t> count,
-    const std::function<std::string(const std::string&)>& objectOfName) {
+void DocumentReader::takeAttributes(const OML_AttributesVector& store, Entity entity,
+                                    std::optional<std::int64_t> count,
+                                    const ObjectOfName& objectOfName) {
   for (const auto& [name, entry] : store) {
     const std::string object = objectOfName(name);
     if (facts_.clamped.contains(object) || !isAllowed(name, object)) {
@@ -483,9 +501,74 @@ void DocumentReader::readParameters(const OpenGroup& document) {
   orvml_io::copyIdentification(core.fileFormatVersion, facts_.version.c_str());
   orvml_io::copyIdentification(core.moduleName, read_.moduleName.c_str());
   readScalars(document, core);
-  const bool hasVolumesSizes = core.parametersVector.count() > 0;
-  (void)core.ReadParametersVector(file_, document);
-  takeVectors(document, core, hasVolumesSizes);
+  NamedVectors vectors;
+  take(
+      core.parametersVector, [&](const std::string&) { return group_ + layout::kParameters; },
+      vectors);
+  if (isLegacy_) {
+    readGenericVectors(document, vectors);
+  } else {
+    const std::string path = group_ + layout::kParametersVector + "/";
+    OML_AttributesVector store;
+    const ReleasedAtTheEnd released(store);
+    (void)store.HDF5Read(file_, document, layout::kParametersVector);
+    take(
+        store, [&](const std::string& name) { return path + name; }, vectors);
+  }
+  for (auto& named : vectors) {
+    read_.vectorParameters.push_back(std::move(named.second.vector));
+  }
+}
+
+void DocumentReader::readGenericVectors(const OpenGroup& document, NamedVectors& vectors) {
+  const std::string module = read_.moduleName.empty() ? orvml_io::kOctreeMesher : read_.moduleName;
+  OML_AttributesVector markers;
+  const ReleasedAtTheEnd releasedMarkers(markers);
+  (void)orvml_io::ReadGenericMarkersOld(file_, document, markers);
+  takePositioned(document, layout::kGenericMarkers, markers, vectors,
+                 [](int position) { return std::to_string(position); });
+  OML_AttributesVector attributes;
+  const ReleasedAtTheEnd releasedAttributes(attributes);
+  (void)orvml_io::ReadGenericAttributesOld(file_, document, module.c_str(), attributes);
+  takePositioned(document, layout::kGenericAttributes, attributes, vectors, [&](int position) {
+    return orvml_io::genericAttributeNameAt(module.c_str(), position);
+  });
+}
+
+void DocumentReader::takePositioned(const OpenGroup& document, const char* subPath,
+                                    const OML_AttributesVector& store, NamedVectors& vectors,
+                                    const std::function<std::string(int)>& nameOf) {
+  const auto positions = positionedVectors(file_, document, group_, subPath, nameOf);
+  tellBehindMaxId(positions);
+  const auto objectOfName = [&](const std::string& name) {
+    const auto found = std::find_if(positions.begin(), positions.end(),
+                                    [&](const auto& vector) { return vector.name == name; });
+    return found == positions.end() ? group_ + subPath : found->object;
+  };
+  take(store, objectOfName, vectors);
+  for (const auto& [name, entry] : store) {
+    if (const auto found = vectors.find(name); found != vectors.end()) {
+      losses_.addChange(found->second.object,
+                        "is now " + group_ + layout::kParametersVector + "/" + name);
+    }
+  }
+}
+
+/// Takes vectors, of which the last of a name counts.
+void DocumentReader::take(const OML_AttributesVector& store, const ObjectOfName& objectOfName,
+                          NamedVectors& vectors) {
+  for (const auto& [name, entry] : store) {
+    const std::string object = objectOfName(name);
+    if (facts_.clamped.contains(object) || !isAllowed(name, object)) {
+      continue;
+    }
+    const auto replaced = vectors.find(name);
+    if (replaced != vectors.end()) {
+      losses_.add(Code::nameTwice, replaced->second.object,
+                  "has values of the name " + name + ", as " + object + " has");
+    }
+    vectors.insert_or_assign(name, ObjectAndVector{object, copyOf(name, entry)});
+  }
 }
 
 void DocumentReader::readScalars(const OpenGroup& document, ReadValuesOfCore& core) {
@@ -519,48 +602,6 @@ void DocumentReader::readScalars(const OpenGroup& document, ReadValuesOfCore& co
   }
 }
 
-void DocumentReader::takeVectors(const OpenGroup& document, const ReadValuesOfCore& core,
-                                 bool hasVolumesSizes) {
-  const std::string target = group_ + layout::kParametersVector + "/";
-  std::vector<PositionedVector> positions;
-  if (isLegacy_) {
-    positions = positionedParameters(file_, document, group_, read_.moduleName);
-    tellBehindMaxId(positions);
-    tellReplaced(positions, hasVolumesSizes);
-  }
-  for (const auto& [name, entry] : core.parametersVector) {
-    // Those that come later have replaced the others.
-    const auto found = std::find_if(positions.rbegin(), positions.rend(),
-                                    [&](const auto& vector) { return vector.name == name; });
-    const std::string object = found != positions.rend() ? found->object : target + name;
-    if (facts_.clamped.contains(object) || !isAllowed(name, object)) {
-      continue;
-    }
-    read_.vectorParameters.push_back(copyOf(name, entry));
-    if (found != positions.rend()) {
-      losses_.addChange(object, "is now " + target + name);
-    }
-  }
-}
-
-/// Vectors of one name, of which the last counts.
-void DocumentReader::tellReplaced(const std::vector<PositionedVector>& positions,
-                                  bool hasVolumesSizes) {
-  for (auto vector = positions.begin(); vector != positions.end(); ++vector) {
-    const auto other = std::find_if(vector + 1, positions.end(), [&](const auto& later) {
-      return later.name == vector->name && later.isCovered;
-    });
-    if (other != positions.end() && vector->isCovered) {
-      losses_.add(Code::nameTwice, vector->object,
-                  "has the name " + vector->name + ", as " + other->object + " has");
-    }
-    if (hasVolumesSizes && vector->isCovered && vector->name == orvml_io::kVolumesSizes) {
-      losses_.add(Code::nameTwice, group_ + layout::kParameters,
-                  "has values of the name " + vector->name + ", as " + vector->object + " has");
-    }
-  }
-}
-
 bool DocumentReader::isAllowed(const std::string& name, const std::string& object) {
   if (name.size() >= orvml_io::kNameBytes) {
     losses_.add(Code::nameTooLong, object,
@@ -576,9 +617,19 @@ bool DocumentReader::isAllowed(const std::string& name, const std::string& objec
 
 void DocumentReader::tellBehindMaxId(const std::vector<PositionedVector>& vectors) {
   for (const PositionedVector& vector : vectors) {
-    if (!vector.isCovered) {
+    if (vector.end < 1) {
+      losses_.add(Code::dependsOnLost, vector.object,
+                  "is not read without the MAX_ID of its group");
+    } else if (!vector.isCovered()) {
       losses_.add(Code::objectForeign, vector.object, "lies behind the MAX_ID of its group");
     }
+  }
+}
+
+/// Objects of a group whose names are lost look as if they had never been.
+void DocumentReader::requireNames(const OpenGroup& group, const std::string& path) {
+  if (!orvml_io::linkNames(group.id())) {
+    losses_.add(Code::objectUnreadable, path, "cannot be listed, and may have held more");
   }
 }
 

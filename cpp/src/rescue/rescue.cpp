@@ -4,6 +4,7 @@
 #include "opened_file.h"
 #include "rescue/damaged_file.h"
 #include "rescue/losses.h"
+#include "rescue/own_process.h"
 #include "rescue/read_document.h"
 #include "rescue/rescued_document.h"
 #include "rescue/sound_document.h"
@@ -82,11 +83,19 @@ bool isNothingLeft(const ReadFile& file) {
   return (!file.input && !file.output) || (isInputEmpty && isOutputEmpty && !file.losses.empty());
 }
 
-}  // namespace
+[[noreturn]] void throwNothingLeft(const std::vector<LostObject>& lost,
+                                   const std::filesystem::path& path) {
+  constexpr std::size_t kMostReasons = 3;
+  std::string reasons;
+  for (std::size_t i = 0; i < std::min(lost.size(), kMostReasons); ++i) {
+    reasons += (i == 0 ? ": " : "; ") + lost[i].sentence;
+  }
+  throw Error(Code::rescueNothingLeft, "holds nothing that can be saved" + reasons,
+              {path, lost.empty() ? std::string() : lost.front().object, {}});
+}
 
-RescueReport rescue(const std::filesystem::path& damaged, const std::filesystem::path& sound,
-                    const RescueOptions& options) {
-  requireOtherFile(damaged, sound);
+RescueReport rescueHere(const std::filesystem::path& damaged, const std::filesystem::path& sound,
+                        const RescueOptions& options) {
   ReadFile file = read(damaged);
   for (std::optional<RescuedDocument>* document : {&file.input, &file.output}) {
     if (*document) {
@@ -94,11 +103,7 @@ RescueReport rescue(const std::filesystem::path& damaged, const std::filesystem:
     }
   }
   if (isNothingLeft(file)) {
-    const std::vector<LostObject> lost = file.losses.takeLost();
-    throw Error(Code::rescueNothingLeft,
-                "holds nothing that can be read; have it written again by its sender" +
-                    (lost.empty() ? std::string() : " (" + lost.front().sentence + ")"),
-                {damaged, lost.empty() ? std::string() : lost.front().object, {}});
+    throwNothingLeft(file.losses.takeLost(), damaged);
   }
   saveAll(sound, file, options.save);
   RescueReport report{file.losses.takeLost(), file.losses.takeChanged()};
@@ -107,6 +112,15 @@ RescueReport rescue(const std::filesystem::path& damaged, const std::filesystem:
     lost.places.resize(std::min(lost.places.size(), most));
   }
   return report;
+}
+
+}  // namespace
+
+RescueReport rescue(const std::filesystem::path& damaged, const std::filesystem::path& sound,
+                    const RescueOptions& options) {
+  requireOtherFile(damaged, sound);
+  const auto work = [&] { return rescueHere(damaged, sound, options); };
+  return options.inOwnProcess ? detail::inOwnProcess(work, damaged) : work();
 }
 
 UpgradeReport upgrade(const std::filesystem::path& old, const std::filesystem::path& present,
