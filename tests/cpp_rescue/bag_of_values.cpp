@@ -115,11 +115,24 @@ void addRawDocument(hid_t file, const std::string& group, BagOfValues& bag) {
   }
 }
 
-herr_t addNumbers(hid_t /*file*/, const char* name, const H5O_info_t* info, void* data) {
-  if (info->type == H5O_TYPE_DATASET) {
-    static_cast<std::vector<std::string>*>(data)->emplace_back(name);
-  }
+herr_t addName(hid_t /*group*/, const char* name, const H5L_info_t* /*info*/, void* names) {
+  static_cast<std::vector<std::string>*>(names)->emplace_back(name);
   return 0;
+}
+
+/// The numbers of everything in a group that can be read as numbers.
+void addRawVectors(hid_t file, const std::string& path, BagOfValues& bag) {
+  const hid_t group = H5Gopen2(file, path.c_str(), H5P_DEFAULT);
+  std::vector<std::string> names;
+  if (group >= 0) {
+    H5Literate(group, H5_INDEX_NAME, H5_ITER_INC, nullptr, addName, &names);
+    H5Gclose(group);
+  }
+  for (const std::string& name : names) {
+    for (const double value : rawDoubles(file, path + "/" + name)) {
+      bag.numbers.insert(bitsOf(value));
+    }
+  }
 }
 
 /// The values of a table of parameters, by the record that the format has.
@@ -156,16 +169,18 @@ void BagOfValues::addRawFile(const char* path) {
   if (file < 0) {
     return;
   }
-  std::vector<std::string> datasets;
-  H5Ovisit(file, H5_INDEX_NAME, H5_ITER_NATIVE, addNumbers, &datasets);
-  for (const std::string& dataset : datasets) {
-    for (const double value : rawDoubles(file, "/" + dataset)) {
-      numbers.insert(bitsOf(value));
+  for (const std::string group : {"/OrvInput", "/OrvOutput"}) {
+    for (const char* vectors : {"", "/ParametersVector", "/GenericMarkers", "/GenericAttributes"}) {
+      addRawVectors(file, group + vectors, *this);
     }
-  }
-  for (const char* group : {"/OrvInput", "/OrvOutput"}) {
+    for (const std::string container : {"/Nodes", "/Edges", "/Faces", "/Elements"}) {
+      for (const char* vectors : {"/Attributes", "/FunctionAttributes", "/UserAttributes",
+                                  "/FunctionMarkers", "/UserMarkers"}) {
+        addRawVectors(file, group + container + vectors, *this);
+      }
+    }
     addRawDocument(file, group, *this);
-    addRawParameters(file, std::string(group) + "/parameters", *this);
+    addRawParameters(file, group + "/parameters", *this);
   }
   H5Fclose(file);
 }

@@ -37,6 +37,11 @@ void writeBytes(const char* path, const std::string& bytes) {
   EXPECT_TRUE(stream.flush()) << path;
 }
 
+int countOf(const char* path, orvml::Entity entity) {
+  const orvml::Input input = orvml::loadInput(path);
+  return entity == orvml::Entity::nodes ? input.nodes().size() : input.cells(entity).size();
+}
+
 std::string toldOf(const orvml::RescueReport& report) {
   std::string told;
   for (const orvml::LostObject& lost : report.lost) {

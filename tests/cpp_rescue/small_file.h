@@ -15,6 +15,9 @@ void makeSmallFile(const char* path);
 /// Makes a file of the bytes.
 void writeBytes(const char* path, const std::string& bytes);
 
+/// How many nodes or cells the input document of a file has.
+int countOf(const char* path, orvml::Entity entity);
+
 /// What a report says, a line for each object: its code, its sentence and its places.
 std::string toldOf(const orvml::RescueReport& report);
 

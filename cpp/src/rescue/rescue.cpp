@@ -130,8 +130,7 @@ UpgradeReport upgrade(const std::filesystem::path& old, const std::filesystem::p
   const std::vector<LostObject> lost = file.losses.takeLost();
   if (!lost.empty()) {
     throw Error(Code::upgradeLoses,
-                "would not be in the new file as it is: " + lost.front().sentence +
-                    "; rescue() keeps the others",
+                "would lose something: " + lost.front().sentence + "; a rescue keeps the rest",
                 {old, lost.front().object, {}});
   }
   if (!file.input && !file.output) {
