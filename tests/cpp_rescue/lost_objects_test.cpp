@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <limits>
 #include <ostream>
 
@@ -145,6 +146,19 @@ const LossRow kRows[] = {
      "nobody knows where the others lie\n"
      "orvml.rescue.depends-on-lost: /OrvInput/Elements/Attributes/quality belongs to elements "
      "whose number is lost\n",
+     5, 3, 1},
+    {"CellsWithoutNodesOutOfProportion",
+     [](RawFile& file) {
+       makeTwoGroups(file, {1, INT_MAX - 1});
+       replaceInts(file, kWidths, {4, 0});
+     },
+     "orvml.values.bad-count: /OrvInput/Elements has no usable size in its group 1, and with it "
+     "nobody knows where the others lie\n"
+     "orvml.object.unreadable: /OrvInput/Elements has 2147483647 elements, of which the first 1 "
+     "can be read (2147483646: element 1 element 2 element 3 element 4 element 5 element 6 element "
+     "7 element 8 element 9 element 10)\n"
+     "orvml.attribute.length: /OrvInput/Elements/Attributes/quality has 2 values for 2147483647 "
+     "elements\n",
      5, 3, 1},
     {"GroupsThatAreNotDescribedInFull",
      [](RawFile& file) {

@@ -21,24 +21,16 @@ void Losses::add(std::string_view code, const std::string& object, const std::st
 }
 
 void Losses::addAsTold(LostObject lost) {
-  if (!lost.places.empty() || !holds(lost.code, lost.object)) {
+  if (!lost.places.empty() || wholeObjects_.emplace(lost.code, lost.object).second) {
     lost_.push_back(std::move(lost));
   }
 }
 
 void Losses::addChange(const std::string& object, const std::string& sentence) {
   const std::string whole = object + " " + sentence;
-  const bool isKnown = std::any_of(changed_.begin(), changed_.end(),
-                                   [&](const auto& changed) { return changed.sentence == whole; });
-  if (!isKnown) {
+  if (changes_.insert(whole).second) {
     changed_.push_back({object, whole});
   }
-}
-
-bool Losses::holds(std::string_view code, std::string_view object) const noexcept {
-  return std::any_of(lost_.begin(), lost_.end(), [&](const LostObject& lost) {
-    return lost.code == code && lost.object == object;
-  });
 }
 
 bool Losses::holdsAnyOf(std::string_view object) const noexcept {

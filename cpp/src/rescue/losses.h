@@ -2,6 +2,7 @@
 
 #include <orvml/rescue.hpp>
 
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -27,7 +28,6 @@ class Losses {
   void addChange(const std::string& object, const std::string& sentence);
 
   [[nodiscard]] bool empty() const noexcept { return lost_.empty(); }
-  [[nodiscard]] bool holds(std::string_view code, std::string_view object) const noexcept;
   /// Tells whether anything is lost of an object, or below it.
   [[nodiscard]] bool holdsAnyOf(std::string_view object) const noexcept;
 
@@ -38,6 +38,8 @@ class Losses {
  private:
   std::vector<LostObject> lost_;
   std::vector<ChangedObject> changed_;
+  std::set<std::pair<std::string_view, std::string>> wholeObjects_;  // codes with objects
+  std::set<std::string> changes_;
 };
 
 }  // namespace orvml::detail

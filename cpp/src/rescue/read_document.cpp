@@ -60,6 +60,9 @@ RescuedVector copyOf(const std::string& name, const OML_AttributesVector::Entry&
   return vector;
 }
 
+/// Cells without nodes take nothing in a file, so that any number of them may be claimed.
+constexpr std::int64_t kMostCellsWithoutNodes = std::int64_t{1} << 20;
+
 /// Whoever wants fewer places leaves them out.
 constexpr std::int64_t kMostPlaces = 10;
 
@@ -83,8 +86,13 @@ struct GroupArrays {
   [[nodiscard]] std::size_t usable() const noexcept {
     std::int64_t cells = 0;
     std::int64_t indices = 0;
+    std::int64_t withoutNodes = 0;
     for (std::size_t i = 0; i < described(); ++i) {
       if (counts[i] < 0 || nodesPerCell[i] < 0) {
+        return i;
+      }
+      withoutNodes += nodesPerCell[i] == 0 ? counts[i] : 0;
+      if (withoutNodes > kMostCellsWithoutNodes) {
         return i;
       }
       cells += counts[i];
@@ -118,6 +126,26 @@ struct GroupArrays {
 };
 
 using ObjectOfName = std::function<std::string(const std::string&)>;
+
+/// Gives the object that a vector of an old layout comes from, by the name that it gets.
+class ObjectOfPosition {
+ public:
+  /// @param others  the path that other names are members of
+  ObjectOfPosition(const std::vector<PositionedVector>& positions, std::string others)
+      : others_(std::move(others)) {
+    for (const PositionedVector& vector : positions) {
+      objects_.emplace(vector.name, vector.object);
+    }
+  }
+  [[nodiscard]] std::string operator()(const std::string& name) const {
+    const auto found = objects_.find(name);
+    return found == objects_.end() ? others_ + name : found->second;
+  }
+
+ private:
+  std::map<std::string, std::string> objects_;
+  std::string others_;
+};
 
 /// A vector and where it comes from, by name.
 struct ObjectAndVector {
@@ -433,11 +461,7 @@ void DocumentReader::readPositionedAttributes(const OpenGroup& container, Entity
   const auto values = std::min<std::int64_t>(*count, std::numeric_limits<int>::max());
   (void)orvml_io::ReadAttributesOld(file_, container, static_cast<int>(values), store, kind);
   const std::string target = containerPath + layout::kAttributes + "/";
-  takeAttributes(store, entity, count, [&](const std::string& name) {
-    const auto found = std::find_if(positions.begin(), positions.end(),
-                                    [&](const auto& vector) { return vector.name == name; });
-    return found == positions.end() ? target + name : found->object;
-  });
+  takeAttributes(store, entity, count, ObjectOfPosition{positions, target});
   for (const PositionedVector& vector : positions) {
     if (store.find(vector.name) != nullptr && !facts_.clamped.contains(vector.object)) {
       losses_.addChange(vector.object, "is now " + target + vector.name);
@@ -540,12 +564,7 @@ void DocumentReader::takePositioned(const OpenGroup& document, const char* subPa
                                     const std::function<std::string(int)>& nameOf) {
   const auto positions = positionedVectors(file_, document, group_, subPath, nameOf);
   tellBehindMaxId(positions);
-  const auto objectOfName = [&](const std::string& name) {
-    const auto found = std::find_if(positions.begin(), positions.end(),
-                                    [&](const auto& vector) { return vector.name == name; });
-    return found == positions.end() ? group_ + subPath : found->object;
-  };
-  take(store, objectOfName, vectors);
+  take(store, ObjectOfPosition{positions, group_ + subPath + "/"}, vectors);
   for (const auto& [name, entry] : store) {
     if (const auto found = vectors.find(name); found != vectors.end()) {
       losses_.addChange(found->second.object,
