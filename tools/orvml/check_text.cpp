@@ -79,17 +79,17 @@ void printFindings(const std::vector<CheckFinding>& findings) {
 
 void printFigure(const orvml::QualityFigure& figure) {
   constexpr std::size_t kMedian = 3;
-  print("    " + std::string(figure.name) + ": " + shown(figure.minimum) + " to " +
-        shown(figure.maximum) + ", median " + shown(figure.percentiles[kMedian]) + "\n");
+  print("    " + std::string(figure.name) + ": " + rounded(figure.minimum) + " to " +
+        rounded(figure.maximum) + ", median " + rounded(figure.percentiles[kMedian]) + "\n");
   std::string percentiles;
   for (std::size_t i = 0; i < figure.percentiles.size(); ++i) {
     percentiles += (i == 0 ? "" : ", ") + std::to_string(orvml::kQualityPercentiles[i]) +
-                   " %: " + shown(figure.percentiles[i]);
+                   " %: " + rounded(figure.percentiles[i]);
   }
   print("      " + percentiles + "\n");
   std::string worst;
   for (const orvml::MeasuredCell& cell : figure.worst) {
-    worst += (worst.empty() ? "" : ", ") + shown(cell.cell) + " (" + shown(cell.value) + ")";
+    worst += (worst.empty() ? "" : ", ") + shown(cell.cell) + " (" + rounded(cell.value) + ")";
   }
   print("      worst cells: " + worst + "\n");
 }

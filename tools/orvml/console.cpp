@@ -106,6 +106,14 @@ std::string shown(double value) { return textOf(value); }
 
 std::string shown(std::int64_t value) { return textOf(value); }
 
+std::string rounded(double value) {
+  constexpr int kDigits = 6;
+  std::array<char, 32> text = {};
+  const auto result = std::to_chars(text.data(), text.data() + text.size(), value,
+                                    std::chars_format::general, kDigits);
+  return {text.data(), result.ptr};
+}
+
 std::string counted(std::int64_t count, std::string_view what) {
   return shown(count) + " " + std::string(what) + (count == 1 ? "" : "s");
 }

@@ -49,6 +49,9 @@ enum class Colour { bold, red, yellow, cyan, green };
 [[nodiscard]] std::string shown(double value);
 [[nodiscard]] std::string shown(std::int64_t value);
 
+/// A number with six digits, where no more are worth reading.
+[[nodiscard]] std::string rounded(double value);
+
 /// "1 node", "2 nodes".
 [[nodiscard]] std::string counted(std::int64_t count, std::string_view what);
 

@@ -73,10 +73,6 @@ InputFile::InputFile(const std::string& name) : given_(name), path_(name) {
   shown_ = shownFile(path_);
 }
 
-bool isStandardInput(const std::filesystem::path& path) noexcept {
-  return !standardInputPath.empty() && path == standardInputPath;
-}
-
 orvml::Exchange documentsOf(const orvml::MappedFile& file) {
   orvml::Exchange documents;
   if (file.hasInput()) {

@@ -29,9 +29,6 @@ class InputFile {
   std::string shown_;
 };
 
-/// Whether a path is that of the bytes of standard input.
-[[nodiscard]] bool isStandardInput(const std::filesystem::path& path) noexcept;
-
 /// The documents of a mapped file, as long as that is there.
 [[nodiscard]] orvml::Exchange documentsOf(const orvml::MappedFile& file);
 

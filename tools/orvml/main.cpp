@@ -24,6 +24,9 @@ void addCommands(CLI::App& app, Run& run) {
   addPatch(app, run);
   addApply(app, run);
   addText(app, run);
+  addExtract(app, run);
+  addEdit(app, run);
+  addNew(app, run);
 }
 
 /// Tells what is wrong with the arguments, or gives the help that was asked for.
@@ -34,6 +37,11 @@ int answer(const CLI::App& app, const CLI::ParseError& error) {
     return code;
   }
   const auto given = app.get_subcommands();
+  const auto others = app.remaining();
+  if (given.empty() && !others.empty()) {
+    tellFailure("there is no command '" + printable(others.front()) + "'", "see orvml --help");
+    return kTrouble;
+  }
   const std::string command = given.empty() ? "" : " " + given.front()->get_name();
   tellFailure(printable(std::string_view(error.what())), "see orvml" + command + " --help");
   return troubleOf(app);

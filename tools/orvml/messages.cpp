@@ -3,7 +3,7 @@
 #include <orvml/check.hpp>
 
 #include "console.h"
-#include "input_file.h"
+#include "passing_folder.h"
 
 #include <algorithm>
 #include <iterator>
@@ -78,7 +78,11 @@ std::string_view cureOf(Code code) noexcept {
 }
 
 std::string shownFile(const std::filesystem::path& path) {
-  return isStandardInput(path) ? "standard input" : printable(path);
+  if (path == "-") {
+    return "standard input";
+  }
+  // Such a file is called like what it stands for.
+  return printable(isPassing(path) ? path.filename() : path);
 }
 
 void tell(const orvml::Error& error) {

@@ -28,6 +28,19 @@ class Refusal : public std::runtime_error {
 /// The name under which a file is shown: the one it was given, or "standard input".
 [[nodiscard]] std::string shownFile(const std::filesystem::path& path);
 
+/// Does some work, in which errors that name no file are about this one.
+template <class Work>
+auto about(const std::filesystem::path& file, Work&& work) {
+  try {
+    return work();
+  } catch (const orvml::Error& error) {
+    if (!error.file().empty()) {
+      throw;
+    }
+    throw orvml::Error(error.code(), error.sentence(), {file, error.object(), error.hdf5Reason()});
+  }
+}
+
 void tell(const orvml::Error& error);
 void tell(const Refusal& refusal);
 void tellNote(const std::string& sentence);

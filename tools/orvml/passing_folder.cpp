@@ -14,6 +14,8 @@ namespace orvml_tool {
 
 namespace {
 
+std::filesystem::path made;  // empty until it is
+
 class Folder {
  public:
   Folder() {
@@ -24,8 +26,8 @@ class Folder {
       throw Refusal(printable(name) + ": cannot be made: " + std::strerror(errno),
                     "set TMPDIR to a folder with room, or use files instead of -");
     }
-    path_ = name;
-    removeOnInterrupt(path_);
+    made = name;
+    removeOnInterrupt(made);
   }
   Folder(const Folder&) = delete;
   Folder& operator=(const Folder&) = delete;
@@ -33,20 +35,21 @@ class Folder {
   Folder& operator=(Folder&&) = delete;
   ~Folder() {
     std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
+    std::filesystem::remove_all(made, ignored);
   }
-
-  [[nodiscard]] const std::filesystem::path& path() const noexcept { return path_; }
-
- private:
-  std::filesystem::path path_;
 };
 
 }  // namespace
 
 const std::filesystem::path& passingFolder() {
-  static const Folder folder;
-  return folder.path();
+  static const Folder kFolder;
+  return made;
+}
+
+bool isPassing(const std::filesystem::path& file) noexcept {
+  const std::string& name = file.native();
+  return !made.empty() && name.size() > made.native().size() && name.starts_with(made.native()) &&
+         name[made.native().size()] == '/';
 }
 
 }  // namespace orvml_tool

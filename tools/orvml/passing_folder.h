@@ -11,4 +11,7 @@ namespace orvml_tool {
 /// Has to be called before a thread is started.
 [[nodiscard]] const std::filesystem::path& passingFolder();
 
+/// Whether a file lies in it.
+[[nodiscard]] bool isPassing(const std::filesystem::path& file) noexcept;
+
 }  // namespace orvml_tool
