@@ -93,7 +93,7 @@ class Patch(Shell):
         exchange_writer.write_file(self.folder / "b.h5", second)
 
     def assert_same_content(self, name, other):
-        prints = [{kind: fingerprint.of(document, kind[3:].lower()) for kind, document
+        prints = [{kind: fingerprint.of(document, kind[3:].lower().encode()) for kind, document
                    in exchange_reader.read_file(self.folder / file).items()} for file in (name, other)]
         self.assertEqual(*prints)
 

@@ -40,7 +40,7 @@ class Info(Shell):
         size = f"{bytes_ // 1000}.{bytes_ % 1000 // 100} KB"
 
         self.assert_prints("orvml info part.h5", PLAIN.format(
-            size=size, fingerprint=fingerprint.of(tetrahedron(), "input")["document"]))
+            size=size, fingerprint=fingerprint.of(tetrahedron(), b"input")["document"]))
 
     def test_fast_text_is_the_same_without_what_needs_values(self):
         self.write("part.h5", tetrahedron())
@@ -69,7 +69,7 @@ class Info(Shell):
         for kind, cells in document.cells.items():
             self.assertEqual(told[kind.lower()]["count"], cells.number_of_cells)
             self.assert_vectors_agree(told[kind.lower()]["attributes"], cells.attributes, slow)
-        expected = fingerprint.of(document, told["kind"])["document"] if slow else None
+        expected = fingerprint.of(document, told["kind"].encode())["document"] if slow else None
         self.assertEqual(told.get("fingerprint"), expected)
 
     def test_json_is_as_its_schema_says_and_agrees_with_what_was_written(self):
@@ -120,9 +120,15 @@ class Info(Shell):
 
     def test_names_in_a_file_cannot_reach_the_terminal_as_control_characters(self):
         document = tetrahedron()
-        document.parameters = {b"\x1b[31mred\r": 1.0}
-        self.write("part.h5", document)
-        self.assertIn("      \\x1b[31mred\\r  1\n", self.run_line("orvml info part.h5")[1])
+        for name, shown in ((b"\x1b[31mred\r", "\\x1b[31mred\\r"), (b"\xc2\x9b31m", "\\xc2\\x9b31m"),
+                            (b"latin \xe9", "latin \\xe9"), (b"\xed\xa0\x80", "\\xed\\xa0\\x80"),
+                            (b"\xc0\xaf\xf5", "\\xc0\\xaf\\xf5"), (b"cut \xe5\xa4", "cut \\xe5\\xa4"),
+                            ("Größe 大 😀".encode(), "Größe 大 😀")):
+            with self.subTest(name=name):
+                document.parameters = {name: 1.0}
+                self.write("part.h5", document)
+                self.assertIn(f"      {shown}  1\n", self.run_line("orvml info part.h5")[1])
+                self.json_of("orvml info --json part.h5", "info")
 
     def test_file_without_a_document_is_described(self):
         exchange_writer.write_file(self.folder / "empty.h5", {})

@@ -109,11 +109,15 @@ class Edit(Writing):
 
     def test_what_would_be_lost_is_no_file_to_edit(self):
         self.damage("part.h5", lambda file: file["OrvInput"].create_group("Extras"))
-        self.assert_refused("orvml edit part.h5 --param growth=2", "which would be lost")
+        self.assert_refused("orvml edit part.h5 --param growth=2", "would be lost")
         self.write("part.h5", tetrahedron())
         self.damage("part.h5", lambda file: exchange_writer.write_text(
             file, b"ORVMESHLIBRARY_FORMAT_VERSION", b"1.3"))
-        self.assert_refused("orvml edit part.h5 --param growth=2", "has the format 1.3")
+        self.assert_refused("orvml edit part.h5 --param growth=2", "[orvml.file.legacy-layout]")
+        self.write("part.h5", tetrahedron())
+        self.damage("part.h5", lambda file: file["OrvInput"].__setitem__(
+            "ParametersVector/large", np.array([2**40])))
+        self.assert_refused("orvml edit part.h5 --param growth=2", "[orvml.values.clamped]")
 
     def test_permissions_and_links_stay(self):
         os.chmod(self.folder / "part.h5", 0o640)

@@ -2,12 +2,14 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <charconv>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <utility>
 
 namespace orvml_tool {
 
@@ -33,6 +35,45 @@ std::string escaped(unsigned char character) {
       constexpr std::string_view kDigits = "0123456789abcdef";
       return {'\\', 'x', kDigits[character >> 4U], kDigits[character & 15U]};
   }
+}
+
+/// How many bytes a character has that begins with this one; 0 for a byte that begins none.
+std::size_t lengthBy(unsigned char first) {
+  if (first < 0x80) {
+    return 1;
+  }
+  return first < 0xc2 ? 0 : first < 0xe0 ? 2 : first < 0xf0 ? 3 : first < 0xf5 ? 4 : 0;
+}
+
+/// The least and the greatest byte that may be the second one: no character has two encodings, none
+/// is a half of a pair, and none lies beyond the last.
+std::pair<unsigned char, unsigned char> secondBytes(unsigned char first) {
+  return {first == 0xe0   ? 0xa0
+          : first == 0xf0 ? 0x90
+                          : 0x80,
+          first == 0xed   ? 0x9f
+          : first == 0xf4 ? 0x8f
+                          : 0xbf};
+}
+
+/// The bytes of the first character of a text; 0 when it is none that can be shown: no UTF-8, or
+/// one that controls terminals.
+std::size_t characterLength(std::string_view text) {
+  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+  const std::size_t length = lengthBy(byte(0));
+  if (length == 0 || length > text.size()) {
+    return 0;
+  }
+  if (length == 1) {
+    return byte(0) < 0x20 || byte(0) == 0x7f ? 0 : 1;
+  }
+  const auto [least, greatest] = secondBytes(byte(0));
+  const bool isControl = byte(0) == 0xc2 && byte(1) < 0xa0;
+  bool isWhole = byte(1) >= least && byte(1) <= greatest && !isControl;
+  for (std::size_t i = 2; i < length; ++i) {
+    isWhole = isWhole && byte(i) >= 0x80 && byte(i) <= 0xbf;
+  }
+  return isWhole ? length : 0;
 }
 
 template <class Number>
@@ -88,10 +129,11 @@ std::string coloured(std::string_view text, Colour colour, Stream stream) {
 
 std::string printable(std::string_view name) {
   std::string shown;
-  for (const char character : name) {
-    const auto byte = static_cast<unsigned char>(character);
-    const bool isControl = byte < 0x20 || byte == 0x7f;
-    shown += isControl ? escaped(byte) : std::string(1, character);
+  while (!name.empty()) {
+    const std::size_t length = characterLength(name);
+    shown += length == 0 ? escaped(static_cast<unsigned char>(name.front()))
+                         : std::string(name.substr(0, length));
+    name.remove_prefix(std::max<std::size_t>(1, length));
   }
   return shown;
 }

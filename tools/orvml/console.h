@@ -40,7 +40,8 @@ enum class Colour { bold, red, yellow, cyan, green };
 [[nodiscard]] std::string coloured(std::string_view text, Colour colour,
                                    Stream stream = Stream::output);
 
-/// A name as it can be shown on one line: control characters as \n or \x1b, all others as they are.
+/// A name as it can be shown on one line: control characters as \n or \x1b and bytes that are no
+/// UTF-8 as \xff, all others as they are.
 [[nodiscard]] std::string printable(std::string_view name);
 [[nodiscard]] std::string printable(const std::string& name);
 [[nodiscard]] std::string printable(const std::filesystem::path& path);

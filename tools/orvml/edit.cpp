@@ -1,7 +1,8 @@
-#include <orvml/version.hpp>
+#include <orvml/check.hpp>
 
 #include "assignments.h"
 #include "command.h"
+#include "console.h"
 #include "document_choice.h"
 #include "exit_codes.h"
 #include "input_file.h"
@@ -25,19 +26,24 @@ struct Options {
   std::vector<std::string> removed;
 };
 
-/// What is written anew has neither foreign objects nor the names of old layouts.
+/// Whether what a finding is about is another thing, or gone, in a file that is written anew.
+bool isLostWhenWritten(const orvml::CheckFinding& finding) {
+  return finding.code == text(orvml::Code::objectForeign) ||
+         finding.code == text(orvml::CheckCode::integersClamped) ||
+         finding.code == text(orvml::CheckCode::lostWhenWritten);
+}
+
 void requireNothingToLose(const InputFile& file) {
-  const orvml::Description description = orvml::describe(file.path());
-  if (!description.findings.empty()) {
-    const orvml::Finding& finding = description.findings.front();
-    throw Refusal(file.shown() + ": " + finding.sentence + " [" + std::string(text(finding.code)) +
-                      "], which would be lost",
-                  "see all of it with orvml check FILE");
-  }
-  if (description.formatVersion != orvml::formatVersion()) {
-    throw Refusal(file.shown() + ": has the format " + description.formatVersion +
-                      ", whose parameters and attributes are known by their positions",
-                  "bring it to the present format with orvml upgrade OLD NEW");
+  const auto report = orvml::check(file.path(), {.coincidenceTolerance = -1.0, .threads = 2});
+  for (const orvml::CheckFinding& finding : report.findings) {
+    const std::string found =
+        file.shown() + ": " + printable(finding.sentence) + " [" + std::string(finding.code) + "]";
+    if (finding.code == text(orvml::CheckCode::legacyLayout)) {
+      throw Refusal(found, "bring it to the present format with orvml upgrade OLD NEW");
+    }
+    if (isLostWhenWritten(finding)) {
+      throw Refusal(found + ", and would be lost", std::string(finding.cure));
+    }
   }
 }
 
