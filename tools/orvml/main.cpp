@@ -27,6 +27,8 @@ void addCommands(CLI::App& app, Run& run) {
   addExtract(app, run);
   addEdit(app, run);
   addNew(app, run);
+  addUpgrade(app, run);
+  addRescue(app, run);
 }
 
 /// Tells what is wrong with the arguments, or gives the help that was asked for.
