@@ -25,6 +25,7 @@ PAGES = {
     "diff": "Differences",
     "patch": "Patches",
     "check": "Checks",
+    "rescue": "Rescue and upgrade",
     "interop": "Handles of the flat functions",
     "error": "Errors and findings",
     "shape": "Shapes",

@@ -121,30 +121,8 @@ VectorsRead readPositions(SourceFile& file, const OpenGroup& group,
   return {hasRefused ? kFailed : any.status(), hasRefused};
 }
 
-/// One of the four positional attribute groups of a container.
-struct AttributeGroup {
-  const char* subPath;
-  ORVML_TYPE_OF_ATTRIBUTE attributeType;
-  ORVML_TYPE_OF_VALUE valueType;
-  const char* fallbackName;  // the position follows
-
-  [[nodiscard]] char code() const noexcept {
-    return valueType == ORVML_INT ? kIntCode : kDoubleCode;
-  }
-};
-
-/// Read in this order: later groups replace entries of the same name.
-constexpr AttributeGroup kAttributeGroups[] = {
-    {layout::kFunctionAttributes, ORVML_FUNCTION_ATTRIBUTE, ORVML_DOUBLE, "function-attribute-"},
-    {layout::kUserAttributes, ORVML_USER_ATTRIBUTE, ORVML_DOUBLE, "user-attribute-"},
-    {layout::kFunctionMarkers, ORVML_FUNCTION_ATTRIBUTE, ORVML_INT, "function-marker-"},
-    {layout::kUserMarkers, ORVML_USER_ATTRIBUTE, ORVML_INT, "user-marker-"}};
-
-std::string attributeName(const AttributeGroup& group, int position, ORVML_TYPE_OF_ENTITY entity) {
-  // Contract: attribute vectors of every module get the names of the octree mesher.
-  const char* name = GetAttributeNameFromDeprecatedAttributeIndex(
-      kOctreeMesher, position, entity, group.attributeType, group.valueType);
-  return name == nullptr ? group.fallbackName + std::to_string(position) : std::string(name);
+char codeOf(const PositionalAttributes& group) noexcept {
+  return group.valueType == ORVML_INT ? kIntCode : kDoubleCode;
 }
 
 VectorsRead readAttributeVectors(SourceFile& file, const OpenGroup& container, const char* subPath,
@@ -256,6 +234,21 @@ int writeGenericVectors(const OpenGroup& document, const char* subPath,
 
 }  // namespace
 
+std::string attributeNameAt(const PositionalAttributes& group, int position,
+                            ORVML_TYPE_OF_ENTITY entity, bool mayBeEmpty) {
+  // Contract: attribute vectors of every module get the names of the octree mesher.
+  const char* name = GetAttributeNameFromDeprecatedAttributeIndex(
+      kOctreeMesher, position, entity, group.attributeType, group.valueType);
+  return name == nullptr || (!mayBeEmpty && *name == '\0')
+             ? group.fallbackName + std::to_string(position)
+             : std::string(name);
+}
+
+std::string genericAttributeNameAt(const char* module, int position) {
+  return nameOrPosition(GetParameterNameFromDeprecatedGenericAttributeIndex(module, position),
+                        position);
+}
+
 int ReadAttributesOldInt(SourceFile& file, const OpenGroup& container, const char* subPath,
                          int count, PositionedVectors& vectors) {
   return file.valid()
@@ -277,7 +270,7 @@ int ReadAttributesOld(SourceFile& file, const OpenGroup& container, int count,
   }
   VectorsRead last;
   bool hasRefused = false;
-  for (const AttributeGroup& group : kAttributeGroups) {
+  for (const PositionalAttributes& group : kPositionalAttributes) {
     if (!container.fits(group.subPath)) {
       return kFailed;
     }
@@ -285,11 +278,12 @@ int ReadAttributesOld(SourceFile& file, const OpenGroup& container, int count,
       continue;
     }
     PositionedVectors vectors;
-    last = readAttributeVectors(file, container, group.subPath, group.code(), count, vectors);
+    last = readAttributeVectors(file, container, group.subPath, codeOf(group), count, vectors);
     hasRefused = hasRefused || last.hasRefused;
     for (auto& [position, block] : vectors) {
-      storeUnseen(attributes, attributeName(group, position, entity), std::move(block),
-                  group.code(), count, group.attributeType == ORVML_USER_ATTRIBUTE);
+      storeUnseen(attributes, attributeNameAt(group, position, entity, !file.namesEveryAttribute()),
+                  std::move(block), codeOf(group), count,
+                  group.attributeType == ORVML_USER_ATTRIBUTE);
     }
   }
   return hasRefused ? kFailed : last.status;
@@ -317,35 +311,50 @@ int OrvInputAndOrvOutput::ReadParametersScalarOld(SourceFile& file, const OpenGr
   return kOk;
 }
 
+GenericVectorsRead ReadGenericMarkersOld(SourceFile& file, const OpenGroup& document,
+                                         OML_AttributesVector& store) {
+  if (!Orv_H5_GroupExists(document, layout::kGenericMarkers)) {
+    return {};
+  }
+  const PositionalGroup group = openPositionalGroup(file, document, layout::kGenericMarkers);
+  if (group.found != Found::object) {
+    return {kFailed, false};
+  }
+  return {readGenericVectors(file, document.below(group.id.get(), layout::kGenericMarkers),
+                             group.positions, kIntCode, store,
+                             [](int position) { return std::to_string(position); }),
+          true};
+}
+
+GenericVectorsRead ReadGenericAttributesOld(SourceFile& file, const OpenGroup& document,
+                                            const char* module, OML_AttributesVector& store) {
+  if (!Orv_H5_GroupExists(document, layout::kGenericAttributes)) {
+    return {};
+  }
+  const PositionalGroup group = openPositionalGroup(file, document, layout::kGenericAttributes);
+  if (group.found != Found::object) {
+    return {kFailed, false};
+  }
+  return {readGenericVectors(
+              file, document.below(group.id.get(), layout::kGenericAttributes), group.positions,
+              kDoubleCode, store,
+              [module](int position) { return genericAttributeNameAt(module, position); }),
+          true};
+}
+
 int OrvInputAndOrvOutput::ReadParametersVectorOld(SourceFile& file, const OpenGroup& document) {
   if (!document.fits(layout::kGenericMarkers) || !document.fits(layout::kGenericAttributes)) {
     return kFailed;
   }
-  AnyFailure any;
   // Contract: a group without a usable "MAX_ID" ends the reading; without one for the markers the
   // attributes are not read.
-  if (Orv_H5_GroupExists(document, layout::kGenericMarkers)) {
-    const PositionalGroup group = openPositionalGroup(file, document, layout::kGenericMarkers);
-    if (group.found != Found::object) {
-      return kFailed;
-    }
-    any.add(readGenericVectors(file, document.below(group.id.get(), layout::kGenericMarkers),
-                               group.positions, kIntCode, parametersVector,
-                               [](int position) { return std::to_string(position); }));
+  const GenericVectorsRead markers = ReadGenericMarkersOld(file, document, parametersVector);
+  if (!markers.isGroupUsable) {
+    return kFailed;
   }
-  if (Orv_H5_GroupExists(document, layout::kGenericAttributes)) {
-    const PositionalGroup group = openPositionalGroup(file, document, layout::kGenericAttributes);
-    if (group.found != Found::object) {
-      return kFailed;
-    }
-    const char* module = namingModule(*this);
-    const auto nameOf = [module](int position) {
-      return nameOrPosition(GetParameterNameFromDeprecatedGenericAttributeIndex(module, position),
-                            position);
-    };
-    any.add(readGenericVectors(file, document.below(group.id.get(), layout::kGenericAttributes),
-                               group.positions, kDoubleCode, parametersVector, nameOf));
-  }
+  AnyFailure any;
+  any.add(markers.status);
+  any.add(ReadGenericAttributesOld(file, document, namingModule(*this), parametersVector).status);
   return any.status();
 }
 

@@ -1,11 +1,13 @@
 #pragma once
 
+#include "hdf5/layout.h"
 #include "hdf5/source_file.h"
 #include "orvml_io.h"
 #include "values/attributes_vector.h"
 #include "values/blocks.h"
 
 #include <map>
+#include <string>
 
 namespace orvml_io {
 
@@ -22,6 +24,28 @@ namespace orvml_io {
 [[nodiscard]] const char* GetAttributeNameFromDeprecatedAttributeIndex(
     const char* moduleName, int position, ORVML_TYPE_OF_ENTITY entity,
     ORVML_TYPE_OF_ATTRIBUTE attributeType, ORVML_TYPE_OF_VALUE valueType);
+
+/// One of the four positional attribute groups of a container.
+struct PositionalAttributes {
+  const char* subPath;
+  ORVML_TYPE_OF_ATTRIBUTE attributeType;
+  ORVML_TYPE_OF_VALUE valueType;
+  const char* fallbackName;  ///< of positions without a name; the position follows
+};
+
+/// Read in this order: later groups replace entries of the same name.
+inline constexpr PositionalAttributes kPositionalAttributes[] = {
+    {layout::kFunctionAttributes, ORVML_FUNCTION_ATTRIBUTE, ORVML_DOUBLE, "function-attribute-"},
+    {layout::kUserAttributes, ORVML_USER_ATTRIBUTE, ORVML_DOUBLE, "user-attribute-"},
+    {layout::kFunctionMarkers, ORVML_FUNCTION_ATTRIBUTE, ORVML_INT, "function-marker-"},
+    {layout::kUserMarkers, ORVML_USER_ATTRIBUTE, ORVML_INT, "user-marker-"}};
+
+/// The name of the vector at a position of a container's group.
+///
+/// @param mayBeEmpty  whether the empty name stays; it becomes that of a position without a name
+///                    otherwise
+[[nodiscard]] std::string attributeNameAt(const PositionalAttributes& group, int position,
+                                          ORVML_TYPE_OF_ENTITY entity, bool mayBeEmpty);
 
 /// The vectors of a positional group, by position; positions without a dataset are absent.
 using PositionedVectors = std::map<int, MallocBlock>;
@@ -41,6 +65,25 @@ using PositionedVectors = std::map<int, MallocBlock>;
 /// Only what lies in another file fails the reading wherever it is met.
 [[nodiscard]] int ReadAttributesOld(SourceFile& file, const OpenGroup& container, int count,
                                     OML_AttributesVector& attributes, ORVML_TYPE_OF_ENTITY entity);
+
+/// The name of the double vector at a position of the generic ones; a module without a name for it
+/// gives the position itself, which is the name of every int vector.
+[[nodiscard]] std::string genericAttributeNameAt(const char* module, int position);
+
+/// What reading the generic vectors of one type came to.
+struct GenericVectorsRead {
+  int status = 0;             ///< 1 when the group, or a vector in it, could not be read
+  bool isGroupUsable = true;  ///< whether the group has a "MAX_ID", where there is a group
+};
+
+/// Reads the generic int vectors of a document; none where there is no such group.
+[[nodiscard]] GenericVectorsRead ReadGenericMarkersOld(SourceFile& file, const OpenGroup& document,
+                                                       OML_AttributesVector& store);
+/// Reads the generic double vectors, likewise.
+[[nodiscard]] GenericVectorsRead ReadGenericAttributesOld(SourceFile& file,
+                                                          const OpenGroup& document,
+                                                          const char* module,
+                                                          OML_AttributesVector& store);
 
 /// The two tests of a version text that select a layout. They differ for a text that reads as NaN.
 [[nodiscard]] bool isBelowNamedFormat(const char* version);

@@ -67,7 +67,7 @@ std::string pathOf(const OpenGroup& group, std::string_view subPath) {
 }  // namespace
 
 SourceFile::SourceFile(hid_t file, Diagnosis* diagnosis) noexcept
-    : SourceFile(file, ReadOptions{diagnosis, nullptr, nullptr, false}) {}
+    : SourceFile(file, ReadOptions{diagnosis}) {}
 
 SourceFile::SourceFile(hid_t file, const ReadOptions& options) noexcept
     : file_(file),
@@ -79,6 +79,15 @@ SourceFile::SourceFile(hid_t file, const ReadOptions& options) noexcept
   if (!datasetAccess_.valid() || !groupAccess_.valid()) {
     file_ = -1;
   }
+}
+
+bool SourceFile::isStored(const OpenGroup& group, std::string_view subPath, const ReadCost& cost) {
+  const bool isTaken = !options_.takesStoredValuesOnly || cost.unstoredBytes == 0;
+  if (!isTaken) {
+    report(Trouble::tooShort, group, subPath,
+           [] { return "has fewer values than it should, or values that were never stored"; });
+  }
+  return isTaken;
 }
 
 bool SourceFile::isRefusedAsTooMuch(const OpenGroup& group, std::string_view subPath) {

@@ -43,6 +43,12 @@ struct ReadOptions {
   /// Whether the must-be-transmitted flags are looked for where writers put them; see
   /// readMustBeTransmitted() in value_datasets.cpp.
   bool takesFlagsOfMembers = false;
+  /// Whether arrays are refused of which the file does not store every value: no zeros stand for
+  /// what is lost.
+  bool takesStoredValuesOnly = false;
+  /// Whether positional attributes whose name would be empty, which no present file can hold, get
+  /// the one of a position without a name.
+  bool namesEveryAttribute = false;
 };
 
 /// One read of a file: what it may still take, who is told of trouble, and the rule that everything
@@ -87,18 +93,21 @@ class SourceFile {
   [[nodiscard]] ArrayReader* arrays() const noexcept { return options_.arrays; }
 
   [[nodiscard]] bool takesFlagsOfMembers() const noexcept { return options_.takesFlagsOfMembers; }
+  [[nodiscard]] bool namesEveryAttribute() const noexcept { return options_.namesEveryAttribute; }
 
   /// Takes what reading an object costs from what the read may still take. Returns whether it
   /// could; else nothing was taken.
   [[nodiscard]] bool affords(const OpenGroup& group, std::string_view subPath,
                              const ReadCost& cost) {
-    return budget_.take(cost) || isRefusedAsTooMuch(group, subPath);
+    return isStored(group, subPath, cost) &&
+           (budget_.take(cost) || isRefusedAsTooMuch(group, subPath));
   }
 
   /// Tells whether a cost could be taken, without taking it.
   [[nodiscard]] bool couldAfford(const OpenGroup& group, std::string_view subPath,
                                  const ReadCost& cost) {
-    return budget_.covers(cost) || isRefusedAsTooMuch(group, subPath);
+    return isStored(group, subPath, cost) &&
+           (budget_.covers(cost) || isRefusedAsTooMuch(group, subPath));
   }
 
   /// What was learned about the memory of large arrays while others of this read were made.
@@ -143,6 +152,9 @@ class SourceFile {
   /// Reports a member of a group of vectors that cannot be opened as one: another kind of object
   /// may stand there.
   void reportNoVector(const char* relativeName, const OpenGroup& group, std::string_view name);
+  /// Tells whether an array may lack what the file does not store of it; reports it otherwise.
+  [[nodiscard]] bool isStored(const OpenGroup& group, std::string_view subPath,
+                              const ReadCost& cost);
   /// Reports the object. Returns false.
   [[nodiscard]] bool isRefusedAsTooMuch(const OpenGroup& group, std::string_view subPath);
   void reportLongPath(const OpenGroup& group, std::string_view subPath);

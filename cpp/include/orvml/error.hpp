@@ -55,6 +55,12 @@ enum class Code {
   patchDamaged,
   patchWrongBase,
 
+  // Rescue and upgrade
+  rescueNothingLeft,
+  rescueSameFile,
+  dependsOnLost,
+  upgradeLoses,
+
   // Use of this interface
   nameNotFound,
   nameTooLong,

@@ -10,6 +10,7 @@
 #include <orvml/load.hpp>
 #include <orvml/mapped_file.hpp>
 #include <orvml/patch.hpp>
+#include <orvml/rescue.hpp>
 #include <orvml/save.hpp>
 #include <orvml/shape.hpp>
 #include <orvml/version.hpp>

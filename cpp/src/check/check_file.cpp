@@ -52,7 +52,7 @@ CheckReport check(const std::filesystem::path& path, const CheckOptions& options
   for (const Finding& finding : mapped.findings()) {
     findings.addAsTold(detail::ruleOf(finding.code), finding.object, finding.sentence);
   }
-  detail::checkStoredFile(detail::OpenedFile(path), findings);
+  detail::checkStoredFile(detail::OpenedFile(path).id(), findings);
   if (mapped.hasInput()) {
     detail::checkDocument(mapped.input(), believedOf(Kind::input, mapped.findings()), options,
                           findings, report.quality);

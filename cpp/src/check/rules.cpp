@@ -72,7 +72,7 @@ constexpr CheckRule kMeshRules[] = {
      "the flat readers do not see which attributes have to be transmitted",
      "agree on the names of these attributes, or read with orvml::load"},
     {"orvml.file.legacy-layout", kNote, "the file has the layout of a format before 1.4",
-     "load it and save it again, which writes the present format"},
+     "orvml::upgrade writes it in the present format"},
     {"orvml.values.clamped", kError, "stored integers do not fit 32 bits and are read as others",
      "write values between -2147483648 and 2147483647, or doubles"}};
 

@@ -215,17 +215,21 @@ class StoredFile {
 
 }  // namespace
 
-void checkStoredFile(const OpenedFile& file, FindingList& findings) {
+void checkStoredFile(hid_t file, FindingList& findings) {
   const orvml_io::Silence silence;
-  const std::string version =
-      orvml_io::readRootText(file.id(), layout::kFormatVersion).value_or("");
+  const std::string version = orvml_io::readRootText(file, layout::kFormatVersion).value_or("");
   const bool isLegacy = orvml_io::isBelowNamedFormat(version.c_str());
   if (isLegacy) {
     findings.add(ruleOf(CheckCode::legacyLayout), std::string("/") + layout::kFormatVersion,
                  (version.empty() ? "is missing" : "is " + version) +
                      ", so parameters and attributes are known by their positions");
   }
-  StoredFile(file.id(), isLegacy, findings).checkRoot();
+  checkStoredObjects(file, isLegacy, findings);
+}
+
+void checkStoredObjects(hid_t file, bool isLegacy, FindingList& findings) {
+  const orvml_io::Silence silence;
+  StoredFile(file, isLegacy, findings).checkRoot();
 }
 
 }  // namespace orvml::detail
