@@ -74,8 +74,9 @@ std::vector<double> doublesOf(const std::vector<std::string_view>& words) {
 
 /// Takes "int:" or "double:" from the front of a text; returns whether ints are meant.
 std::optional<bool> takeType(std::string_view& text) {
-  for (const auto& [prefix, areInts] :
-       {std::pair<std::string_view, bool>("int:", true), {"double:", false}}) {
+  constexpr std::array<std::pair<std::string_view, bool>, 2> kTypes = {
+      {{"int:", true}, {"double:", false}}};
+  for (const auto& [prefix, areInts] : kTypes) {
     if (text.starts_with(prefix)) {
       text.remove_prefix(prefix.size());
       return areInts;

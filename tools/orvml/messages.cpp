@@ -49,6 +49,10 @@ constexpr Cure kCures[] = {
     {Code::nameTwice, "give one of them another name"},
     {Code::sizesDisagree, "give one value for each node or cell"},
     {Code::tooManyValues, "divide the mesh"},
+    {Code::rescueNothingLeft, kFromItsSender},
+    {Code::rescueSameFile, "name another file to be written"},
+    {Code::upgradeLoses,
+     "see what would be lost with orvml check FILE, or make do with orvml rescue"},
     {Code::otherVersion, "install the two libraries in one version"}};
 
 std::string_view cureOfRule(std::string_view code) noexcept {

@@ -65,11 +65,10 @@ int runRescue(const Options& options) {
       report = rescue(old.path(), path, {.dropUnsoundCells = !options.keepsUnsoundCells});
     });
   }
-  const std::string kept = report.isWhole() ? ": everything is kept\n"
-                                            : ": " + counted(static_cast<std::int64_t>(
-                                                                 report.lost.size()),
-                                                             "object") +
-                                                  " lost, wholly or in part\n";
+  const std::string kept =
+      report.isWhole() ? ": everything is kept\n"
+                       : ": " + counted(static_cast<std::int64_t>(report.lost.size()), "object") +
+                             " lost, wholly or in part\n";
   printReport(options, old.shown() + kept + reportText(report.lost) + reportText(report.changed));
   return report.isWhole() ? kDone : kDifferent;
 }
@@ -80,10 +79,10 @@ int runUpgrade(const Options& options) {
   orvml::UpgradeReport report;
   {
     const Progress progress("upgrading " + old.shown());
-    made.write(
-        [&](const std::filesystem::path& path) { report = upgrade(old.path(), path); });
+    made.write([&](const std::filesystem::path& path) { report = upgrade(old.path(), path); });
   }
-  const std::string version = report.version.empty() ? "no format version" : "format " + report.version;
+  const std::string version =
+      report.version.empty() ? "no format version" : "format " + report.version;
   printReport(options, old.shown() + ": " + printable(version) + ", everything is kept\n" +
                            reportText(report.changed));
   return kDone;
