@@ -99,6 +99,27 @@ its pkg-config file.")
   orvml_io_debian_library(cpp_runtime liborvml ${ORVML_SOVERSION} "${cpp_runtime_package}")
 endif()
 
+if(ORVML_CPP AND ORVML_TOOLS)
+  list(APPEND CPACK_COMPONENTS_ALL tools)
+  set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME orvml)
+  set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION science)
+  set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "${cpp_runtime_package} (= ${release})")
+  set(CPACK_DEBIAN_TOOLS_PACKAGE_SHLIBDEPS ON)
+  list(APPEND CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${PROJECT_BINARY_DIR}/cpp")
+  set(CPACK_DEBIAN_TOOLS_DESCRIPTION
+"exchange of meshes and meshing parameters (command)
+${about}
+This package holds the command orvml, which looks at such files, checks,
+compares, mends and makes them.")
+  orvml_io_debian_documents(tools orvml)
+
+  # Debian wants its manual pages packed.
+  set(manual "${PROJECT_BINARY_DIR}/debian/orvml.1.gz")
+  execute_process(COMMAND gzip -9nc "${PROJECT_SOURCE_DIR}/tools/orvml/orvml.1"
+    OUTPUT_FILE "${manual}" COMMAND_ERROR_IS_FATAL ANY)
+  install(FILES "${manual}" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT tools)
+endif()
+
 if(ORVML_IO_DOCUMENTATION)
   list(APPEND CPACK_COMPONENTS_ALL documentation)
   set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_NAME liborvml-io-doc)

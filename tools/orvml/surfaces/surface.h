@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// Readers of surfaces in files of other programs. They take the bytes of a whole file and throw
+/// SurfaceError for what they do not understand; nothing is guessed.
+namespace orvml_tool {
+
+class SurfaceError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// Triangles and quadrilaterals in space.
+struct Surface {
+  std::vector<double> coordinates;  // [nodes x 3], row-major
+  std::vector<int> triangles;       // [triangles x 3], 0-based
+  std::vector<int> quadrilaterals;  // [quadrilaterals x 4], 0-based
+
+  [[nodiscard]] std::size_t numberOfNodes() const noexcept { return coordinates.size() / 3; }
+
+  /// Adds a face of three or four nodes, 0-based; throws for other numbers and for nodes that there
+  /// are not.
+  void addFace(const std::vector<std::int64_t>& nodes);
+};
+
+/// Nodes at the same place become one: the format has no others.
+[[nodiscard]] Surface surfaceFromStl(std::string_view bytes);
+[[nodiscard]] Surface surfaceFromObj(std::string_view bytes);
+[[nodiscard]] Surface surfaceFromOff(std::string_view bytes);
+[[nodiscard]] Surface surfaceFromPly(std::string_view bytes);
+
+}  // namespace orvml_tool
