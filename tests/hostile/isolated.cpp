@@ -27,12 +27,18 @@ constexpr int kLeak = 5;
 /// A damaged size may send HDF5 through gigabytes; what takes longer than this counts as a fault.
 constexpr unsigned kLongestSeconds = 60;
 
+/// The frames of a stack that tell of its being printed: the sanitizer has one of its own.
+#if defined(__SANITIZE_ADDRESS__)
+constexpr int kFramesOfThis = 2;
+#else
+constexpr int kFramesOfThis = 1;
+#endif
+
 /// Prints the stack of a fault in the form that everyStackEndsInHdf5 reads.
 [[noreturn]] void reportFault(int /*signal*/) {
   std::array<void*, 64> frames = {};
   const int count = ::backtrace(frames.data(), static_cast<int>(frames.size()));
-  // The first frame is this function.
-  ::backtrace_symbols_fd(frames.data() + 1, count - 1, STDERR_FILENO);
+  ::backtrace_symbols_fd(frames.data() + kFramesOfThis, count - kFramesOfThis, STDERR_FILENO);
   ::_exit(kFault);
 }
 

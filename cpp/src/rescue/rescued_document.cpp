@@ -64,11 +64,11 @@ CellsView viewOf(const RescuedPart& cells) {
 
 }  // namespace
 
-std::size_t RescuedVector::size() const noexcept {
+std::size_t RescuedVector::size() const {
   return std::visit([](const auto& held) { return held.size(); }, values);
 }
 
-Attribute RescuedVector::view() const noexcept {
+Attribute RescuedVector::view() const {
   return std::visit(
       [this](const auto& held) {
         using Value = typename std::decay_t<decltype(held)>::value_type;

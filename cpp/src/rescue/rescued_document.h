@@ -24,8 +24,8 @@ struct RescuedVector {
   std::variant<std::vector<int>, std::vector<double>> values;
   bool mustBeTransmitted = false;
 
-  [[nodiscard]] std::size_t size() const noexcept;
-  [[nodiscard]] Attribute view() const noexcept;
+  [[nodiscard]] std::size_t size() const;
+  [[nodiscard]] Attribute view() const;
 };
 
 /// Cells of one shape.

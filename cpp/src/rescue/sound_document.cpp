@@ -148,8 +148,8 @@ void SoundDocument::dropUnknownForms() {
       const auto [code, why] = flawOf(group, entity, document_.dimension);
       if (!why.empty() && group.cells > 0) {
         const std::string object = objectOf(document_.kind, entity);
-        const std::string sentence = object + " has " + countText(group.cells, "cell", "cells") +
-                                     " in its group " + std::to_string(number) + " " + why;
+        std::string sentence = object + " has " + countText(group.cells, "cell", "cells");
+        sentence.append(" in its group ").append(std::to_string(number)).append(" ").append(why);
         dropMarked(entity, {text(code), object, {}, 1, sentence}, cellsOfGroup(entity, number));
       }
     }
