@@ -12,7 +12,7 @@ PLAIN = """part.h5: format 1.4, {size}
     module        ORVML_OCTREE_MESHER, format 1.0
     creator       shell test
     nodes         4
-    faces         4: 4 triangle of 3 nodes
+    faces         4: 4 triangles of 3 nodes
     elements      1: 1 tetrahedron of 4 nodes
     bounding box  0 0 0 to 2 1 0.5
     fingerprint   {fingerprint}

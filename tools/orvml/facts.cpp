@@ -1,5 +1,7 @@
 #include "facts.h"
 
+#include "console.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -62,6 +64,16 @@ std::vector<ShapeCount> countShapes(const std::vector<orvml::GroupDescription>& 
 std::string shapeName(orvml::Shape shape) {
   const std::string known(name(shape));
   return known == "unknown" ? "shape " + std::to_string(static_cast<int>(shape)) : known;
+}
+
+std::string countedCells(std::int64_t count, orvml::Shape shape) {
+  const std::string known(name(shape));
+  if (known == "unknown") {
+    return counted(count, "cell") + " of " + shapeName(shape);
+  }
+  const bool isSolid = known.ends_with("hedron");
+  return isSolid && count != 1 ? shown(count) + " " + known.substr(0, known.size() - 2) + "a"
+                               : counted(count, known);
 }
 
 std::string kindName(orvml::Kind kind) { return kind == orvml::Kind::input ? "input" : "output"; }

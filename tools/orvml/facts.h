@@ -38,6 +38,9 @@ struct ShapeCount {
 /// Such as "tetrahedron", or "shape 42" for one that the format does not name.
 [[nodiscard]] std::string shapeName(orvml::Shape shape);
 
+/// Such as "1 tetrahedron" or "12 tetrahedra".
+[[nodiscard]] std::string countedCells(std::int64_t count, orvml::Shape shape);
+
 /// "input" or "output".
 [[nodiscard]] std::string kindName(orvml::Kind kind);
 

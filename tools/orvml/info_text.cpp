@@ -46,8 +46,8 @@ void printVectors(const std::string& title,
 std::string shapesText(const std::vector<orvml::GroupDescription>& groups) {
   std::string text;
   for (const ShapeCount& count : countShapes(groups)) {
-    text += (text.empty() ? ": " : ", ") + shown(count.cells) + " " + shapeName(count.shape) +
-            " of " + counted(count.nodesPerCell, "node");
+    text += (text.empty() ? ": " : ", ") + countedCells(count.cells, count.shape) + " of " +
+            counted(count.nodesPerCell, "node");
   }
   return text;
 }

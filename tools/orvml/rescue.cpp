@@ -62,7 +62,7 @@ int runRescue(const Options& options) {
   {
     const Progress progress("rescuing " + old.shown());
     made.write([&](const std::filesystem::path& path) {
-      report = rescue(old.path(), path, {.dropUnsoundCells = !options.keepsUnsoundCells});
+      report = orvml::rescue(old.path(), path, {.dropUnsoundCells = !options.keepsUnsoundCells});
     });
   }
   const std::string kept =
@@ -79,7 +79,8 @@ int runUpgrade(const Options& options) {
   orvml::UpgradeReport report;
   {
     const Progress progress("upgrading " + old.shown());
-    made.write([&](const std::filesystem::path& path) { report = upgrade(old.path(), path); });
+    made.write(
+        [&](const std::filesystem::path& path) { report = orvml::upgrade(old.path(), path); });
   }
   const std::string version =
       report.version.empty() ? "no format version" : "format " + report.version;
