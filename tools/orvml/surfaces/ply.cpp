@@ -152,9 +152,17 @@ class BinaryNumbers final : public Numbers {
                  ? std::bit_cast<double>(bits)
                  : double{std::bit_cast<float>(static_cast<std::uint32_t>(bits))};
     }
-    const std::size_t unused = 64 - 8 * type.bytes;
-    const auto withSign = static_cast<std::int64_t>(bits << unused) >> unused;
-    return type.kind == 'i' ? static_cast<double>(withSign) : static_cast<double>(bits);
+    if (type.kind == 'u') {
+      return static_cast<double>(bits);
+    }
+    switch (type.bytes) {
+      case 1:
+        return static_cast<std::int8_t>(bits);
+      case 2:
+        return static_cast<std::int16_t>(bits);
+      default:
+        return static_cast<std::int32_t>(bits);
+    }
   }
 
   std::string_view bytes_;
