@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <latch>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -89,7 +90,13 @@ void watchInterrupts() {
     }
   }
   (void)::pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-  std::thread(waitForInterrupt).detach();
+  // A child that rescue() forks would inherit what a thread holds that is just beginning.
+  static std::latch isWaiting(1);
+  std::thread([] {
+    isWaiting.count_down();
+    waitForInterrupt();
+  }).detach();
+  isWaiting.wait();
 }
 
 void removeOnInterrupt(const std::filesystem::path& folder) {
