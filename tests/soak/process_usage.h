@@ -17,9 +17,9 @@ struct ProcessUsage {
   friend std::ostream& operator<<(std::ostream& stream, const ProcessUsage& usage);
 };
 
-/// The largest growth that counts as none. The heap holds the test's own few strings and HDF5's lists
-/// of free blocks, which take some 16 KiB after a thousand steps and no more after a hundred thousand;
-/// resident memory comes in whole pages, and the allocator rounds generously.
+/// The largest growth that counts as none. The heap holds the test's own few strings and HDF5's
+/// lists of free blocks, which take some 16 KiB after a thousand steps and no more after a hundred
+/// thousand; resident memory comes in whole pages, and the allocator rounds generously.
 inline constexpr long long kFlatHeapBytes = 32 * 1024;
 inline constexpr long long kFlatResidentBytes = 2 * 1024 * 1024;
 
