@@ -1,13 +1,12 @@
 #include "array_threads.h"
 
+#include "positioned_io.h"
 #include "stored_values.h"
 
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <atomic>
-#include <cerrno>
 #include <cstddef>
 #include <cstdint>
 #include <system_error>
@@ -24,27 +23,6 @@ using orvml_io::FreshMemory;
 constexpr std::size_t kPieceBytes = 2 * FreshMemory::kHugePageBytes;
 
 constexpr int kMostThreads = 256;
-
-std::uint64_t bytesOf(int descriptor) noexcept {
-  struct stat status = {};
-  return ::fstat(descriptor, &status) == 0 ? static_cast<std::uint64_t>(status.st_size) : 0;
-}
-
-bool readAll(int descriptor, std::uint64_t offset, char* values, std::size_t bytes) noexcept {
-  while (bytes > 0) {
-    const ssize_t got = ::pread(descriptor, values, bytes, static_cast<off_t>(offset));
-    if (got <= 0) {
-      if (got < 0 && errno == EINTR) {
-        continue;
-      }
-      return false;
-    }
-    values += got;
-    offset += static_cast<std::uint64_t>(got);
-    bytes -= static_cast<std::size_t>(got);
-  }
-  return true;
-}
 
 /// Pieces of an array that several threads take, one after the other.
 class Pieces {
@@ -66,7 +44,7 @@ class Pieces {
       const std::uint64_t end = std::min(piece + kPieceBytes - lead_, stored_.bytes);
       const auto bytes = static_cast<std::size_t>(end - begin);
       memory.willBeWrittenWhole(values_ + begin, bytes);
-      if (!readAll(descriptor_, stored_.offset + begin, values_ + begin, bytes)) {
+      if (moveAll(::pread, descriptor_, values_ + begin, bytes, stored_.offset + begin) != 0) {
         hasFailed_ = true;
       }
     }
@@ -88,12 +66,12 @@ class Pieces {
 ArrayThreads::ArrayThreads(int descriptor, int threads)
     : descriptor_(descriptor),
       freshMemory_(static_cast<std::size_t>(std::min(threads, kMostThreads)),
-                   FreshMemory(static_cast<std::size_t>(bytesOf(descriptor)))) {}
+                   FreshMemory(static_cast<std::size_t>(lengthOf(descriptor)))) {}
 
 const void* ArrayThreads::lend(const orvml_io::WantedArray& /*wanted*/) { return nullptr; }
 
 bool ArrayThreads::read(const orvml_io::WantedArray& wanted, void* values) {
-  const StoredValues stored = storedValuesOf(wanted, bytesOf(descriptor_));
+  const StoredValues stored = storedValuesOf(wanted, lengthOf(descriptor_));
   if (!stored.arePlain() || stored.bytes < 2 * kPieceBytes) {
     return false;
   }

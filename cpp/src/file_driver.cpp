@@ -1,43 +1,16 @@
 #include "file_driver.h"
 
-#include <hdf5.h>
-#if H5_VERSION_GE(1, 13, 0)
-#include <H5FDdevelop.h>
-#endif
+#include "hdf5_driver.h"
+#include "positioned_io.h"
 
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <memory>
 #include <new>
 
 namespace orvml::detail {
-
-namespace {
-
-/// Moves bytes to or from a file until all are; the number that was left, and `errno`, when a call
-/// fails or moves none.
-template <class Transfer, class Byte>
-std::size_t moveAll(const Transfer& transfer, int descriptor, Byte* bytes, std::size_t count,
-                    std::uint64_t place) noexcept {
-  while (count > 0) {
-    const ssize_t moved = transfer(descriptor, bytes, count, static_cast<off_t>(place));
-    if (moved < 0 && errno == EINTR) {
-      continue;
-    }
-    if (moved <= 0) {
-      return count;
-    }
-    bytes += moved;
-    count -= static_cast<std::size_t>(moved);
-    place += static_cast<std::uint64_t>(moved);
-  }
-  return 0;
-}
-
-}  // namespace
 
 void WrittenBytes::write(std::uint64_t place, const char* bytes, std::size_t count,
                          bool isReadBack) noexcept {
@@ -89,37 +62,7 @@ bool WrittenBytes::read(std::uint64_t place, char* bytes, std::size_t count) noe
 
 namespace {
 
-/// What the property list carries.
-struct Setting {
-  WrittenBytes* bytes;
-};
-
-/// A file as HDF5's drivers have them: the public part comes first.
-struct DriverFile {
-  H5FD_t shared;
-  WrittenBytes* bytes;
-  haddr_t endOfAddresses;
-};
-
-DriverFile& fileOf(H5FD_t* file) noexcept { return *reinterpret_cast<DriverFile*>(file); }
-
-const DriverFile& fileOf(const H5FD_t* file) noexcept {
-  return *reinterpret_cast<const DriverFile*>(file);
-}
-
-H5FD_t* openFile(const char* /*name*/, unsigned /*flags*/, hid_t access, haddr_t /*largest*/) {
-  const auto* setting = static_cast<const Setting*>(H5Pget_driver_info(access));
-  if (setting == nullptr) {
-    return nullptr;
-  }
-  auto file = std::unique_ptr<DriverFile>(new (std::nothrow) DriverFile{{}, setting->bytes, 0});
-  return file == nullptr ? nullptr : &file.release()->shared;
-}
-
-herr_t closeFile(H5FD_t* file) {
-  const std::unique_ptr<DriverFile> closed(&fileOf(file));
-  return 0;
-}
+using File = DriverFile<WrittenBytes>;
 
 /// What HDF5 does by itself for files of its usual driver, so that the same files come out.
 herr_t query(const H5FD_t* /*file*/, unsigned long* features) {
@@ -131,30 +74,21 @@ herr_t query(const H5FD_t* /*file*/, unsigned long* features) {
   return 0;
 }
 
-haddr_t endOfAddresses(const H5FD_t* file, H5FD_mem_t /*type*/) {
-  return fileOf(file).endOfAddresses;
-}
-
-herr_t setEndOfAddresses(H5FD_t* file, H5FD_mem_t /*type*/, haddr_t end) {
-  fileOf(file).endOfAddresses = end;
-  return 0;
-}
-
-haddr_t endOfFile(const H5FD_t* file, H5FD_mem_t /*type*/) { return fileOf(file).bytes->end(); }
+haddr_t endOfFile(const H5FD_t* file, H5FD_mem_t /*type*/) { return File::of(file).bytes->end(); }
 
 herr_t readBytes(H5FD_t* file, H5FD_mem_t /*type*/, hid_t /*transfer*/, haddr_t place,
                  std::size_t count, void* bytes) {
-  return fileOf(file).bytes->read(place, static_cast<char*>(bytes), count) ? 0 : -1;
+  return File::of(file).bytes->read(place, static_cast<char*>(bytes), count) ? 0 : -1;
 }
 
 herr_t writeBytes(H5FD_t* file, H5FD_mem_t type, hid_t /*transfer*/, haddr_t place,
                   std::size_t count, const void* bytes) {
-  fileOf(file).bytes->write(place, static_cast<const char*>(bytes), count, type != H5FD_MEM_DRAW);
+  File::of(file).bytes->write(place, static_cast<const char*>(bytes), count, type != H5FD_MEM_DRAW);
   return 0;
 }
 
 herr_t setLength(H5FD_t* file, hid_t /*transfer*/, hbool_t /*isClosing*/) {
-  DriverFile& written = fileOf(file);
+  File& written = File::of(file);
   if (written.endOfAddresses != written.bytes->end()) {
     written.bytes->setLength(written.endOfAddresses);
   }
@@ -162,27 +96,12 @@ herr_t setLength(H5FD_t* file, hid_t /*transfer*/, hbool_t /*isClosing*/) {
 }
 
 H5FD_class_t makeClass() noexcept {
-  constexpr haddr_t kLargest = (haddr_t{1} << 63U) - 1;
-  H5FD_class_t driver = {};
-#if defined(H5FD_CLASS_VERSION)
-  driver.version = H5FD_CLASS_VERSION;
-  driver.value = 512;  // the first one that is free for everybody
-#endif
-  driver.name = "orvml";
-  driver.maxaddr = kLargest;
-  driver.fc_degree = H5F_CLOSE_WEAK;
-  driver.fapl_size = sizeof(Setting);
-  driver.open = openFile;
-  driver.close = closeFile;
+  H5FD_class_t driver = driverOf<WrittenBytes>("orvml", 512);
   driver.query = query;
-  driver.get_eoa = endOfAddresses;
-  driver.set_eoa = setEndOfAddresses;
   driver.get_eof = endOfFile;
   driver.read = readBytes;
   driver.write = writeBytes;
   driver.truncate = setLength;
-  constexpr H5FD_mem_t kTypes[] = H5FD_FLMAP_DICHOTOMY;
-  std::copy(std::begin(kTypes), std::end(kTypes), driver.fl_map);
   return driver;
 }
 
@@ -194,8 +113,7 @@ DriverId registerFileDriver() noexcept {
 }
 
 bool writeTo(WrittenBytes& bytes, hid_t driver, hid_t fileAccess) noexcept {
-  const Setting setting = {&bytes};
-  return H5Pset_driver(fileAccess, driver, &setting) >= 0;
+  return useDriver(driver, bytes, fileAccess);
 }
 
 }  // namespace orvml::detail

@@ -5,6 +5,7 @@
 #include "hdf5/layout.h"
 
 #include <algorithm>
+#include <initializer_list>
 #include <limits>
 #include <span>
 #include <utility>
@@ -23,6 +24,20 @@ CheckReport checkOf(const RescuedDocument& document) {
                                       : check(OutputView(document.view()), options);
 }
 
+/// What is looked for at once. What follows may come from what comes before: a cell with a wrong
+/// index may be inside out, or share faces that are those of others.
+using Stage = std::initializer_list<CheckCode>;
+constexpr Stage kStages[] = {
+    {CheckCode::coordinateNotFinite},
+    {CheckCode::indexOutOfRange},
+    {CheckCode::repeatedNode},
+    {CheckCode::zeroSizeCell, CheckCode::invertedCell, CheckCode::foldedCell},
+    {CheckCode::duplicateCell},
+    {CheckCode::faceSharedByMany}};
+
+/// Those that every document has to go through; the others are for unsound cells.
+constexpr std::size_t kStagesOfIndices = 2;
+
 class SoundDocument {
  public:
   SoundDocument(RescuedDocument& document, const RescueOptions& options, Losses& losses)
@@ -37,21 +52,9 @@ class SoundDocument {
   }
 
  private:
-  /// What is looked for at once. What follows may come from what comes before: a cell with a wrong
-  /// index may be inside out, or share faces that are those of others.
-  static constexpr CheckCode kStages[][3] = {
-      {CheckCode::coordinateNotFinite, CheckCode::coordinateNotFinite,
-       CheckCode::coordinateNotFinite},
-      {CheckCode::indexOutOfRange, CheckCode::indexOutOfRange, CheckCode::indexOutOfRange},
-      {CheckCode::repeatedNode, CheckCode::repeatedNode, CheckCode::repeatedNode},
-      {CheckCode::zeroSizeCell, CheckCode::invertedCell, CheckCode::foldedCell},
-      {CheckCode::duplicateCell, CheckCode::duplicateCell, CheckCode::duplicateCell},
-      {CheckCode::faceSharedByMany, CheckCode::faceSharedByMany, CheckCode::faceSharedByMany}};
-  static constexpr std::size_t kStagesOfIndices = 2;
-
   void dropUnknownForms();
   void dropCellsWithoutNodes();
-  bool dropWorst(std::span<const CheckCode[3]> stages);
+  bool dropWorst(std::span<const Stage> stages);
   void drop(const CheckFinding& finding);
   void dropNodes(const CheckFinding& finding, std::vector<bool> isDropped);
   void dropMarked(Entity entity, LostObject lost, const std::vector<bool>& isDropped);
@@ -177,14 +180,13 @@ void SoundDocument::dropCellsWithoutNodes() {
 }
 
 /// Drops what belongs to the first stage that anything is found of. Returns false when nothing is.
-bool SoundDocument::dropWorst(std::span<const CheckCode[3]> stages) {
+bool SoundDocument::dropWorst(std::span<const Stage> stages) {
   const CheckReport report = checkOf(document_);
-  for (const auto& stage : stages) {
+  for (const Stage& stage : stages) {
     bool isAnyFound = false;
     for (const CheckFinding& finding : report.findings) {
-      const bool isOfStage = std::any_of(std::begin(stage), std::end(stage), [&](CheckCode code) {
-        return finding.code == text(code);
-      });
+      const bool isOfStage = std::any_of(
+          stage.begin(), stage.end(), [&](CheckCode code) { return finding.code == text(code); });
       // Indices of findings count what was there when they were made: one of each kind at a time.
       if (isOfStage && !finding.places.empty() && !isAnyFound) {
         drop(finding);
