@@ -78,14 +78,9 @@ class Hostile(Shell):
                 self.assert_all_end_well("bad.h5")
 
     def test_old_layout_is_looked_at_and_checked_with_a_note(self):
-        document = tetrahedron()
-        document.node_attributes, document.parameters, document.vectors = {}, {}, {}
-        document.cells["Faces"].attributes = {}
-        self.write("old.h5", document)
+        self.write_old("old.h5")
 
         def change(file):
-            exchange_writer.write_text(file, b"ORVMESHLIBRARY_FORMAT_VERSION", b"1.3")
-            file["OrvInput/parameters"] = np.arange(11) / 4
             group = file["OrvInput"].create_group("GenericAttributes")
             group.attrs.create("MAX_ID", np.array([1], "int32"))
             group["0"] = np.array([0.5, 0.25])

@@ -5,7 +5,7 @@ import unittest
 import numpy as np
 
 import exchange_reader
-from shell import INT, Shell, exchange_writer, tetrahedron
+from shell import INT, Shell, tetrahedron
 
 
 class Rescue(Shell):
@@ -63,16 +63,7 @@ class Rescue(Shell):
 
 class Upgrade(Shell):
     def test_older_layout_gets_names_and_loses_nothing(self):
-        document = tetrahedron()
-        document.node_attributes, document.parameters, document.vectors = {}, {}, {}
-        document.cells["Faces"].attributes = {}
-        self.write("old.h5", document)
-
-        def change(file):
-            exchange_writer.write_text(file, b"ORVMESHLIBRARY_FORMAT_VERSION", b"1.3")
-            file["OrvInput/parameters"] = np.arange(11) / 4
-
-        self.damage("old.h5", change)
+        self.write_old("old.h5")
         code, printed, told = self.run_line("orvml upgrade old.h5 new.h5")
         self.assertEqual((code, told), (0, ""))
         self.assertTrue(printed.startswith("old.h5: format 1.3, everything is kept\n  changed: "))

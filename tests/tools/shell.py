@@ -51,6 +51,19 @@ class Shell(unittest.TestCase):
     def write(self, name, document, kind="OrvInput"):
         exchange_writer.write_file(self.folder / name, {kind: document})
 
+    def write_old(self, name):
+        """Writes a file of the layout before names, with parameters alone."""
+        document = tetrahedron()
+        document.node_attributes, document.parameters, document.vectors = {}, {}, {}
+        document.cells["Faces"].attributes = {}
+        self.write(name, document)
+
+        def change(file):
+            exchange_writer.write_text(file, b"ORVMESHLIBRARY_FORMAT_VERSION", b"1.3")
+            file["OrvInput/parameters"] = np.arange(11) / 4
+
+        self.damage(name, change)
+
     def environment(self, **more):
         kept = {name: value for name, value in os.environ.items() if name != "NO_COLOR"}
         return dict(kept, PATH=f"{COMMAND.parent}:{os.environ['PATH']}", TERM="xterm",
