@@ -62,7 +62,7 @@ bool WrittenBytes::read(std::uint64_t place, char* bytes, std::size_t count) noe
 
 namespace {
 
-using File = DriverFile<WrittenBytes>;
+using WrittenFile = DriverFile<WrittenBytes>;
 
 /// What HDF5 does by itself for files of its usual driver, so that the same files come out.
 herr_t query(const H5FD_t* /*file*/, unsigned long* features) {
@@ -74,28 +74,31 @@ herr_t query(const H5FD_t* /*file*/, unsigned long* features) {
   return 0;
 }
 
-haddr_t endOfFile(const H5FD_t* file, H5FD_mem_t /*type*/) { return File::of(file).bytes->end(); }
+haddr_t endOfFile(const H5FD_t* file, H5FD_mem_t /*type*/) {
+  return WrittenFile::of(file).bytes->end();
+}
 
 herr_t readBytes(H5FD_t* file, H5FD_mem_t /*type*/, hid_t /*transfer*/, haddr_t place,
                  std::size_t count, void* bytes) {
-  return File::of(file).bytes->read(place, static_cast<char*>(bytes), count) ? 0 : -1;
+  return WrittenFile::of(file).bytes->read(place, static_cast<char*>(bytes), count) ? 0 : -1;
 }
 
 herr_t writeBytes(H5FD_t* file, H5FD_mem_t type, hid_t /*transfer*/, haddr_t place,
                   std::size_t count, const void* bytes) {
-  File::of(file).bytes->write(place, static_cast<const char*>(bytes), count, type != H5FD_MEM_DRAW);
+  WrittenFile::of(file).bytes->write(place, static_cast<const char*>(bytes), count,
+                                     type != H5FD_MEM_DRAW);
   return 0;
 }
 
 herr_t setLength(H5FD_t* file, hid_t /*transfer*/, hbool_t /*isClosing*/) {
-  File& written = File::of(file);
+  WrittenFile& written = WrittenFile::of(file);
   if (written.endOfAddresses != written.bytes->end()) {
     written.bytes->setLength(written.endOfAddresses);
   }
   return 0;
 }
 
-H5FD_class_t makeClass() noexcept {
+H5FD_class_t fileDriverClass() noexcept {
   H5FD_class_t driver = driverOf<WrittenBytes>("orvml", 512);
   driver.query = query;
   driver.get_eof = endOfFile;
@@ -108,7 +111,7 @@ H5FD_class_t makeClass() noexcept {
 }  // namespace
 
 DriverId registerFileDriver() noexcept {
-  static const H5FD_class_t kDriver = makeClass();
+  static const H5FD_class_t kDriver = fileDriverClass();
   return DriverId(H5FDregister(&kDriver));
 }
 

@@ -16,17 +16,14 @@
 
 namespace orvml {
 
-namespace {
+namespace detail {
 
-using orvml_io::Descriptor;
-using orvml_io::OrvInputAndOrvOutput;
-
-/// The pages of a file.
-class Pages {
+/// The pages of a file. MappedFile has them as a member, so that they are in no unnamed namespace.
+class MappedPages {
  public:
-  Pages() = default;
+  MappedPages() = default;
   /// Maps a file; there are no pages where the system cannot.
-  Pages(int descriptor, std::uint64_t bytes) noexcept {
+  MappedPages(int descriptor, std::uint64_t bytes) noexcept {
     void* address =
         bytes == 0 ? MAP_FAILED : ::mmap(nullptr, bytes, PROT_READ, MAP_SHARED, descriptor, 0);
     if (address != MAP_FAILED) {
@@ -34,11 +31,11 @@ class Pages {
       bytes_ = bytes;
     }
   }
-  Pages(const Pages&) = delete;
-  Pages& operator=(const Pages&) = delete;
-  Pages(Pages&&) = delete;
-  Pages& operator=(Pages&&) = delete;
-  ~Pages() {
+  MappedPages(const MappedPages&) = delete;
+  MappedPages& operator=(const MappedPages&) = delete;
+  MappedPages(MappedPages&&) = delete;
+  MappedPages& operator=(MappedPages&&) = delete;
+  ~MappedPages() {
     if (address_ != nullptr) {
       (void)::munmap(const_cast<char*>(address_), bytes_);  // NOLINT(*-pro-type-const-cast)
     }
@@ -51,10 +48,17 @@ class Pages {
   std::uint64_t bytes_ = 0;
 };
 
+}  // namespace detail
+
+namespace {
+
+using orvml_io::Descriptor;
+using orvml_io::OrvInputAndOrvOutput;
+
 /// Lends the arrays of a mapped file where they lie in its pages, and keeps account of the others.
 class MappedArrays : public orvml_io::ArrayReader {
  public:
-  MappedArrays(const Pages& pages, std::vector<ReadArray>& others) noexcept
+  MappedArrays(const detail::MappedPages& pages, std::vector<ReadArray>& others) noexcept
       : pages_(pages), others_(others) {}
 
   [[nodiscard]] const void* lend(const orvml_io::WantedArray& wanted) override {
@@ -84,7 +88,7 @@ class MappedArrays : public orvml_io::ArrayReader {
     return stored.offset % alignment == 0 ? nullptr : "is misaligned";
   }
 
-  const Pages& pages_;
+  const detail::MappedPages& pages_;
   std::vector<ReadArray>& others_;
 };
 
@@ -104,7 +108,7 @@ struct MappedFile::Content {
 
   std::filesystem::path path;
   Descriptor lock;  // keeps writers from changing the pages
-  Pages pages;
+  detail::MappedPages pages;
   std::unique_ptr<OrvInputAndOrvOutput> input;
   std::unique_ptr<OrvInputAndOrvOutput> output;
   std::vector<ReadArray> others;

@@ -88,7 +88,7 @@ DatatypeId memoryTypeOf(hid_t recordType) {
 }
 
 /// Records that pass at once: whole chunks, some hundred kilobytes.
-constexpr std::size_t kBlockLength = std::size_t{400} * layout::kParametersChunk;
+constexpr std::size_t kRecordsPerBlock = std::size_t{400} * layout::kParametersChunk;
 
 using Records = std::vector<ParameterRecord>;
 
@@ -137,12 +137,12 @@ ParameterRecord toRecord(const std::string& name, double value) noexcept {
 
 int writeRecords(hid_t dataset, hid_t recordType, const OML_AttributesScalar<double>& parameters) {
   Records records;
-  records.reserve(std::min(parameters.count(), kBlockLength));
+  records.reserve(std::min(parameters.count(), kRecordsPerBlock));
   hsize_t written = 0;
   auto next = parameters.begin();
   while (next != parameters.end()) {
     records.clear();
-    for (; next != parameters.end() && records.size() < kBlockLength; ++next) {
+    for (; next != parameters.end() && records.size() < kRecordsPerBlock; ++next) {
       records.push_back(toRecord(next->first, next->second));
     }
     if (transferBlock(H5Dwrite, dataset, recordType, 1, written, records.size(), records.data()) !=
@@ -172,8 +172,8 @@ int describeTable(hid_t dataset) {
 int readRecords(hid_t dataset, hid_t recordType, const Extent& extent,
                 OML_AttributesScalar<double>& found) {
   const hsize_t count = extent.first;
-  for (hsize_t start = 0; start < count; start += kBlockLength) {
-    Records records(std::min<hsize_t>(count - start, kBlockLength));
+  for (hsize_t start = 0; start < count; start += kRecordsPerBlock) {
+    Records records(std::min<hsize_t>(count - start, kRecordsPerBlock));
     if (transferBlock(H5Dread, dataset, recordType, extent.rank, start, records.size(),
                       records.data()) != kOk) {
       return kFailed;

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <ostream>
+
 namespace orvml_io_tests {
 
 /// Compares two documents, neither of them null, with both exported predicates. They must agree:
@@ -22,5 +24,15 @@ inline bool equal(const BuiltDocument& first, const BuiltDocument& second) {
 inline bool equal(const Handle& first, const Handle& second) {
   return equal(first.get(), second.get());
 }
+
+/// A change of a document, after which it is compared.
+struct DocumentChange {
+  const char* name;
+  void (*apply)(void* document);
+
+  friend std::ostream& operator<<(std::ostream& stream, const DocumentChange& change) {
+    return stream << change.name;
+  }
+};
 
 }  // namespace orvml_io_tests

@@ -38,7 +38,7 @@ struct Groups {
 ElemType line[] = {LINEAR};
 int two[] = {2};
 int minusTwo[] = {-2};
-int indices[] = {3, 2, 1, 0};
+int lineIndices[] = {3, 2, 1, 0};
 
 void replaceCells(void* document, const Groups& groups) {
   for (const auto entity : {ORVML_EDGES, ORVML_FACES, ORVML_ELEMENTS}) {
@@ -47,15 +47,6 @@ void replaceCells(void* document, const Groups& groups) {
                                 groups.cellsPerGroup);
   }
 }
-
-struct Change {
-  const char* name;
-  void (*apply)(void* document);
-
-  friend std::ostream& operator<<(std::ostream& stream, const Change& change) {
-    return stream << change.name;
-  }
-};
 
 void expectEqualCopies(void* source) {
   const Handle copy(OrvML_IO_NewOrvInputHandle(source));
@@ -67,7 +58,7 @@ void expectEqualCopies(void* source) {
   EXPECT_TRUE(equal(copyOfCopy.get(), source));
 }
 
-class CopyOfADocumentOfTheCaller : public ::testing::TestWithParam<Change> {};
+class CopyOfADocumentOfTheCaller : public ::testing::TestWithParam<DocumentChange> {};
 
 TEST_P(CopyOfADocumentOfTheCaller, EqualsItsSource) {
   const BuiltDocument source = plainDocument();
@@ -76,7 +67,7 @@ TEST_P(CopyOfADocumentOfTheCaller, EqualsItsSource) {
   expectEqualCopies(source.handle());
 }
 
-constexpr Change kChangesByTheCaller[] = {
+constexpr DocumentChange kChangesByTheCaller[] = {
     {"Unchanged", [](void*) {}},
     {"NegativeNodeCount", [](void* d) { OrvML_IO_SetNumberOfNodes(d, INT_MIN); }},
     {"LowerNodeCount", [](void* d) { OrvML_IO_SetNumberOfNodes(d, 1); }},
@@ -86,43 +77,43 @@ constexpr Change kChangesByTheCaller[] = {
     {"NoCoordinates", [](void* d) { OrvML_IO_SetNodesCoords(d, 2, nullptr); }},
     {"CountUnlikeTheGroups",
      [](void* d) {
-       replaceCells(d, {100, indices, 1, line, two, two});
+       replaceCells(d, {100, lineIndices, 1, line, two, two});
      }},
     {"NegativeCount",
      [](void* d) {
-       replaceCells(d, {-1, indices, 1, line, two, two});
+       replaceCells(d, {-1, lineIndices, 1, line, two, two});
      }},
     {"NegativeGroupCount",
      [](void* d) {
-       replaceCells(d, {2, indices, -1, line, two, two});
+       replaceCells(d, {2, lineIndices, -1, line, two, two});
      }},
     {"NegativeCellCount",
      [](void* d) {
-       replaceCells(d, {2, indices, 1, line, two, minusTwo});
+       replaceCells(d, {2, lineIndices, 1, line, two, minusTwo});
      }},
     {"NegativeNodesPerCell",
      [](void* d) {
-       replaceCells(d, {2, indices, 1, line, minusTwo, two});
+       replaceCells(d, {2, lineIndices, 1, line, minusTwo, two});
      }},
     {"NegativeCellsAndNodes",
      [](void* d) {
-       replaceCells(d, {2, indices, 1, line, minusTwo, minusTwo});
+       replaceCells(d, {2, lineIndices, 1, line, minusTwo, minusTwo});
      }},
     {"NoGroups",
      [](void* d) {
-       replaceCells(d, {2, indices, 0, nullptr, nullptr, nullptr});
+       replaceCells(d, {2, lineIndices, 0, nullptr, nullptr, nullptr});
      }},
     {"NoShapes",
      [](void* d) {
-       replaceCells(d, {2, indices, 1, nullptr, two, two});
+       replaceCells(d, {2, lineIndices, 1, nullptr, two, two});
      }},
     {"NoNodesPerCell",
      [](void* d) {
-       replaceCells(d, {2, indices, 1, line, nullptr, two});
+       replaceCells(d, {2, lineIndices, 1, line, nullptr, two});
      }},
     {"NoCellsPerGroup",
      [](void* d) {
-       replaceCells(d, {2, indices, 1, line, two, nullptr});
+       replaceCells(d, {2, lineIndices, 1, line, two, nullptr});
      }},
     {"EmptiedElements", [](void* d) { replaceCells(d, {}); }},
     {"ClearedElements",
@@ -137,7 +128,7 @@ INSTANTIATE_TEST_SUITE_P(Changes, CopyOfADocumentOfTheCaller,
                          ::testing::ValuesIn(kChangesByTheCaller), RowName());
 
 /// The source is a copy itself, whose arrays have a known length.
-class CopyOfADocumentThatOwnsItsArrays : public ::testing::TestWithParam<Change> {};
+class CopyOfADocumentThatOwnsItsArrays : public ::testing::TestWithParam<DocumentChange> {};
 
 TEST_P(CopyOfADocumentThatOwnsItsArrays, EqualsItsSource) {
   const Handle source(OrvML_IO_NewOrvInputHandle(plainDocument().handle()));
@@ -146,7 +137,7 @@ TEST_P(CopyOfADocumentThatOwnsItsArrays, EqualsItsSource) {
   expectEqualCopies(source.get());
 }
 
-constexpr Change kChangesOfAnOwner[] = {
+constexpr DocumentChange kChangesOfAnOwner[] = {
     {"RaisedNodeCount", [](void* d) { OrvML_IO_SetNumberOfNodes(d, INT_MAX); }},
     {"RaisedDimension", [](void* d) { OrvML_IO_SetMeshDimension(d, INT_MAX); }},
     {"LowerNodeCount", [](void* d) { OrvML_IO_SetNumberOfNodes(d, 1); }},

@@ -95,17 +95,8 @@ TEST(DocumentEquality, FailsForAnotherDimensionOfEmptyDocuments) {
   EXPECT_FALSE(equal(BuiltDocument::input(2), BuiltDocument::input(3)));
 }
 
-/// A change of one thing in the document of fullDocument().
-struct Change {
-  const char* name;
-  void (*apply)(void* document);
-
-  friend std::ostream& operator<<(std::ostream& stream, const Change& change) {
-    return stream << change.name;
-  }
-};
-
-class ChangedDocument : public ::testing::TestWithParam<Change> {
+/// The document of fullDocument(), and the same with one thing changed.
+class ChangedDocument : public ::testing::TestWithParam<DocumentChange> {
  protected:
   ChangedDocument() { GetParam().apply(changed_.handle()); }
 
@@ -123,35 +114,39 @@ TEST_P(UncomparedChange, LeavesTheDocumentsEqual) {
 INSTANTIATE_TEST_SUITE_P(
     Changes, UncomparedChange,
     ::testing::Values(
-        Change{"ModuleName", [](void* d) { OrvML_IO_SetOrvMeshLibraryModuleName("other", d); }},
-        Change{"ModuleFormatVersion",
-               [](void* d) { OrvML_IO_SetOrvMeshLibraryModuleFormatVersion("9.9", d); }},
-        Change{"IOCreator", [](void* d) { OrvML_IO_SetOrvMeshLibraryIOCreator("other", d); }},
-        Change{"FileFormatVersion",
-               [](void* d) {
-                 orvml_io::copyIdentification(orvml_io::documentOf(d)->fileFormatVersion, "1.2");
-               }},
-        Change{"VectorParameterRemoved",
-               [](void* d) { OrvML_IO_DeleteParameterVector(d, "layers"); }},
-        Change{"VectorParameterAdded",
-               [](void* d) {
-                 OrvML_IO_SetParameterVector(d, "added", static_cast<int*>(nullptr), 0);
-               }},
-        Change{"VectorParameterValue",
-               [](void* d) {
-                 int* values = nullptr;
-                 int length = 0;
-                 OrvML_IO_GetParameterVector(d, "layers", values, length);
-                 values[0] += 1;
-               }},
-        Change{"TransmissionFlag",
-               [](void* d) {
-                 const int values[] = {0, 1, 0, 1, 0};
-                 OrvML_IO_DeleteAttribute(d, "forced", ORVML_NODES);
-                 OrvML_IO_SetAttributesEntitiesVector(d, ORVML_NODES, "forced", values, 5, true);
-               }},
-        Change{"StatusCallback", [](void* d) { OrvML_IO_SetCallbackStatus(d, d, d); }},
-        Change{"ErrorCallback", [](void* d) { OrvML_IO_SetCallbackError(d, d, d); }}),
+        DocumentChange{"ModuleName",
+                       [](void* d) { OrvML_IO_SetOrvMeshLibraryModuleName("other", d); }},
+        DocumentChange{"ModuleFormatVersion",
+                       [](void* d) { OrvML_IO_SetOrvMeshLibraryModuleFormatVersion("9.9", d); }},
+        DocumentChange{"IOCreator",
+                       [](void* d) { OrvML_IO_SetOrvMeshLibraryIOCreator("other", d); }},
+        DocumentChange{"FileFormatVersion",
+                       [](void* d) {
+                         orvml_io::copyIdentification(orvml_io::documentOf(d)->fileFormatVersion,
+                                                      "1.2");
+                       }},
+        DocumentChange{"VectorParameterRemoved",
+                       [](void* d) { OrvML_IO_DeleteParameterVector(d, "layers"); }},
+        DocumentChange{"VectorParameterAdded",
+                       [](void* d) {
+                         OrvML_IO_SetParameterVector(d, "added", static_cast<int*>(nullptr), 0);
+                       }},
+        DocumentChange{"VectorParameterValue",
+                       [](void* d) {
+                         int* values = nullptr;
+                         int length = 0;
+                         OrvML_IO_GetParameterVector(d, "layers", values, length);
+                         values[0] += 1;
+                       }},
+        DocumentChange{"TransmissionFlag",
+                       [](void* d) {
+                         const int values[] = {0, 1, 0, 1, 0};
+                         OrvML_IO_DeleteAttribute(d, "forced", ORVML_NODES);
+                         OrvML_IO_SetAttributesEntitiesVector(d, ORVML_NODES, "forced", values, 5,
+                                                              true);
+                       }},
+        DocumentChange{"StatusCallback", [](void* d) { OrvML_IO_SetCallbackStatus(d, d, d); }},
+        DocumentChange{"ErrorCallback", [](void* d) { OrvML_IO_SetCallbackError(d, d, d); }}),
     RowName());
 
 class ComparedChange : public ChangedDocument {};
@@ -181,23 +176,25 @@ void changeADouble(void* document, const char* name) {
 INSTANTIATE_TEST_SUITE_P(
     Changes, ComparedChange,
     ::testing::Values(
-        Change{"Dimension", [](void* d) { OrvML_IO_SetMeshDimension(d, 2); }},
-        Change{"NumberOfNodes", [](void* d) { OrvML_IO_SetNumberOfNodes(d, 4); }},
-        Change{"Coordinate",
-               [](void* d) {
-                 double* coords = nullptr;
-                 OrvML_IO_GetNodesCoords(d, coords);
-                 coords[4] += 1;
-               }},
-        Change{"Edge", changeANodeIndex<ORVML_EDGES>},
-        Change{"Face", changeANodeIndex<ORVML_FACES>},
-        Change{"Element", changeANodeIndex<ORVML_ELEMENTS>},
-        Change{"NodeAttribute", [](void* d) { changeADouble<ORVML_NODES>(d, "size"); }},
-        Change{"EdgeAttribute", [](void* d) { changeAnInt<ORVML_EDGES>(d, "line"); }},
-        Change{"FaceAttribute", [](void* d) { changeAnInt<ORVML_FACES>(d, "surface"); }},
-        Change{"ElementAttribute", [](void* d) { changeADouble<ORVML_ELEMENTS>(d, "quality"); }},
-        Change{"ScalarParameter", [](void* d) { OrvML_IO_SetParameter(d, "size", 9.0); }},
-        Change{"OneMoreScalarParameter", [](void* d) { OrvML_IO_SetParameter(d, "z", 0.0); }}),
+        DocumentChange{"Dimension", [](void* d) { OrvML_IO_SetMeshDimension(d, 2); }},
+        DocumentChange{"NumberOfNodes", [](void* d) { OrvML_IO_SetNumberOfNodes(d, 4); }},
+        DocumentChange{"Coordinate",
+                       [](void* d) {
+                         double* coords = nullptr;
+                         OrvML_IO_GetNodesCoords(d, coords);
+                         coords[4] += 1;
+                       }},
+        DocumentChange{"Edge", changeANodeIndex<ORVML_EDGES>},
+        DocumentChange{"Face", changeANodeIndex<ORVML_FACES>},
+        DocumentChange{"Element", changeANodeIndex<ORVML_ELEMENTS>},
+        DocumentChange{"NodeAttribute", [](void* d) { changeADouble<ORVML_NODES>(d, "size"); }},
+        DocumentChange{"EdgeAttribute", [](void* d) { changeAnInt<ORVML_EDGES>(d, "line"); }},
+        DocumentChange{"FaceAttribute", [](void* d) { changeAnInt<ORVML_FACES>(d, "surface"); }},
+        DocumentChange{"ElementAttribute",
+                       [](void* d) { changeADouble<ORVML_ELEMENTS>(d, "quality"); }},
+        DocumentChange{"ScalarParameter", [](void* d) { OrvML_IO_SetParameter(d, "size", 9.0); }},
+        DocumentChange{"OneMoreScalarParameter",
+                       [](void* d) { OrvML_IO_SetParameter(d, "z", 0.0); }}),
     RowName());
 
 /// A document with one container and one without.

@@ -17,16 +17,16 @@ namespace {
 
 using namespace orvml_io_tests;
 
-struct Change {
+struct CellsChange {
   const char* name;
   void (*apply)(Cells& cells);
 
-  friend std::ostream& operator<<(std::ostream& stream, const Change& change) {
+  friend std::ostream& operator<<(std::ostream& stream, const CellsChange& change) {
     return stream << change.name;
   }
 };
 
-class DifferentCells : public ::testing::TestWithParam<std::tuple<ElementKind, Change>> {};
+class DifferentCells : public ::testing::TestWithParam<std::tuple<ElementKind, CellsChange>> {};
 
 TEST_P(DifferentCells, AreNotEqual) {
   const auto& [kind, change] = GetParam();
@@ -36,7 +36,7 @@ TEST_P(DifferentCells, AreNotEqual) {
   EXPECT_FALSE(areEqual(kind.entity, Cells(), changed));
 }
 
-constexpr Change kDifferences[] = {
+constexpr CellsChange kDifferences[] = {
     {"NumberOfCells", [](Cells& cells) { cells.count = 4; }},
     {"FirstShape", [](Cells& cells) { cells.shapes[0] = LINEAR; }},
     {"LastShape", [](Cells& cells) { cells.shapes[1] = TETRAHEDRA; }},
@@ -75,7 +75,7 @@ INSTANTIATE_TEST_SUITE_P(Differences, DifferentCells,
                                             ::testing::ValuesIn(kDifferences)),
                          [](const auto& row) {
                            return std::string(std::get<ElementKind>(row.param).name) + "By" +
-                                  std::get<Change>(row.param).name;
+                                  std::get<CellsChange>(row.param).name;
                          });
 
 /// Every claim about equality holds for each kind of element.

@@ -3,7 +3,9 @@
 #include <orvml/orvml.hpp>
 
 #include <optional>
+#include <span>
 #include <string>
+#include <vector>
 
 namespace orvml_io_tests {
 
@@ -20,5 +22,11 @@ std::string contentOf(const orvml::Attributes& vectors);
 /// What the documents of a file held, the input first.
 std::string contentOf(const orvml::Loaded& loaded);
 std::string contentOf(const orvml::MappedFile& file);
+
+/// The values of an array, which may go afterwards.
+template <class Value>
+std::vector<Value> copyOf(std::span<const Value> values) {
+  return {values.begin(), values.end()};
+}
 
 }  // namespace orvml_io_tests

@@ -27,11 +27,6 @@ using orvml::Transmission;
 using Ints = std::vector<int>;
 using Doubles = std::vector<double>;
 
-template <class Value>
-std::vector<Value> copyOf(std::span<const Value> values) {
-  return {values.begin(), values.end()};
-}
-
 Input emptyInput() { return {{"module", "2.1", "me"}, 3}; }
 
 /// Three nodes and two triangles.

@@ -32,7 +32,7 @@ using orvml::InputView;
 
 const std::string kOldContent(100, 'o');
 const std::string kEighty(80, 'n');
-const std::vector<int> kInts = {1, 2, 3};
+const std::vector<int> kThreeInts = {1, 2, 3};
 const std::vector<double> kCoordinates = {0, 0, 0, 1, 0, 0, 0, 1, 0};
 
 /// A folder and the path of a file to be saved in it.
@@ -210,7 +210,7 @@ struct ViewRow {
   }
 };
 
-Attributes vectorCalled(std::string_view name) { return Attributes({Attribute(name, kInts)}); }
+Attributes vectorCalled(std::string_view name) { return Attributes({Attribute(name, kThreeInts)}); }
 
 const ViewRow kViews[] = {
     {"WithAParameterOfALongName",
@@ -231,7 +231,8 @@ const ViewRow kViews[] = {
      "the attribute \"" + kEighty + "\" has 80 bytes, at most 79 are allowed", kEighty},
     {"WithAnAttributeOfCellsNamedLikeAPath",
      [](DocumentParts& parts) {
-       parts.faces = orvml::CellsView({{orvml::Shape::triangle, 3, kInts}}, vectorCalled("a/b"));
+       parts.faces =
+           orvml::CellsView({{orvml::Shape::triangle, 3, kThreeInts}}, vectorCalled("a/b"));
      },
      "orvml.name.not-allowed", "the attribute \"a/b\" has a name that stands for a path", "a/b"},
     {"WithAParameterWithoutAName",

@@ -1,6 +1,7 @@
 // Views of arrays of the caller: sizes, ranges, look-ups, and what is refused.
 #include <orvml/view.hpp>
 
+#include "cpp/content.h"
 #include "cpp/errors.h"
 
 #include <array>
@@ -22,11 +23,6 @@ using orvml::Shape;
 using Ints = std::vector<int>;
 using Doubles = std::vector<double>;
 using Names = std::vector<std::string>;
-
-template <class Value>
-std::vector<Value> copyOf(std::span<const Value> values) {
-  return {values.begin(), values.end()};
-}
 
 template <class Named>
 Names namesOf(const Named& list) {

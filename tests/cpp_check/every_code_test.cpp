@@ -48,7 +48,7 @@ TestMesh withNode(TestMesh mesh, double x, double y, double z) {
 struct CodeRow {
   const char* name;
   TestMesh (*make)();
-  std::string code;
+  std::string_view code;
   std::string sentence;
   std::vector<CheckPlace> places = {};
   std::int64_t count = 1;
@@ -58,16 +58,13 @@ struct CodeRow {
   }
 };
 
-std::string of(CheckCode code) { return std::string(text(code)); }
-std::string of(orvml::Code code) { return std::string(text(code)); }
-
 std::vector<CodeRow> rowsOfCells() {
   return {
       {"IndexOutOfRange",
        [] {
          return tetrahedronOf({0, 1, 2, 3, 0, 1, 2, -1, 0, 1, 2, 4});
        },
-       of(CheckCode::indexOutOfRange),
+       text(CheckCode::indexOutOfRange),
        "/OrvInput/Elements has 2 elements with node indices outside 0 to 3",
        {{PlaceKind::element, 1}, {PlaceKind::element, 2}},
        2},
@@ -77,14 +74,14 @@ std::vector<CodeRow> rowsOfCells() {
          mesh.x.clear();
          return mesh;
        },
-       of(CheckCode::indexOutOfRange),
+       text(CheckCode::indexOutOfRange),
        "/OrvInput/Elements has 1 element with node indices, and there are no nodes",
        {{PlaceKind::element, 0}}},
       {"RepeatedNode",
        [] {
          return tetrahedronOf({0, 1, 2, 3, 0, 1, 2, 2});
        },
-       of(CheckCode::repeatedNode),
+       text(CheckCode::repeatedNode),
        "/OrvInput/Elements has 1 element with a node that is named twice",
        {{PlaceKind::element, 1}}},
       {"NodeCount",
@@ -93,7 +90,7 @@ std::vector<CodeRow> rowsOfCells() {
          mesh.elements[0].shape = Shape::pyramid;
          return mesh;
        },
-       of(CheckCode::wrongNodeCount),
+       text(CheckCode::wrongNodeCount),
        "/OrvInput/Elements has 1 cell in its group 0 of the shape pyramid with 4 nodes each, for "
        "which there is no order"},
       {"UnknownShape",
@@ -102,7 +99,7 @@ std::vector<CodeRow> rowsOfCells() {
          mesh.elements[0].shape = static_cast<Shape>(42);
          return mesh;
        },
-       of(CheckCode::unknownShape),
+       text(CheckCode::unknownShape),
        "/OrvInput/Elements has 1 cell in its group 0 of the shape 42, which the format does not "
        "name"},
       {"MisplacedShape",
@@ -111,14 +108,14 @@ std::vector<CodeRow> rowsOfCells() {
          std::swap(mesh.elements, mesh.faces);
          return mesh;
        },
-       of(CheckCode::misplacedShape),
+       text(CheckCode::misplacedShape),
        "/OrvInput/Faces has 1 cell in its group 0 of the shape tetrahedron, which does not belong "
        "there"},
       {"DuplicateElement",
        [] {
          return tetrahedronOf({0, 1, 2, 3, 1, 2, 0, 3});
        },
-       of(CheckCode::duplicateCell),
+       text(CheckCode::duplicateCell),
        "/OrvInput/Elements has 1 element with the nodes of another one",
        {{PlaceKind::element, 1}}},
       {"DuplicateFaceOfAnElement",
@@ -127,7 +124,7 @@ std::vector<CodeRow> rowsOfCells() {
          mesh.faces = {{Shape::triangle, 3, {0, 2, 1, 0, 1, 3, 1, 0, 2}}};
          return mesh;
        },
-       of(CheckCode::duplicateCell),
+       text(CheckCode::duplicateCell),
        "/OrvInput/Faces has 1 face with the nodes of another one",
        {{PlaceKind::face, 2}}},
       {"DuplicateEdge",
@@ -136,12 +133,12 @@ std::vector<CodeRow> rowsOfCells() {
          mesh.edges = {{Shape::line, 2, {0, 1, 1, 2, 1, 0}}};
          return mesh;
        },
-       of(CheckCode::duplicateCell),
+       text(CheckCode::duplicateCell),
        "/OrvInput/Edges has 1 edge with the nodes of another one",
        {{PlaceKind::edge, 2}}},
       {"UnusedNode",
        [] { return withNode(tetrahedron(), 5, 5, 5); },
-       of(CheckCode::unusedNode),
+       text(CheckCode::unusedNode),
        "/OrvInput/Nodes has 1 node that no cell names",
        {{PlaceKind::node, 4}}}};
 }
@@ -153,7 +150,7 @@ std::vector<CodeRow> rowsOfGeometry() {
              mesh.hasCoordinates = false;
              return mesh;
            },
-           of(CheckCode::coordinatesMissing), "/OrvInput/Nodes has 4 nodes without coordinates"},
+           text(CheckCode::coordinatesMissing), "/OrvInput/Nodes has 4 nodes without coordinates"},
           {"CoordinateNotFinite",
            [] {
              TestMesh mesh = tetrahedron();
@@ -161,7 +158,7 @@ std::vector<CodeRow> rowsOfGeometry() {
              mesh.x[9] = std::numeric_limits<double>::infinity();
              return mesh;
            },
-           of(CheckCode::coordinateNotFinite),
+           text(CheckCode::coordinateNotFinite),
            "/OrvInput/Nodes has 2 nodes with a coordinate that is infinite or no number",
            {{PlaceKind::node, 2}, {PlaceKind::node, 3}},
            2},
@@ -172,7 +169,7 @@ std::vector<CodeRow> rowsOfGeometry() {
              mesh.elements[0].indices.insert(mesh.elements[0].indices.end(), {4, 5, 6, 7});
              return mesh;
            },
-           of(CheckCode::coincidentNodes),
+           text(CheckCode::coincidentNodes),
            "/OrvInput/Nodes has 3 nodes at the place of another one; node 4 is where node 1 is",
            {{PlaceKind::node, 4}, {PlaceKind::node, 5}, {PlaceKind::node, 6}},
            3},
@@ -183,14 +180,14 @@ std::vector<CodeRow> rowsOfGeometry() {
              mesh.x[10] = -1;
              return mesh;
            },
-           of(CheckCode::zeroSizeCell),
+           text(CheckCode::zeroSizeCell),
            "/OrvInput/Elements has 1 element without size",
            {{PlaceKind::element, 0}}},
           {"InvertedElement",
            [] {
              return tetrahedronOf({0, 2, 1, 3});
            },
-           of(CheckCode::invertedCell),
+           text(CheckCode::invertedCell),
            "/OrvInput/Elements has 1 element inside out",
            {{PlaceKind::element, 0}}},
           {"InvertedPrismOfTheMirroredOrder",
@@ -199,7 +196,7 @@ std::vector<CodeRow> rowsOfGeometry() {
              mesh.elements[0].indices = {0, 2, 1, 3, 5, 4};
              return mesh;
            },
-           of(CheckCode::invertedCell),
+           text(CheckCode::invertedCell),
            "/OrvInput/Elements has 1 element inside out",
            {{PlaceKind::element, 0}}},
           {"InvertedFaceOfThePlane",
@@ -208,7 +205,7 @@ std::vector<CodeRow> rowsOfGeometry() {
              mesh.faces[0].indices = {0, 2, 1};
              return mesh;
            },
-           of(CheckCode::invertedCell),
+           text(CheckCode::invertedCell),
            "/OrvInput/Faces has 1 face inside out",
            {{PlaceKind::face, 0}}},
           {"FoldedHexahedron",
@@ -217,7 +214,7 @@ std::vector<CodeRow> rowsOfGeometry() {
              mesh.x[18] = mesh.x[19] = mesh.x[20] = -0.5;  // the corner 6 behind corner 0
              return mesh;
            },
-           of(CheckCode::foldedCell),
+           text(CheckCode::foldedCell),
            "/OrvInput/Elements has 1 element inside out in a part",
            {{PlaceKind::element, 0}}},
           {"FoldedByAMiddleNode",
@@ -226,7 +223,7 @@ std::vector<CodeRow> rowsOfGeometry() {
              mesh.x[12] = 0.9;  // of the edge from corner 0 to 1
              return mesh;
            },
-           of(CheckCode::foldedCell),
+           text(CheckCode::foldedCell),
            "/OrvInput/Elements has 1 element inside out in a part",
            {{PlaceKind::element, 0}}},
           {"FoldedQuadrilateralInSpace",
@@ -241,7 +238,7 @@ std::vector<CodeRow> rowsOfGeometry() {
              std::swap(mesh.faces[0].indices[1], mesh.faces[0].indices[3]);
              return mesh;
            },
-           of(CheckCode::foldedCell),
+           text(CheckCode::foldedCell),
            "/OrvInput/Faces has 1 face inside out in a part",
            {{PlaceKind::face, 0}}}};
 }
@@ -254,7 +251,7 @@ std::vector<CodeRow> rowsOfFaces() {
          mesh.faces = {{Shape::triangle, 3, {0, 2, 1, 0, 1, 4}}};
          return mesh;
        },
-       of(CheckCode::faceWithoutElement),
+       text(CheckCode::faceWithoutElement),
        "/OrvInput/Faces has 1 face without a volume element",
        {{PlaceKind::face, 1}}},
       {"FaceSharedByThree",
@@ -263,7 +260,7 @@ std::vector<CodeRow> rowsOfFaces() {
          mesh.elements[0].indices = {0, 1, 2, 3, 0, 1, 2, 4, 0, 2, 1, 5};
          return mesh;
        },
-       of(CheckCode::faceSharedByMany),
+       text(CheckCode::faceSharedByMany),
        "/OrvInput/Elements has 1 face that more than two elements share",
        {{PlaceKind::element, 0}, {PlaceKind::element, 1}, {PlaceKind::element, 2}}},
       {"InwardFace",
@@ -272,14 +269,14 @@ std::vector<CodeRow> rowsOfFaces() {
          mesh.faces = {{Shape::triangle, 3, {0, 1, 2, 0, 1, 3}}};
          return mesh;
        },
-       of(CheckCode::inwardFace),
+       text(CheckCode::inwardFace),
        "/OrvInput/Faces has 1 face looking inwards",
        {{PlaceKind::face, 0}}},
       {"OpenSurface",
        [] {
          return surface({0, 1, 3, 1, 2, 3, 2, 0, 3});
        },
-       of(CheckCode::openSurface),
+       text(CheckCode::openSurface),
        "/OrvInput/Faces has 3 edges between nodes with one face only",
        {{PlaceKind::face, 0}, {PlaceKind::face, 1}, {PlaceKind::face, 2}},
        3},
@@ -297,14 +294,14 @@ std::vector<CodeRow> rowsOfFaces() {
          }
          return mesh;
        },
-       of(CheckCode::nonManifoldSurface),
+       text(CheckCode::nonManifoldSurface),
        "/OrvInput/Faces has 1 edge between nodes that more than two faces share",
        {{PlaceKind::face, 0}, {PlaceKind::face, 3}, {PlaceKind::face, 4}, {PlaceKind::face, 7}}},
       {"InconsistentSurface",
        [] {
          return surface({0, 1, 3, 1, 2, 3, 2, 0, 3, 0, 1, 2});
        },
-       of(CheckCode::inconsistentSurface),
+       text(CheckCode::inconsistentSurface),
        "/OrvInput/Faces has 3 edges between nodes whose faces look to different sides",
        {{PlaceKind::face, 0}, {PlaceKind::face, 1}, {PlaceKind::face, 2}, {PlaceKind::face, 3}},
        3},
@@ -312,93 +309,94 @@ std::vector<CodeRow> rowsOfFaces() {
        [] {
          return surface({0, 3, 1, 1, 3, 2, 2, 3, 0, 0, 1, 2});
        },
-       of(CheckCode::inwardSurface),
+       text(CheckCode::inwardSurface),
        "/OrvInput/Faces is a closed surface whose faces look inwards"}};
 }
 
 std::vector<CodeRow> rowsOfNames() {
-  return {{"AttributeLength",
-           [] {
-             TestMesh mesh = tetrahedron();
-             mesh.attributes[3] = {{"size", {1, 2}}};
-             return mesh;
-           },
-           of(CheckCode::attributeLength),
-           "/OrvInput/Elements/Attributes/size has 2 values for 1 element"},
-          {"NameAtLimit",
-           [] {
-             TestMesh mesh = tetrahedron();
-             mesh.parameters = {{std::string(79, 'n'), 1}};
-             return mesh;
-           },
-           of(CheckCode::nameAtLimit),
-           "/OrvInput/parameters/" + std::string(79, 'n') +
-               " has a name of 79 bytes, which may have been cut"},
-          {"NameTooLong",
-           [] {
-             TestMesh mesh = tetrahedron();
-             mesh.attributes[0] = {{std::string(80, 'n'), {1, 2, 3, 4}}};
-             return mesh;
-           },
-           of(orvml::Code::nameTooLong),
-           "/OrvInput/Nodes/Attributes/" + std::string(80, 'n') +
-               " has a name of 80 bytes, at most 79 are allowed"},
-          {"NameNotAllowed",
-           [] {
-             TestMesh mesh = tetrahedron();
-             mesh.attributes[0] = {{"", {1, 2, 3, 4}}};
-             return mesh;
-           },
-           of(orvml::Code::nameNotAllowed),
-           "/OrvInput/Nodes/Attributes/ has a name that is empty, or that stands for a path"},
-          {"TextAtLimit",
-           [] {
-             TestMesh mesh = tetrahedron();
-             mesh.creator = std::string(79, 'c');
-             return mesh;
-           },
-           of(CheckCode::textAtLimit), "/ORVML_IO_CREATOR has 79 bytes, and may have been cut"},
-          {"TextTooLong",
-           [] {
-             TestMesh mesh = tetrahedron();
-             mesh.creator = std::string(80, 'c');
-             return mesh;
-           },
-           of(orvml::Code::textTooLong), "/ORVML_IO_CREATOR has 80 bytes, at most 79 are allowed"},
-          {"WrongDimension",
-           [] {
-             TestMesh mesh = tetrahedron();
-             mesh.coordinatesPerNode = 2;
-             mesh.x.resize(8);
-             return mesh;
-           },
-           of(orvml::Code::wrongDimension),
-           "/OrvInput/dimension is 3, and the nodes have 2 coordinates"},
-          {"LostInClone",
-           [] {
-             TestMesh mesh = tetrahedron();
-             mesh.vectors = {{"sizes", {1, 2}}};
-             return mesh;
-           },
-           of(CheckCode::lostInClone),
-           "/OrvInput/ParametersVector has 1 vector that a clone of the flat functions loses, for "
-           "there is no scalar parameter"},
-          {"LostWhenWritten",
-           [] {
-             TestMesh mesh = tetrahedron();
-             mesh.attributes[1] = {{"colour", {}}};
-             return mesh;
-           },
-           of(CheckCode::lostWhenWritten),
-           "/OrvInput/Edges/Attributes/colour is not written, as there are no edges"},
-          {"FlagNotRead",
-           [] {
-             TestMesh mesh = tetrahedron();
-             mesh.attributes[0] = {{"a", {1, 2, 3, 4}, true}, {"b", {1, 2, 3, 4}, true}};
-             return mesh;
-           },
-           of(CheckCode::flagNotRead),
-           "/OrvInput has 2 attributes to be transmitted, which the flat readers do not see"}};
+  return {
+      {"AttributeLength",
+       [] {
+         TestMesh mesh = tetrahedron();
+         mesh.attributes[3] = {{"size", {1, 2}}};
+         return mesh;
+       },
+       text(CheckCode::attributeLength),
+       "/OrvInput/Elements/Attributes/size has 2 values for 1 element"},
+      {"NameAtLimit",
+       [] {
+         TestMesh mesh = tetrahedron();
+         mesh.parameters = {{std::string(79, 'n'), 1}};
+         return mesh;
+       },
+       text(CheckCode::nameAtLimit),
+       "/OrvInput/parameters/" + std::string(79, 'n') +
+           " has a name of 79 bytes, which may have been cut"},
+      {"NameTooLong",
+       [] {
+         TestMesh mesh = tetrahedron();
+         mesh.attributes[0] = {{std::string(80, 'n'), {1, 2, 3, 4}}};
+         return mesh;
+       },
+       text(orvml::Code::nameTooLong),
+       "/OrvInput/Nodes/Attributes/" + std::string(80, 'n') +
+           " has a name of 80 bytes, at most 79 are allowed"},
+      {"NameNotAllowed",
+       [] {
+         TestMesh mesh = tetrahedron();
+         mesh.attributes[0] = {{"", {1, 2, 3, 4}}};
+         return mesh;
+       },
+       text(orvml::Code::nameNotAllowed),
+       "/OrvInput/Nodes/Attributes/ has a name that is empty, or that stands for a path"},
+      {"TextAtLimit",
+       [] {
+         TestMesh mesh = tetrahedron();
+         mesh.creator = std::string(79, 'c');
+         return mesh;
+       },
+       text(CheckCode::textAtLimit), "/ORVML_IO_CREATOR has 79 bytes, and may have been cut"},
+      {"TextTooLong",
+       [] {
+         TestMesh mesh = tetrahedron();
+         mesh.creator = std::string(80, 'c');
+         return mesh;
+       },
+       text(orvml::Code::textTooLong), "/ORVML_IO_CREATOR has 80 bytes, at most 79 are allowed"},
+      {"WrongDimension",
+       [] {
+         TestMesh mesh = tetrahedron();
+         mesh.coordinatesPerNode = 2;
+         mesh.x.resize(8);
+         return mesh;
+       },
+       text(orvml::Code::wrongDimension),
+       "/OrvInput/dimension is 3, and the nodes have 2 coordinates"},
+      {"LostInClone",
+       [] {
+         TestMesh mesh = tetrahedron();
+         mesh.vectors = {{"sizes", {1, 2}}};
+         return mesh;
+       },
+       text(CheckCode::lostInClone),
+       "/OrvInput/ParametersVector has 1 vector that a clone of the flat functions loses, for "
+       "there is no scalar parameter"},
+      {"LostWhenWritten",
+       [] {
+         TestMesh mesh = tetrahedron();
+         mesh.attributes[1] = {{"colour", {}}};
+         return mesh;
+       },
+       text(CheckCode::lostWhenWritten),
+       "/OrvInput/Edges/Attributes/colour is not written, as there are no edges"},
+      {"FlagNotRead",
+       [] {
+         TestMesh mesh = tetrahedron();
+         mesh.attributes[0] = {{"a", {1, 2, 3, 4}, true}, {"b", {1, 2, 3, 4}, true}};
+         return mesh;
+       },
+       text(CheckCode::flagNotRead),
+       "/OrvInput has 2 attributes to be transmitted, which the flat readers do not see"}};
 }
 
 class CodesOfDocuments : public ::testing::TestWithParam<CodeRow> {};
@@ -408,7 +406,8 @@ TEST_P(CodesOfDocuments, ComeAlone) {
 
   const orvml::CheckReport report = mesh.checked();
 
-  ASSERT_EQ(codesOf(report), std::vector<std::string>{GetParam().code}) << toldOf(report);
+  ASSERT_EQ(codesOf(report), std::vector<std::string>{std::string(GetParam().code)})
+      << toldOf(report);
   const orvml::CheckFinding& finding = report.findings[0];
   EXPECT_EQ(finding.sentence, GetParam().sentence);
   EXPECT_EQ(finding.sentence.rfind(finding.object, 0), 0U);
@@ -425,14 +424,15 @@ INSTANTIATE_TEST_SUITE_P(Names, CodesOfDocuments, ::testing::ValuesIn(rowsOfName
 
 TEST(CheckRules, HaveARowInTheTablesEach) {
   // Those of files alone have theirs in file_codes_test.cpp.
-  std::vector<std::string> met = {of(CheckCode::legacyLayout), of(CheckCode::integersClamped)};
+  std::vector<std::string_view> met = {text(CheckCode::legacyLayout),
+                                       text(CheckCode::integersClamped)};
   for (const auto& rows : {rowsOfCells(), rowsOfGeometry(), rowsOfFaces(), rowsOfNames()}) {
     for (const CodeRow& row : rows) {
       met.push_back(row.code);
     }
   }
   for (int code = 0; code <= static_cast<int>(CheckCode::integersClamped); ++code) {
-    const std::string wanted = of(static_cast<CheckCode>(code));
+    const std::string_view wanted = text(static_cast<CheckCode>(code));
     EXPECT_NE(std::find(met.begin(), met.end(), wanted), met.end()) << wanted;
   }
 }

@@ -38,7 +38,7 @@ void replaceIndices(RawFile& file, const std::vector<int>& indices) {
 struct FileRow {
   const char* name;
   void (*change)(RawFile& file);
-  std::string code;
+  std::string_view code;
   std::string sentence;
   std::vector<orvml::CheckPlace> places = {};
 
@@ -46,9 +46,6 @@ struct FileRow {
     return stream << row.name;
   }
 };
-
-std::string of(Code code) { return std::string(text(code)); }
-std::string of(orvml::CheckCode code) { return std::string(text(code)); }
 
 void linkToItself(RawFile& file, const std::string& path) {
   // The file itself is another one by its name.
@@ -60,91 +57,94 @@ void linkToItself(RawFile& file, const std::string& path) {
 }
 
 const FileRow kRows[] = {
-    {"ObjectMissing", [](RawFile& file) { file.remove(kIndices); }, of(Code::objectMissing),
+    {"ObjectMissing", [](RawFile& file) { file.remove(kIndices); }, text(Code::objectMissing),
      "/OrvInput/Elements/connectivities is missing"},
     {"ObjectUnopenable",
      [](RawFile& file) {
        file.remove(kIndices);
        file.group(kIndices);
      },
-     of(Code::objectUnopenable), "/OrvInput/Elements/connectivities cannot be opened"},
+     text(Code::objectUnopenable), "/OrvInput/Elements/connectivities cannot be opened"},
     {"ValuesInAnotherFile",
      [](RawFile& file) {
        file.remove(kIndices);
        linkToItself(file, kIndices);
      },
-     of(Code::objectInAnotherFile), "/OrvInput/Elements/connectivities is a link to another file"},
+     text(Code::objectInAnotherFile),
+     "/OrvInput/Elements/connectivities is a link to another file"},
     {"ForeignLinkToAnotherFile", [](RawFile& file) { linkToItself(file, "/elsewhere"); },
-     of(Code::objectInAnotherFile), "/elsewhere is a link to another file"},
+     text(Code::objectInAnotherFile), "/elsewhere is a link to another file"},
     {"PathTooLong",
      [](RawFile& file) {
        addVectors(file);
        file.intVector("/OrvInput/ParametersVector/" + std::string(1010, 'n'), {1});
      },
-     of(Code::objectPathTooLong),
+     text(Code::objectPathTooLong),
      "/OrvInput/ParametersVector/" + std::string(1010, 'n') + " has a path that is too long"},
     {"WrongShape",
      [](RawFile& file) {
        addVectors(file);
        file.doubleTable("/OrvInput/ParametersVector/v", 1, 2, {1, 2});
      },
-     of(Code::objectWrongShape), "/OrvInput/ParametersVector/v is no vector"},
+     text(Code::objectWrongShape), "/OrvInput/ParametersVector/v is no vector"},
     {"WrongType",
      [](RawFile& file) {
        file.remove("/OrvInput/parameters");
        file.doubleVector("/OrvInput/parameters", {1, 2});
      },
-     of(Code::objectWrongType), "/OrvInput/parameters is no table of names and values"},
+     text(Code::objectWrongType), "/OrvInput/parameters is no table of names and values"},
     {"Unreadable",
      [](RawFile& file) {
        addVectors(file);
        unreadableDataset(file, "/OrvInput/ParametersVector/v", H5T_NATIVE_INT, {2});
      },
-     of(Code::objectUnreadable), "/OrvInput/ParametersVector/v cannot be read"},
+     text(Code::objectUnreadable), "/OrvInput/ParametersVector/v cannot be read"},
     {"UnreadableWideIntegers",
      [](RawFile& file) {
        addVectors(file);
        unreadableDataset(file, "/OrvInput/ParametersVector/v", H5T_NATIVE_LLONG, {2});
      },
-     of(Code::objectUnreadable), "/OrvInput/ParametersVector/v cannot be read"},
-    {"ForeignGroup", [](RawFile& file) { file.group("/Extras"); }, of(Code::objectForeign),
+     text(Code::objectUnreadable), "/OrvInput/ParametersVector/v cannot be read"},
+    {"ForeignGroup", [](RawFile& file) { file.group("/Extras"); }, text(Code::objectForeign),
      "/Extras does not belong to the format"},
     {"ForeignDataset", [](RawFile& file) { file.intVector("/OrvInput/Elements/colours", {1}); },
-     of(Code::objectForeign), "/OrvInput/Elements/colours does not belong to the format"},
+     text(Code::objectForeign), "/OrvInput/Elements/colours does not belong to the format"},
     {"ForeignGroupAmongAttributes",
      [](RawFile& file) {
        addVectors(file);
        file.group("/OrvInput/ParametersVector/notes");
      },
-     of(Code::objectForeign), "/OrvInput/ParametersVector/notes is no dataset"},
+     text(Code::objectForeign), "/OrvInput/ParametersVector/notes is no dataset"},
     {"GroupOfAnOldLayout", [](RawFile& file) { file.group("/OrvInput/Nodes/UserMarkers"); },
-     of(Code::objectForeign), "/OrvInput/Nodes/UserMarkers does not belong to the format"},
+     text(Code::objectForeign), "/OrvInput/Nodes/UserMarkers does not belong to the format"},
     {"TooManyValues",
      [](RawFile& file) {
        replaceIndices(file, {0, 1, 2, 3, 0});
      },
-     of(Code::valuesTooMany), "/OrvInput/Elements/connectivities has 5 entries, the groups need 4"},
+     text(Code::valuesTooMany),
+     "/OrvInput/Elements/connectivities has 5 entries, the groups need 4"},
     {"TooFewValues",
      [](RawFile& file) {
        replaceIndices(file, {0, 1, 2});
      },
-     of(Code::valuesTooFew), "/OrvInput/Elements/connectivities has 3 entries, the groups need 4"},
+     text(Code::valuesTooFew),
+     "/OrvInput/Elements/connectivities has 3 entries, the groups need 4"},
     {"NegativeCount",
      [](RawFile& file) {
        replaceInts(file, "/OrvInput/Elements/number_of_elements_by_type", {-1});
      },
-     of(Code::valuesNegativeOrTooLarge),
+     text(Code::valuesNegativeOrTooLarge),
      "/OrvInput/Elements/number_of_elements_by_type has a negative count, or counts that 32 bits "
      "cannot add"},
     {"DimensionFour", [](RawFile& file) { replaceInts(file, "/OrvInput/dimension", {4}); },
-     of(Code::valueNotAllowed), "/OrvInput/dimension is 4, a mesh has dimension 2 or 3"},
+     text(Code::valueNotAllowed), "/OrvInput/dimension is 4, a mesh has dimension 2 or 3"},
     {"OutOfProportion",
      [](RawFile& file) {
        addVectors(file);
        file.dataset("/OrvInput/ParametersVector/v", H5T_NATIVE_DOUBLE, {hsize_t{1} << 30U},
                     nullptr);
      },
-     of(Code::memoryOutOfProportion),
+     text(Code::memoryOutOfProportion),
      "/OrvInput/ParametersVector/v would take memory out of proportion to the file"},
     {"ClampedIntegers",
      [](RawFile& file) {
@@ -152,7 +152,7 @@ const FileRow kRows[] = {
        const long long values[] = {1, INT_MAX, INT_MIN, 2147483648LL, -2147483649LL};
        file.dataset("/OrvInput/ParametersVector/ids", H5T_NATIVE_LLONG, {5}, values);
      },
-     of(orvml::CheckCode::integersClamped),
+     text(orvml::CheckCode::integersClamped),
      "/OrvInput/ParametersVector/ids has 2 values that 32 bits do not hold, read as the nearest "
      "that they do",
      {{orvml::PlaceKind::value, 3}, {orvml::PlaceKind::value, 4}}},
@@ -163,7 +163,7 @@ const FileRow kRows[] = {
        values[150000] = 4000000000U;
        file.dataset("/OrvInput/ParametersVector/ids", H5T_NATIVE_UINT, {200000, 1}, values.data());
      },
-     of(orvml::CheckCode::integersClamped),
+     text(orvml::CheckCode::integersClamped),
      "/OrvInput/ParametersVector/ids has 1 value that 32 bits do not hold, read as the nearest "
      "that they do",
      {{orvml::PlaceKind::value, 150000}}}};
@@ -181,7 +181,8 @@ TEST_P(CodesOfFiles, ComeAlone) {
   const orvml::CheckReport report = orvml::check(std::filesystem::path(temp.path()));
 
   EXPECT_EQ(ids.opened(), IdCounts());
-  ASSERT_EQ(codesOf(report), std::vector<std::string>{GetParam().code}) << toldOf(report);
+  ASSERT_EQ(codesOf(report), std::vector<std::string>{std::string(GetParam().code)})
+      << toldOf(report);
   EXPECT_EQ(report.findings[0].sentence, GetParam().sentence);
   EXPECT_EQ(report.findings[0].places, GetParam().places);
 }

@@ -21,8 +21,8 @@ using Ints = std::vector<int>;
 using Doubles = std::vector<double>;
 
 constexpr int kSide = 12;
-constexpr int kNodes = kSide * kSide;
-constexpr int kCells = (kSide - 1) * (kSide - 1);
+constexpr int kGridNodes = kSide * kSide;
+constexpr int kGridCells = (kSide - 1) * (kSide - 1);
 
 Ints shuffled(int count, std::mt19937& random) {
   Ints order(static_cast<std::size_t>(count));
@@ -35,17 +35,17 @@ Ints shuffled(int count, std::mt19937& random) {
 /// to `shift`, with an attribute that each node and cell keeps.
 Input grid(const Ints& nodeOrder, const Ints& cellOrder, double shift, std::mt19937& random) {
   std::uniform_real_distribution<double> move(-shift, shift);
-  Doubles coordinates(2 * kNodes);
-  Doubles ofNodes(kNodes);
-  for (int node = 0; node < kNodes; ++node) {
+  Doubles coordinates(2 * kGridNodes);
+  Doubles ofNodes(kGridNodes);
+  for (int node = 0; node < kGridNodes; ++node) {
     const auto place = static_cast<std::size_t>(nodeOrder[static_cast<std::size_t>(node)]);
     coordinates[2 * place] = node % kSide + move(random);
     coordinates[2 * place + 1] = node / kSide + move(random);
     ofNodes[place] = node;
   }
-  Ints indices(4 * kCells);
-  Ints ofCells(kCells);
-  for (int cell = 0; cell < kCells; ++cell) {
+  Ints indices(4 * kGridCells);
+  Ints ofCells(kGridCells);
+  for (int cell = 0; cell < kGridCells; ++cell) {
     const auto place = static_cast<std::size_t>(cellOrder[static_cast<std::size_t>(cell)]);
     const int corner = cell / (kSide - 1) * kSide + cell % (kSide - 1);
     const int corners[] = {corner, corner + 1, corner + kSide + 1, corner + kSide};
@@ -67,7 +67,7 @@ Input grid(const Ints& nodeOrder, const Ints& cellOrder, double shift, std::mt19
 class MatchedMeshes : public ::testing::Test {
  protected:
   Input renumbered(double shift) {
-    return grid(shuffled(kNodes, random_), shuffled(kCells, random_), shift, random_);
+    return grid(shuffled(kGridNodes, random_), shuffled(kGridCells, random_), shift, random_);
   }
 
   std::mt19937 random_{1};  // NOLINT(cert-msc51-cpp): the same meshes in each run
@@ -81,9 +81,9 @@ TEST_F(MatchedMeshes, AreTheSameWhateverTheirNumbers) {
 
   EXPECT_TRUE(report.areSame());
   ASSERT_TRUE(report.match.has_value());
-  EXPECT_EQ(report.match->nodes.matched, kNodes);
+  EXPECT_EQ(report.match->nodes.matched, kGridNodes);
   EXPECT_TRUE(report.match->nodes.isRenumbered);
-  EXPECT_EQ(report.match->faces.matched, kCells);
+  EXPECT_EQ(report.match->faces.matched, kGridCells);
   EXPECT_TRUE(report.match->faces.isRenumbered);
   EXPECT_FALSE(diff(a.view(), b.view()).areSame());
 }
@@ -110,7 +110,7 @@ TEST_F(MatchedMeshes, AreNotRenumberedWhenTheyAreEqual) {
 TEST_F(MatchedMeshes, TellTheValuesThatDifferWhereTheyBelong) {
   const Input a = renumbered(0.0);
   Input b = renumbered(0.0);
-  Doubles values(kNodes);
+  Doubles values(kGridNodes);
   const orvml::Attributes attributes = b.nodes().attributes();
   const std::span<const double> numbers = attributes.at("number").doubles();
   std::copy(numbers.begin(), numbers.end(), values.begin());

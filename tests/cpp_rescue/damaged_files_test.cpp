@@ -122,11 +122,11 @@ struct DamageRow {
   }
 };
 
-const DamageRow kRows[] = {{"FlippedBytes", flipBytes, 120, 90},
-                           {"FilledBytes", fillBytes, 80, 60},
-                           {"CutEnds", cutEnd, 100, 20},
-                           {"RemovedObjects", removeObject, 100, 95},
-                           {"DeformedObjects", deformObject, 100, 95}};
+const DamageRow kDamages[] = {{"FlippedBytes", flipBytes, 120, 90},
+                              {"FilledBytes", fillBytes, 80, 60},
+                              {"CutEnds", cutEnd, 100, 20},
+                              {"RemovedObjects", removeObject, 100, 95},
+                              {"DeformedObjects", deformObject, 100, 95}};
 
 /// Processes begin so slowly under the sanitizers that every fifth file has to do there.
 #if defined(__SANITIZE_ADDRESS__)
@@ -223,7 +223,7 @@ TEST_P(DamagedFiles, MakeNothingFallButHdf5) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Rescue, DamagedFiles, ::testing::ValuesIn(kRows), RowName());
+INSTANTIATE_TEST_SUITE_P(Rescue, DamagedFiles, ::testing::ValuesIn(kDamages), RowName());
 
 }  // namespace
 }  // namespace orvml_io_tests

@@ -26,7 +26,7 @@ struct FormRow {
   }
 };
 
-const FormRow kRows[] = {
+const FormRow kForms[] = {
     {"TheFormatItself", [](RawFile&) {}, ""},
     {"NoMarker", [](RawFile& file) { file.removeAttribute("/", "FORMAT"); },
      "/FORMAT is missing, or not the marker of exchange files\n"},
@@ -89,7 +89,7 @@ TEST_P(ForeignForms, LoseNothing) {
   EXPECT_EQ(contentOf(orvml::load(sound_.path())), contentOf(orvml::load(small_.path())));
 }
 
-INSTANTIATE_TEST_SUITE_P(Rescue, ForeignForms, ::testing::ValuesIn(kRows), RowName());
+INSTANTIATE_TEST_SUITE_P(Rescue, ForeignForms, ::testing::ValuesIn(kForms), RowName());
 
 TEST(ForeignObjects, WhoseNodeIndicesAreFractionsAreLost) {
   const TempFile foreign;

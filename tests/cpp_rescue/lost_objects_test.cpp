@@ -38,7 +38,7 @@ void makeTwoGroups(RawFile& file, const std::vector<int>& counts) {
   replaceInts(file, kWidths, {4, 4});
 }
 
-const LossRow kRows[] = {
+const LossRow kLosses[] = {
     {"Nothing", [](RawFile&) {}, ""},
     {"AnAttributeOfAnotherLength",
      [](RawFile& file) {
@@ -254,7 +254,7 @@ TEST_P(LostObjects, LeaveTheRestAsItWas) {
   EXPECT_EQ(rescued.identification().moduleName, "mesher");
 }
 
-INSTANTIATE_TEST_SUITE_P(Rescue, LostObjects, ::testing::ValuesIn(kRows), RowName());
+INSTANTIATE_TEST_SUITE_P(Rescue, LostObjects, ::testing::ValuesIn(kLosses), RowName());
 
 /// Values of the attributes of cells that go, go with them.
 TEST(LostCells, TakeTheirValuesWithThem) {

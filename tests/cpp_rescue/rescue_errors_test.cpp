@@ -28,7 +28,7 @@ struct HopelessRow {
   }
 };
 
-const HopelessRow kRows[] = {
+const HopelessRow kHopelessFiles[] = {
     {"NoFile", [](const char*) {}, Code::fileNotFound, "there is no such file"},
     {"Empty", [](const char* path) { writeBytes(path, ""); }, Code::fileEmpty, "is empty"},
     {"Text", [](const char* path) { writeBytes(path, "solid part\n"); }, Code::fileNotHdf5,
@@ -90,7 +90,7 @@ TEST_P(HopelessFiles, AreRefusedInTheSameWordsWithoutAProcessOfTheirOwn) {
   EXPECT_EQ(error.file(), damaged_.path());
 }
 
-INSTANTIATE_TEST_SUITE_P(Rescue, HopelessFiles, ::testing::ValuesIn(kRows), RowName());
+INSTANTIATE_TEST_SUITE_P(Rescue, HopelessFiles, ::testing::ValuesIn(kHopelessFiles), RowName());
 
 class RescuedFiles : public ::testing::Test {
  protected:

@@ -27,7 +27,7 @@ struct UnsoundRow {
 };
 
 /// The indices are those of two hexahedra, of which the second lies beside the first.
-const UnsoundRow kRows[] = {
+const UnsoundRow kUnsoundCells[] = {
     {"ANodeTwice", [](std::vector<int>& indices) { indices[9] = indices[8]; },
      "orvml.mesh.repeated-node: /OrvInput/Elements has 1 element with a node that is named twice "
      "(1: element 1)\n",
@@ -84,7 +84,7 @@ TEST_P(UnsoundCells, StayWhereThatIsAskedFor) {
   EXPECT_TRUE(diff(kept.view(), mesh_.view()).areSame());
 }
 
-INSTANTIATE_TEST_SUITE_P(Rescue, UnsoundCells, ::testing::ValuesIn(kRows), RowName());
+INSTANTIATE_TEST_SUITE_P(Rescue, UnsoundCells, ::testing::ValuesIn(kUnsoundCells), RowName());
 
 /// A wrong index makes a cell a bad one; the good ones beside it stay.
 TEST(CellsBesideABadOne, Stay) {

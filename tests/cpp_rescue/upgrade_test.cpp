@@ -141,17 +141,17 @@ TEST(Upgrade, WritesAFileOfThePresentFormatAgain) {
 }
 
 /// A change of an old file, and what would be lost by it.
-struct LossRow {
+struct UpgradeLossRow {
   const char* name;
   void (*change)(RawFile& file);
   std::string sentence;
 
-  friend std::ostream& operator<<(std::ostream& stream, const LossRow& row) {
+  friend std::ostream& operator<<(std::ostream& stream, const UpgradeLossRow& row) {
     return stream << row.name;
   }
 };
 
-const LossRow kRows[] = {
+const UpgradeLossRow kUpgradeLosses[] = {
     {"AForeignObject", [](RawFile& file) { file.group("/Extras"); },
      "/Extras does not belong to the format"},
     {"TwoVectorsOfOneName",
@@ -187,7 +187,7 @@ const LossRow kRows[] = {
      "/OrvInput/Faces/UserMarkers/0 has fewer values than it should, or values that were never "
      "stored"}};
 
-class LossyUpgrades : public ::testing::TestWithParam<LossRow> {};
+class LossyUpgrades : public ::testing::TestWithParam<UpgradeLossRow> {};
 
 TEST_P(LossyUpgrades, AreRefused) {
   const TempFile old;
@@ -219,7 +219,7 @@ TEST_P(LossyUpgrades, AreRescuedWithAReport) {
   EXPECT_EQ(errorsOf(present.path()), "");
 }
 
-INSTANTIATE_TEST_SUITE_P(Upgrade, LossyUpgrades, ::testing::ValuesIn(kRows), RowName());
+INSTANTIATE_TEST_SUITE_P(Upgrade, LossyUpgrades, ::testing::ValuesIn(kUpgradeLosses), RowName());
 
 }  // namespace
 }  // namespace orvml_io_tests

@@ -3,12 +3,10 @@
 #include "hdf5/source_file.h"
 #include "model/document.h"
 
-#include <limits>
+#include <climits>
 
 namespace orvml_io_tests {
 namespace {
-
-constexpr int kIntMax = std::numeric_limits<int>::max();
 
 /// A document with nodes, a scalar and cells of one kind: three triangles and two quadrilaterals,
 /// with an attribute.
@@ -186,7 +184,7 @@ TEST_P(ReadCells, NegativeCellsOfAGroupGiveOneAndNoCells) {
 }
 
 TEST_P(ReadCells, MoreCellsThanThe32BitCountGiveOneAndNoCells) {
-  replaceInts(file_, member("number_of_elements_by_type"), {kIntMax, 1});
+  replaceInts(file_, member("number_of_elements_by_type"), {INT_MAX, 1});
 
   expectNoCells(1);
 }
@@ -235,7 +233,7 @@ TEST_P(ReadCells, NegativeNodesPerCellGiveOne) {
 }
 
 TEST_P(ReadCells, MoreIndicesThanThe32BitCountGiveOne) {
-  replaceInts(file_, member("number_of_nodes_by_element"), {kIntMax, 4});
+  replaceInts(file_, member("number_of_nodes_by_element"), {INT_MAX, 4});
 
   const ReadDocument document = readFile();
 
@@ -281,14 +279,14 @@ TEST_P(ReadCells, UnreadableAttributeGivesOneAndKeepsTheCells) {
 }
 
 TEST_P(ReadCells, ShapesThatNoEnumeratorNamesAreKept) {
-  replaceInts(file_, member("element_types"), {-5, kIntMax});
+  replaceInts(file_, member("element_types"), {-5, INT_MAX});
 
   const ReadDocument document = readFile();
 
   ASSERT_EQ(document.result, 0);
   EXPECT_EQ(static_cast<int>(OrvML_IO_GetGenericElementType(document.handle(), entity(), 0)), -5);
   EXPECT_EQ(static_cast<int>(OrvML_IO_GetGenericElementType(document.handle(), entity(), 1)),
-            kIntMax);
+            INT_MAX);
 }
 
 TEST_P(ReadCells, EmptyTypeGroupsStandAmongOthers) {

@@ -122,17 +122,17 @@ TEST_F(ForeignLinks, ThatAreSkippedLeaveTheOtherMembers) {
 }
 
 /// Coordinates of five nodes that are there and cannot be read.
-struct CoordinatesRow {
+struct UnreadCoordinatesRow {
   const char* name;
   void (*make)(RawFile& file, const std::string& path);
 
-  friend std::ostream& operator<<(std::ostream& stream, const CoordinatesRow& row) {
+  friend std::ostream& operator<<(std::ostream& stream, const UnreadCoordinatesRow& row) {
     return stream << row.name;
   }
 };
 
 class UnreadCoordinates : public ExchangeFileTest,
-                          public ::testing::WithParamInterface<CoordinatesRow> {};
+                          public ::testing::WithParamInterface<UnreadCoordinatesRow> {};
 
 TEST_P(UnreadCoordinates, KeepTheirCountAndGiveOne) {
   RawFile file = smallInput();
@@ -163,7 +163,7 @@ void externalCoordinates(RawFile& file, const std::string& path) {
   H5Pclose(properties);
 }
 
-const CoordinatesRow kUnreadCoordinates[] = {
+const UnreadCoordinatesRow kUnreadCoordinates[] = {
     {"Texts",
      [](RawFile& file, const std::string& path) {
        file.dataset(path, H5T_C_S1, {5, 3}, std::string(15, 'x').data());

@@ -1,17 +1,13 @@
 // The table of scalar parameters as other tools make it: what counts is a text and a floating-point
 // number in each record, in this order.
 #include "files/exchange_file_fixture.h"
+#include "files/parameter_tables.h"
 
 #include <cstring>
 
 namespace orvml_io_tests {
 namespace {
 
-constexpr char kTable[] = "/OrvInput/parameters";
-
-hid_t nativeDouble() { return H5Tcopy(H5T_NATIVE_DOUBLE); }
-hid_t nativeFloat() { return H5Tcopy(H5T_NATIVE_FLOAT); }
-hid_t bigEndianDouble() { return H5Tcopy(H5T_IEEE_F64BE); }
 hid_t bigEndianFloat() { return H5Tcopy(H5T_IEEE_F32BE); }
 hid_t nativeInt() { return H5Tcopy(H5T_NATIVE_INT); }
 

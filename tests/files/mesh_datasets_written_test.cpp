@@ -1,13 +1,10 @@
 // The datasets of nodes and cells in a written file: type, extents, values.
 #include "files/exchange_file_fixture.h"
 
-#include <limits>
+#include <climits>
 
 namespace orvml_io_tests {
 namespace {
-
-constexpr int kIntMax = std::numeric_limits<int>::max();
-constexpr int kIntMin = std::numeric_limits<int>::min();
 
 class WrittenNodes : public ExchangeFileTest {};
 
@@ -107,17 +104,17 @@ TEST_P(WrittenCells, SingleShapeIsOneTypeGroup) {
 
 TEST_P(WrittenCells, ShapesThatNoEnumeratorNamesAreWrittenUnchanged) {
   const std::vector<ElemType> shapes = {static_cast<ElemType>(-5), static_cast<ElemType>(11),
-                                        static_cast<ElemType>(kIntMax),
-                                        static_cast<ElemType>(kIntMin)};
+                                        static_cast<ElemType>(INT_MAX),
+                                        static_cast<ElemType>(INT_MIN)};
   document_.cells(GetParam().entity, shapes, {1, 1, 1, 1}, {1, 1, 1, 1}, {0, 0, 0, 0});
 
-  expectVector(written(document_), "element_types", {-5, 11, kIntMax, kIntMin});
+  expectVector(written(document_), "element_types", {-5, 11, INT_MAX, INT_MIN});
 }
 
 TEST_P(WrittenCells, NodeIndicesAreWrittenUnchanged) {
-  document_.cells(GetParam().entity, {LINEAR}, {2}, {1}, {-1, kIntMax});
+  document_.cells(GetParam().entity, {LINEAR}, {2}, {1}, {-1, INT_MAX});
 
-  expectVector(written(document_), "connectivities", {-1, kIntMax});
+  expectVector(written(document_), "connectivities", {-1, INT_MAX});
 }
 
 TEST_P(WrittenCells, EmptyTypeGroupsStandAmongOthers) {

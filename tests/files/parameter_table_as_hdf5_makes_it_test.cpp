@@ -2,22 +2,20 @@
 // programs that read tables through that interface, or look at their attributes, must find no
 // difference.
 #include "files/exchange_file_fixture.h"
+#include "files/parameter_tables.h"
 
 #include <hdf5_hl.h>
 
 #include <cstring>
 
 namespace orvml_io_tests {
+
+// Its suite and the one of the bytes of the table are called alike, and so are their classes.
+namespace made_by_hdf5 {
+
 namespace {
 
-constexpr char kTable[] = "/OrvInput/parameters";
 constexpr char kOwnTable[] = "/parameters";
-
-/// A record of the table in memory.
-struct Record {
-  char name[80];
-  double value;
-};
 
 using NamedValues = std::vector<std::pair<std::string, double>>;
 
@@ -135,12 +133,13 @@ TableDescription descriptionOf(const RawFile& file, const char* path) {
 
 /// The records of a table, names up to their terminators.
 NamedValues recordsOf(const RawFile& file, const char* path, std::size_t count) {
-  const std::size_t offsets[] = {offsetof(Record, name), offsetof(Record, value)};
-  const std::size_t sizes[] = {sizeof(Record::name), sizeof(Record::value)};
-  std::vector<Record> records(count);
-  EXPECT_GE(H5TBread_table(file.id(), path, sizeof(Record), offsets, sizes, records.data()), 0);
+  const std::size_t offsets[] = {offsetof(ParameterRecord, name), offsetof(ParameterRecord, value)};
+  const std::size_t sizes[] = {sizeof(ParameterRecord::name), sizeof(ParameterRecord::value)};
+  std::vector<ParameterRecord> records(count);
+  EXPECT_GE(
+      H5TBread_table(file.id(), path, sizeof(ParameterRecord), offsets, sizes, records.data()), 0);
   NamedValues values;
-  for (const Record& record : records) {
+  for (const ParameterRecord& record : records) {
     values.emplace_back(record.name, record.value);
   }
   return values;
@@ -148,19 +147,20 @@ NamedValues recordsOf(const RawFile& file, const char* path, std::size_t count) 
 
 /// Makes the table with HDF5's Table interface. Names must be shorter than their field.
 void makeOwnTable(RawFile& file, const NamedValues& parameters) {
-  std::vector<Record> records(parameters.size());
+  std::vector<ParameterRecord> records(parameters.size());
   for (std::size_t i = 0; i < parameters.size(); ++i) {
     std::strcpy(records[i].name, parameters[i].first.c_str());
     records[i].value = parameters[i].second;
   }
   const hid_t text = H5Tcopy(H5T_C_S1);
-  H5Tset_size(text, sizeof(Record::name));
+  H5Tset_size(text, sizeof(ParameterRecord::name));
   const char* fieldNames[] = {"name", "value"};
-  const std::size_t offsets[] = {offsetof(Record, name), offsetof(Record, value)};
+  const std::size_t offsets[] = {offsetof(ParameterRecord, name), offsetof(ParameterRecord, value)};
   const hid_t fieldTypes[] = {text, H5T_NATIVE_DOUBLE};
-  ASSERT_GE(H5TBmake_table("parameters", file.id(), kOwnTable, 2, records.size(), sizeof(Record),
-                           fieldNames, offsets, fieldTypes, 10, nullptr, 0, records.data()),
-            0);
+  ASSERT_GE(
+      H5TBmake_table("parameters", file.id(), kOwnTable, 2, records.size(), sizeof(ParameterRecord),
+                     fieldNames, offsets, fieldTypes, 10, nullptr, 0, records.data()),
+      0);
   H5Tclose(text);
 }
 
@@ -231,4 +231,7 @@ TEST_F(TableDescriptions, DifferBetweenTheTableInterfaceAndAPlainDataset) {
 }
 
 }  // namespace
+
+}  // namespace made_by_hdf5
+
 }  // namespace orvml_io_tests

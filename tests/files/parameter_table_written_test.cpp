@@ -1,5 +1,6 @@
 // The table of scalar parameters in a written file, down to its bytes.
 #include "files/exchange_file_fixture.h"
+#include "files/parameter_tables.h"
 #include "hdf5/id.h"
 
 #include <cmath>
@@ -14,7 +15,6 @@ using orvml_io::DatasetId;
 using orvml_io::DatatypeId;
 using PropertiesId = orvml_io::OwnedId<H5Pclose>;
 
-constexpr char kTable[] = "/OrvInput/parameters";
 constexpr std::size_t kRecordBytes = 88;
 constexpr std::size_t kNameBytes = 80;
 

@@ -1,5 +1,6 @@
 // Reading the table of scalar parameters of files that others made.
 #include "files/exchange_file_fixture.h"
+#include "files/parameter_tables.h"
 #include "hdf5/source_file.h"
 #include "model/document.h"
 #include "support/group_at.h"
@@ -9,8 +10,6 @@
 
 namespace orvml_io_tests {
 namespace {
-
-constexpr char kTable[] = "/OrvInput/parameters";
 
 /// One field of a table that is made by hand.
 struct Field {
@@ -44,9 +43,6 @@ hid_t variableText() {
   H5Tset_size(type, H5T_VARIABLE);
   return type;
 }
-hid_t nativeDouble() { return H5Tcopy(H5T_NATIVE_DOUBLE); }
-hid_t nativeFloat() { return H5Tcopy(H5T_NATIVE_FLOAT); }
-hid_t bigEndianDouble() { return H5Tcopy(H5T_IEEE_F64BE); }
 hid_t longInteger() { return H5Tcopy(H5T_STD_I64LE); }
 
 hid_t recordType(std::size_t bytes, const std::vector<Field>& fields) {
@@ -82,12 +78,6 @@ class ReadParameters : public ExchangeFileTest {
   }
 
   RawFile file_ = smallInput();
-};
-
-/// A record as this library lays it out.
-struct Record {
-  char name[80];
-  double value;
 };
 
 const std::vector<Field> kFields = {{"name", 0, textOf80}, {"value", 80, nativeDouble}};
@@ -162,9 +152,9 @@ TEST_F(ReadParameters, NameThatFillsItsFieldIsCutAtItsLastByte) {
 }
 
 TEST_F(ReadParameters, BytesBehindTheTerminatorDoNotCount) {
-  Record record = {"name", 1.5};
+  ParameterRecord record = {"name", 1.5};
   std::memcpy(record.name + 5, "garbage", 7);
-  replaceTable(sizeof(Record), kFields, {1}, &record);
+  replaceTable(sizeof(ParameterRecord), kFields, {1}, &record);
 
   EXPECT_EQ(scalarOf(read(file_).handle(), "name"), 1.5);
 }
@@ -190,7 +180,7 @@ TEST_F(ReadParameters, VectorOfNumbersAtThePlaceOfTheTableGivesOne) {
 }
 
 TEST_F(ReadParameters, UnreadableTableGivesOne) {
-  const hid_t type = recordType(sizeof(Record), kFields);
+  const hid_t type = recordType(sizeof(ParameterRecord), kFields);
   replaceByUnreadable(file_, kTable, type, {2});
   H5Tclose(type);
 
@@ -198,21 +188,21 @@ TEST_F(ReadParameters, UnreadableTableGivesOne) {
 }
 
 TEST_F(ReadParameters, TableWithoutExtentsGivesOne) {
-  const Record record = {"name", 1.5};
-  replaceTable(sizeof(Record), kFields, {}, &record);
+  const ParameterRecord record = {"name", 1.5};
+  replaceTable(sizeof(ParameterRecord), kFields, {}, &record);
 
   expectFailureWithoutParameters();
 }
 
 TEST_F(ReadParameters, MoreRecordsThanTheirFirstExtentGiveOne) {
-  const Record records[] = {{"a", 1}, {"b", 2}};
-  replaceTable(sizeof(Record), kFields, {1, 2}, records);
+  const ParameterRecord records[] = {{"a", 1}, {"b", 2}};
+  replaceTable(sizeof(ParameterRecord), kFields, {1, 2}, records);
 
   expectFailureWithoutParameters();
 }
 
 TEST_F(ReadParameters, ClaimOfMoreRecordsThanMemoryHoldsGivesOne) {
-  replaceTable(sizeof(Record), kFields, {hsize_t{1} << 40U}, nullptr);
+  replaceTable(sizeof(ParameterRecord), kFields, {hsize_t{1} << 40U}, nullptr);
 
   expectFailureWithoutParameters();
 }
@@ -245,8 +235,9 @@ TEST_F(ReadParameters, OtherByteOrderIsConverted) {
 }
 
 TEST_F(ReadParameters, FieldsCountByTheirPositionsWhateverTheirNames) {
-  const Record record = {"size", 1.5};
-  replaceTable(sizeof(Record), {{"value", 0, textOf80}, {"name", 80, nativeDouble}}, {1}, &record);
+  const ParameterRecord record = {"size", 1.5};
+  replaceTable(sizeof(ParameterRecord), {{"value", 0, textOf80}, {"name", 80, nativeDouble}}, {1},
+               &record);
 
   const ReadDocument document = read(file_);
 
@@ -308,19 +299,19 @@ INSTANTIATE_TEST_SUITE_P(Each, NameFieldTest,
                          RowName());
 
 TEST_F(ReadParameters, NamesInUtf8AreReadByteByByte) {
-  const Record record = {
+  const ParameterRecord record = {
       "gr\xC3\xB6\xC3\x9F"
       "e",
       1.5};
-  replaceTable(sizeof(Record), {{"name", 0, utf8TextOf80}, {"value", 80, nativeDouble}}, {1},
-               &record);
+  replaceTable(sizeof(ParameterRecord), {{"name", 0, utf8TextOf80}, {"value", 80, nativeDouble}},
+               {1}, &record);
 
   EXPECT_EQ(scalarOf(read(file_).handle(), record.name), 1.5);
 }
 
 TEST_F(ReadParameters, TableAsAColumnIsRead) {
-  const Record records[] = {{"a", 1}, {"b", 2}};
-  replaceTable(sizeof(Record), kFields, {2, 1}, records);
+  const ParameterRecord records[] = {{"a", 1}, {"b", 2}};
+  replaceTable(sizeof(ParameterRecord), kFields, {2, 1}, records);
 
   const ReadDocument document = read(file_);
 

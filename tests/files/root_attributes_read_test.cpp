@@ -1,5 +1,6 @@
 // What the readers take from the attributes on the root group of files that others made.
 #include "files/exchange_file_fixture.h"
+#include "files/root_attributes.h"
 #include "hdf5/source_file.h"
 #include "model/document.h"
 
@@ -7,16 +8,6 @@
 
 namespace orvml_io_tests {
 namespace {
-
-constexpr char kModule[] = "ORVML_MODULE_NAME";
-constexpr char kModuleVersion[] = "ORVML_MODULE_FORMAT_VERSION";
-constexpr char kCreator[] = "ORVML_IO_CREATOR";
-constexpr char kFormatVersion[] = "ORVMESHLIBRARY_FORMAT_VERSION";
-
-std::string creatorOf(void* document) {
-  char buffer[80] = {};
-  return OrvML_IO_GetOrvMeshLibraryIOCreator(document, buffer);
-}
 
 /// Puts a string attribute of any storage on the root group. `bytes` fills the type exactly.
 void fixedText(RawFile& file, const char* name, const std::string& bytes, H5T_str_t padding,

@@ -1,13 +1,9 @@
 // The attributes on the root group of a written file, byte by byte.
 #include "files/exchange_file_fixture.h"
+#include "files/root_attributes.h"
 
 namespace orvml_io_tests {
 namespace {
-
-constexpr char kCreator[] = "ORVML_IO_CREATOR";
-constexpr char kModule[] = "ORVML_MODULE_NAME";
-constexpr char kModuleVersion[] = "ORVML_MODULE_FORMAT_VERSION";
-constexpr char kFormatVersion[] = "ORVMESHLIBRARY_FORMAT_VERSION";
 
 /// The bytes of a text with the terminator that files keep.
 std::string terminated(const std::string& text) { return text + std::string(1, '\0'); }

@@ -44,31 +44,32 @@ TEST_F(RoundTrip, OutputDocument) {
 }
 
 TEST_F(RoundTrip, ExtremeNumbers) {
-  using Doubles = std::numeric_limits<double>;
-  using Ints = std::numeric_limits<int>;
-  const std::vector<double> doubles = {Doubles::max(),        Doubles::lowest(),   Doubles::min(),
-                                       Doubles::denorm_min(), Doubles::infinity(), -0.0};
+  using DoubleLimits = std::numeric_limits<double>;
+  using IntLimits = std::numeric_limits<int>;
+  const std::vector<double> doubles = {DoubleLimits::max(),      DoubleLimits::lowest(),
+                                       DoubleLimits::min(),      DoubleLimits::denorm_min(),
+                                       DoubleLimits::infinity(), -0.0};
   BuiltDocument document = BuiltDocument::input(3);
   document.identification("m", "1", "c").nodes(doubles);
-  document.scalar("max", Doubles::max()).vector("d", doubles);
-  document.vector("i", std::vector<int>{Ints::max(), Ints::min(), 0});
+  document.scalar("max", DoubleLimits::max()).vector("d", doubles);
+  document.vector("i", std::vector<int>{IntLimits::max(), IntLimits::min(), 0});
   document.attribute(ORVML_NODES, "d", doubles);
-  document.cells(ORVML_EDGES, {LINEAR}, {2}, {1}, {Ints::max(), Ints::min()});
+  document.cells(ORVML_EDGES, {LINEAR}, {2}, {1}, {IntLimits::max(), IntLimits::min()});
 
   expectSameAsInput(document);
 }
 
 TEST_F(RoundTrip, ManyValues) {
-  constexpr int kNodes = 20000;
-  constexpr int kCells = 30000;
-  std::vector<double> coordinates(kNodes * 3);
+  constexpr int kNumberOfNodes = 20000;
+  constexpr int kNumberOfCells = 30000;
+  std::vector<double> coordinates(kNumberOfNodes * 3);
   std::iota(coordinates.begin(), coordinates.end(), 0.25);
-  std::vector<int> connectivities(kCells * 4);
+  std::vector<int> connectivities(kNumberOfCells * 4);
   std::iota(connectivities.begin(), connectivities.end(), -5);
   BuiltDocument document = BuiltDocument::input(3);
   document.identification("m", "1", "c").nodes(coordinates);
-  document.cells(ORVML_ELEMENTS, {TETRAHEDRA}, {4}, {kCells}, connectivities);
-  document.attribute(ORVML_ELEMENTS, "colour", std::vector<int>(kCells, 3));
+  document.cells(ORVML_ELEMENTS, {TETRAHEDRA}, {4}, {kNumberOfCells}, connectivities);
+  document.attribute(ORVML_ELEMENTS, "colour", std::vector<int>(kNumberOfCells, 3));
   document.scalar("size", 1.0);
 
   expectSameAsInput(document);

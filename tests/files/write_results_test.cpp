@@ -4,12 +4,10 @@
 
 #include <unistd.h>
 
-#include <limits>
+#include <climits>
 
 namespace orvml_io_tests {
 namespace {
-
-constexpr int kIntMax = std::numeric_limits<int>::max();
 
 class WriteResult : public ExchangeFileTest {
  protected:
@@ -221,7 +219,7 @@ TEST_F(RefusedNodes, NegativeNumberGivesOne) { expectRefused(-1, 3); }
 
 TEST_F(RefusedNodes, NegativeDimensionGivesOne) { expectRefused(1, -1); }
 
-TEST_F(RefusedNodes, MoreCoordinatesThanThe32BitCountGiveOne) { expectRefused(kIntMax, 3); }
+TEST_F(RefusedNodes, MoreCoordinatesThanThe32BitCountGiveOne) { expectRefused(INT_MAX, 3); }
 
 // The count of a document that was read may be raised; the array behind it stays as long as it was.
 TEST_F(RefusedNodes, MoreNodesThanTheArrayOfAReadDocumentHoldsGiveOne) {
@@ -274,7 +272,7 @@ TEST_F(RefusedCells, MoreIndicesInAGroupThanThe32BitCountGiveOne) {
 
 // The sum is 2^32: counted in 32 bits it would be 0.
 TEST_F(RefusedCells, MoreIndicesInAllGroupsThanThe32BitCountGiveOne) {
-  int cells[] = {kIntMax, kIntMax, 2};
+  int cells[] = {INT_MAX, INT_MAX, 2};
 
   EXPECT_FALSE(writtenWithFaces(3, one_, cells).has("/OrvInput/Faces/connectivities"));
 }

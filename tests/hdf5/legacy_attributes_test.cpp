@@ -71,7 +71,7 @@ TEST_P(LegacyAttributeNames, VectorGetsItsNameItsTypeAndItsFlag) {
             isUser() ? std::vector<std::string>{GetParam().name} : std::vector<std::string>{});
 }
 
-const NamingCase kNames[] = {
+const NamingCase kNamings[] = {
     {ORVML_NODES, "UserMarkers", 0, "ORVML_OCTREEMESHER_NODES_DISTANCES"},
     {ORVML_NODES, "FunctionMarkers", 0, "ORVML_OCTREEMESHER_NODES_FORCED"},
     {ORVML_NODES, "FunctionAttributes", 0, "ORVML_OCTREEMESHER_NODES_SIZES"},
@@ -106,7 +106,7 @@ std::string nameOf(const ::testing::TestParamInfo<NamingCase>& row) {
          std::to_string(row.param.position);
 }
 
-INSTANTIATE_TEST_SUITE_P(Positions, LegacyAttributeNames, ::testing::ValuesIn(kNames), nameOf);
+INSTANTIATE_TEST_SUITE_P(Positions, LegacyAttributeNames, ::testing::ValuesIn(kNamings), nameOf);
 
 TEST_F(LegacyAttributes, IntsAndDoublesComeBackWithTheirValues) {
   addPositions(kNodes + "/UserMarkers", 1);

@@ -12,6 +12,9 @@
 
 namespace orvml_io_tests {
 
+/// A vector parameter that old formats keep among the scalars, or name by its position.
+inline constexpr char kVolumesSizes[] = "ORVML_OCTREEMESHER_VOLUMES_SIZES";
+
 /// A file of an old format with one input document: four nodes in space, and whatever a test puts
 /// beside them with raw HDF5 calls. read() hands it to the library.
 class LegacyInputTest : public ::testing::Test {

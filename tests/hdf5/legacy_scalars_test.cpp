@@ -10,19 +10,18 @@ namespace {
 
 constexpr char kGeneralMeshSize[] = "ORVML_OCTREEMESHER_GENERAL_MESH_SIZE";
 constexpr char kDeleteOuterEmbedded[] = "ORVML_OCTREEMESHER_DELETE_OUTER_EMBEDDED_ELEMENTS";
-constexpr char kVolumesSizes[] = "ORVML_OCTREEMESHER_VOLUMES_SIZES";
 
-constexpr const char* kNames[] = {"ORVML_OCTREEMESHER_GENERAL_MESH_SIZE",
-                                  "ORVML_OCTREEMESHER_SIZE_TRANSITION_FACTOR",
-                                  "ORVML_OCTREEMESHER_TOLERANCE_FOR_GAPS",
-                                  "ORVML_OCTREEMESHER_QUADRATIC_TYPE",
-                                  "ORVML_OCTREEMESHER_INPUT_IS_WATERTIGHT",
-                                  "ORVML_OCTREEMESHER_MAX_RELATIVE_CHORDAL_ERROR",
-                                  "ORVML_OCTREEMESHER_MAX_CHORDAL_ERROR",
-                                  "ORVML_OCTREEMESHER_PRIORIZE_OUTER_PART_WHEN_COLORING",
-                                  "ORVML_OCTREEMESHER_MIN_COSINUS_FOR_SHARP_EDGES",
-                                  "ORVML_OCTREEMESHER_ONLY_GET_INNER_TETRAHEDRA",
-                                  "ORVML_OCTREEMESHER_DELETE_OUTER_EMBEDDED_ELEMENTS"};
+constexpr const char* kScalarNames[] = {"ORVML_OCTREEMESHER_GENERAL_MESH_SIZE",
+                                        "ORVML_OCTREEMESHER_SIZE_TRANSITION_FACTOR",
+                                        "ORVML_OCTREEMESHER_TOLERANCE_FOR_GAPS",
+                                        "ORVML_OCTREEMESHER_QUADRATIC_TYPE",
+                                        "ORVML_OCTREEMESHER_INPUT_IS_WATERTIGHT",
+                                        "ORVML_OCTREEMESHER_MAX_RELATIVE_CHORDAL_ERROR",
+                                        "ORVML_OCTREEMESHER_MAX_CHORDAL_ERROR",
+                                        "ORVML_OCTREEMESHER_PRIORIZE_OUTER_PART_WHEN_COLORING",
+                                        "ORVML_OCTREEMESHER_MIN_COSINUS_FOR_SHARP_EDGES",
+                                        "ORVML_OCTREEMESHER_ONLY_GET_INNER_TETRAHEDRA",
+                                        "ORVML_OCTREEMESHER_DELETE_OUTER_EMBEDDED_ELEMENTS"};
 
 class LegacyScalars : public LegacyInputTest {
  protected:
@@ -54,7 +53,7 @@ TEST_F(LegacyScalars, ElevenValuesGetTheElevenNamesOfTheOctreeMesher) {
 
   EXPECT_EQ(numberOfScalars(), 11U);
   for (int i = 0; i < 11; ++i) {
-    EXPECT_EQ(scalarOf(document(), kNames[i]), i + 0.5) << kNames[i];
+    EXPECT_EQ(scalarOf(document(), kScalarNames[i]), i + 0.5) << kScalarNames[i];
   }
 }
 
@@ -64,7 +63,7 @@ TEST_F(LegacyScalars, FewerValuesGetTheFirstNames) {
   ASSERT_EQ(read(), 0);
 
   EXPECT_EQ(numberOfScalars(), 2U);
-  EXPECT_EQ(scalarOf(document(), kNames[1]), 1.5);
+  EXPECT_EQ(scalarOf(document(), kScalarNames[1]), 1.5);
 }
 
 TEST_F(LegacyScalars, MissingDatasetIsNoError) {
@@ -95,7 +94,7 @@ TEST_F(LegacyScalars, VolumeSizesLieBetweenTheTenthValueAndTheLast) {
   ASSERT_EQ(read(), 0);
 
   EXPECT_EQ(numberOfScalars(), 11U);
-  EXPECT_EQ(scalarOf(document(), kNames[9]), 109);
+  EXPECT_EQ(scalarOf(document(), kScalarNames[9]), 109);
   EXPECT_EQ(doubleParameterOf(document(), kVolumesSizes), (std::vector<double>{111, 112, 113}));
   EXPECT_EQ(scalarOf(document(), kDeleteOuterEmbedded), 114);
 }
@@ -238,8 +237,8 @@ TEST_F(LegacyScalars, IntegersAreReadAsDoubles) {
 
   ASSERT_EQ(read(), 0);
 
-  EXPECT_EQ(scalarOf(document(), kNames[0]), 3.0);
-  EXPECT_EQ(scalarOf(document(), kNames[1]), -4.0);
+  EXPECT_EQ(scalarOf(document(), kScalarNames[0]), 3.0);
+  EXPECT_EQ(scalarOf(document(), kScalarNames[1]), -4.0);
 }
 
 TEST_F(LegacyScalars, ValuesOfTheOtherByteOrderAreConverted) {
@@ -257,8 +256,8 @@ TEST_F(LegacyScalars, NotANumberIsAnOrdinaryValue) {
 
   ASSERT_EQ(read(), 0);
 
-  EXPECT_TRUE(std::isnan(scalarOf(document(), kNames[0]).value_or(0)));
-  EXPECT_TRUE(std::signbit(scalarOf(document(), kNames[1]).value_or(1)));
+  EXPECT_TRUE(std::isnan(scalarOf(document(), kScalarNames[0]).value_or(0)));
+  EXPECT_TRUE(std::signbit(scalarOf(document(), kScalarNames[1]).value_or(1)));
 }
 
 TEST_F(LegacyScalars, TextsGiveOneAndStoreNothing) {
@@ -293,7 +292,7 @@ TEST_F(LegacyScalars, TableWithOneColumnIsReadAsAVector) {
   EXPECT_EQ(read(), 0);
 
   EXPECT_EQ(numberOfScalars(), 2U);
-  EXPECT_EQ(scalarOf(document(), kNames[1]), 1.5);
+  EXPECT_EQ(scalarOf(document(), kScalarNames[1]), 1.5);
 }
 
 TEST_F(LegacyScalars, TableWithMoreColumnsGivesOne) {

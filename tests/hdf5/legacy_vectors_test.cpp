@@ -10,7 +10,6 @@ namespace {
 
 constexpr char kMarkers[] = "/OrvInput/GenericMarkers";
 constexpr char kAttributes[] = "/OrvInput/GenericAttributes";
-constexpr char kVolumesSizes[] = "ORVML_OCTREEMESHER_VOLUMES_SIZES";
 
 using Ints = std::vector<int>;
 using Doubles = std::vector<double>;

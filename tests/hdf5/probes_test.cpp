@@ -329,15 +329,15 @@ TEST_P(Markers, LeaveNothingOpen) {
   EXPECT_EQ(opened(), before);
 }
 
-const MarkerCase kMarkers[] = {{"Exact", {"ORVMESHLIBRARY\0", 15}, true},
-                               {"ExactBeforeOtherBytes", {"ORVMESHLIBRARY\0XY", 17}, true},
-                               {"OneCharacterMore", {"ORVMESHLIBRARYX\0", 16}, false},
-                               {"OneBlankMore", {"ORVMESHLIBRARY \0", 16}, false},
-                               {"OneCharacterLess", {"ORVMESHLIBRAR\0", 14}, false},
-                               {"OtherCase", {"OrvMESHLIBRARY\0", 15}, false},
-                               {"Empty", {"\0", 1}, false}};
+const MarkerCase kMarkerTexts[] = {{"Exact", {"ORVMESHLIBRARY\0", 15}, true},
+                                   {"ExactBeforeOtherBytes", {"ORVMESHLIBRARY\0XY", 17}, true},
+                                   {"OneCharacterMore", {"ORVMESHLIBRARYX\0", 16}, false},
+                                   {"OneBlankMore", {"ORVMESHLIBRARY \0", 16}, false},
+                                   {"OneCharacterLess", {"ORVMESHLIBRAR\0", 14}, false},
+                                   {"OtherCase", {"OrvMESHLIBRARY\0", 15}, false},
+                                   {"Empty", {"\0", 1}, false}};
 
-INSTANTIATE_TEST_SUITE_P(Texts, Markers, ::testing::ValuesIn(kMarkers), RowName());
+INSTANTIATE_TEST_SUITE_P(Texts, Markers, ::testing::ValuesIn(kMarkerTexts), RowName());
 
 TEST_F(Probes, FileWithoutAMarkerIsNoExchangeFile) {
   file().removeAttribute("/", "FORMAT");

@@ -2,6 +2,7 @@
 // there. Files of a few kilobytes must not cost more than they hold.
 #include "hostile/attacked_file.h"
 #include "hostile/isolated.h"
+#include "hostile/stored_vectors.h"
 #include "orvml_io.h"
 
 #include <sys/resource.h>
@@ -11,8 +12,6 @@
 
 namespace orvml_io_tests {
 namespace {
-
-using Ints = std::vector<int>;
 
 class AttackedCounts : public AttackedFile {
  protected:

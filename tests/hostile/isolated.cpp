@@ -87,7 +87,7 @@ bool leaks() {
   ::_exit(leaks() ? kLeak : 0);
 }
 
-std::string contentOf(std::FILE* file) {
+std::string outputIn(std::FILE* file) {
   std::string content;
   std::rewind(file);
   for (int c = std::fgetc(file); c != EOF; c = std::fgetc(file)) {
@@ -166,7 +166,7 @@ IsolatedRun runIsolated(const std::function<void()>& work) {
   IsolatedRun run;
   int status = 0;
   const bool ended = child > 0 && ::waitpid(child, &status, 0) == child;
-  run.output = contentOf(output);
+  run.output = outputIn(output);
   run.ending = ended ? endingOf(status, run.output) : Ending::failed;
   std::fclose(output);
   return run;

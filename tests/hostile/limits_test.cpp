@@ -5,6 +5,7 @@
 #include "hdf5/id.h"
 #include "hdf5/read_budget.h"
 #include "hostile/attacked_file.h"
+#include "hostile/stored_vectors.h"
 #include "support/document_builder.h"
 #include "support/document_queries.h"
 #include "text/mesh_text.h"
@@ -15,8 +16,6 @@
 
 namespace orvml_io_tests {
 namespace {
-
-const std::string kVectors = "/OrvInput/ParametersVector";
 
 /// A dataset of bytes behind a filter that compresses, of which one chunk is stored.
 class CompressedBytes {
@@ -62,9 +61,10 @@ class Limits : public AttackedFile, public ::testing::WithParamInterface<int> {
 };
 
 TEST_P(Limits, LongestPathIsReadAndLongerOnesAreNot) {
-  const std::string name(around(orvml_io::kLongestPath) - kVectors.size() - 1, 'n');
-  const hid_t group = H5Gopen2(file().id(), kVectors.c_str(), H5P_DEFAULT);
-  H5Lcreate_hard(file().id(), (kVectors + "/layers").c_str(), group, name.c_str(), H5P_DEFAULT,
+  const std::string vectors = kVectors;
+  const std::string name(around(orvml_io::kLongestPath) - vectors.size() - 1, 'n');
+  const hid_t group = H5Gopen2(file().id(), kVectors, H5P_DEFAULT);
+  H5Lcreate_hard(file().id(), (vectors + "/layers").c_str(), group, name.c_str(), H5P_DEFAULT,
                  H5P_DEFAULT);
   H5Gclose(group);
 
@@ -111,7 +111,7 @@ TEST_P(Limits, MostCellsAreCountedAndMoreAreNot) {
 // As doubles; the values that were never stored are zeros.
 TEST_P(Limits, UnstoredBytesAreReadAndMoreAreNot) {
   const hsize_t length = around(orvml_io::kUnstoredBytesPerRead / sizeof(double));
-  file().dataset(kVectors + "/v", H5T_NATIVE_DOUBLE, {length}, nullptr);
+  file().dataset(std::string(kVectors) + "/v", H5T_NATIVE_DOUBLE, {length}, nullptr);
 
   EXPECT_EQ(read().status, expectedStatus());
 }
@@ -125,7 +125,7 @@ TEST_P(Limits, FileIsDrawnOnAFewTimesAndNotMoreOften) {
 }
 
 TEST_P(Limits, BestCompressionCountsAsStoredAndABetterOneDoesNot) {
-  const CompressedBytes bytes(file(), kVectors + "/v");
+  const CompressedBytes bytes(file(), std::string(kVectors) + "/v");
   const hsize_t length = around(bytes.storedBytes() * orvml_io::kBestCompressionRatio);
   bytes.lengthen(length);
 

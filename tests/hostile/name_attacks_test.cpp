@@ -1,5 +1,6 @@
 // Names that no writer of the library makes: too long, not UTF-8, without their end.
 #include "hostile/attacked_file.h"
+#include "hostile/stored_vectors.h"
 #include "support/document_builder.h"
 #include "support/document_queries.h"
 #include "support/open_ids.h"
@@ -9,7 +10,6 @@
 namespace orvml_io_tests {
 namespace {
 
-const std::string kVectors = "/OrvInput/ParametersVector";
 const std::string kNodeAttributes = "/OrvInput/Nodes/Attributes";
 
 // The longest path is one of 1023 bytes.

@@ -10,15 +10,15 @@
 namespace orvml_io_tests {
 namespace {
 
-double coords[6] = {0, 0, 0, 1, 0, 0};
-int cells[4] = {0, 1, 1, 0};
+double twoNodes[6] = {0, 0, 0, 1, 0, 0};
+int twoLines[4] = {0, 1, 1, 0};
 
-struct ConstructorRow {
+struct FailingConstructorRow {
   const char* name;
   void* (*create)();
 };
 
-class ConstructorOutOfMemory : public ::testing::TestWithParam<ConstructorRow> {};
+class ConstructorOutOfMemory : public ::testing::TestWithParam<FailingConstructorRow> {};
 
 TEST_P(ConstructorOutOfMemory, ThrowsAndLosesNothing) {
   int failures = 0;
@@ -35,25 +35,24 @@ TEST_P(ConstructorOutOfMemory, ThrowsAndLosesNothing) {
 
 INSTANTIATE_TEST_SUITE_P(
     Functions, ConstructorOutOfMemory,
-    ::testing::Values(ConstructorRow{"Input", [] { return OrvML_IO_NewOrvInputHandle(); }},
-                      ConstructorRow{"Output", [] { return OrvML_IO_NewOrvOutputHandle(); }},
-                      ConstructorRow{"Identification",
-                                     [] { return OrvML_IO_NewOrvInputHandle("m", "v", "c", 3); }},
-                      ConstructorRow{"WithNodes",
-                                     [] {
-                                       return OrvML_IO_NewOrvInputHandleWithNodes("m", "v", "c", 3,
-                                                                                  2, coords);
-                                     }},
-                      ConstructorRow{"WithFaces",
-                                     [] {
-                                       return OrvML_IO_NewOrvInputHandleWithFaces(
-                                           "m", "v", "c", 3, 2, coords, 2, cells, LINEAR, 2);
-                                     }},
-                      ConstructorRow{"WithVolumeElements",
-                                     [] {
-                                       return OrvML_IO_NewOrvInputHandleWithVolumeElements(
-                                           "m", "v", "c", 3, 2, coords, 2, cells, LINEAR, 2);
-                                     }}),
+    ::testing::Values(
+        FailingConstructorRow{"Input", [] { return OrvML_IO_NewOrvInputHandle(); }},
+        FailingConstructorRow{"Output", [] { return OrvML_IO_NewOrvOutputHandle(); }},
+        FailingConstructorRow{"Identification",
+                              [] { return OrvML_IO_NewOrvInputHandle("m", "v", "c", 3); }},
+        FailingConstructorRow{
+            "WithNodes",
+            [] { return OrvML_IO_NewOrvInputHandleWithNodes("m", "v", "c", 3, 2, twoNodes); }},
+        FailingConstructorRow{"WithFaces",
+                              [] {
+                                return OrvML_IO_NewOrvInputHandleWithFaces(
+                                    "m", "v", "c", 3, 2, twoNodes, 2, twoLines, LINEAR, 2);
+                              }},
+        FailingConstructorRow{"WithVolumeElements",
+                              [] {
+                                return OrvML_IO_NewOrvInputHandleWithVolumeElements(
+                                    "m", "v", "c", 3, 2, twoNodes, 2, twoLines, LINEAR, 2);
+                              }}),
     RowName());
 
 class SetterOutOfMemory : public EveryElementKind {
@@ -62,7 +61,7 @@ class SetterOutOfMemory : public EveryElementKind {
 };
 
 TEST_P(SetterOutOfMemory, OfASingleShapeLeavesTheDocumentWithoutAContainer) {
-  const auto step = [this] { GetParam().setSingleShape(handle_.get(), 2, cells, LINEAR, 2); };
+  const auto step = [this] { GetParam().setSingleShape(handle_.get(), 2, twoLines, LINEAR, 2); };
   int failures = 0;
   while (!runsWithFailure(failures + 1, step)) {
     ++failures;
@@ -77,8 +76,8 @@ TEST_P(SetterOutOfMemory, OfASingleShapeKeepsTheOldCells) {
   ElemType shapes[] = {POINT};
   int nodesPerCell[] = {1};
   int cellsPerGroup[] = {4};
-  GetParam().setGroups(handle_.get(), 4, cells, 1, shapes, nodesPerCell, cellsPerGroup);
-  const auto step = [this] { GetParam().setSingleShape(handle_.get(), 2, cells, LINEAR, 2); };
+  GetParam().setGroups(handle_.get(), 4, twoLines, 1, shapes, nodesPerCell, cellsPerGroup);
+  const auto step = [this] { GetParam().setSingleShape(handle_.get(), 2, twoLines, LINEAR, 2); };
 
   EXPECT_FALSE(runsWithFailure(3, step));
 
@@ -91,7 +90,7 @@ TEST_P(SetterOutOfMemory, OfGroupsLeavesTheDocumentWithoutAContainer) {
   int nodesPerCell[] = {1};
   int cellsPerGroup[] = {4};
   const auto step = [&] {
-    GetParam().setGroups(handle_.get(), 4, cells, 1, shapes, nodesPerCell, cellsPerGroup);
+    GetParam().setGroups(handle_.get(), 4, twoLines, 1, shapes, nodesPerCell, cellsPerGroup);
   };
 
   EXPECT_FALSE(runsWithFailure(1, step));
@@ -103,7 +102,7 @@ ORVML_IO_TESTS_FOR_EVERY_ELEMENT_KIND(SetterOutOfMemory);
 
 TEST(SetNodesCoordsOutOfMemory, LeavesTheDocumentWithoutNodes) {
   const Handle handle(OrvML_IO_NewOrvInputHandle());
-  const auto step = [&handle] { OrvML_IO_SetNodesCoords(handle.get(), 2, coords); };
+  const auto step = [&handle] { OrvML_IO_SetNodesCoords(handle.get(), 2, twoNodes); };
 
   EXPECT_FALSE(runsWithFailure(1, step));
 

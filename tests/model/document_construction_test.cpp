@@ -1,6 +1,7 @@
 #include "model/document.h"
 #include "orvml_io.h"
 #include "support/document_builder.h"
+#include "support/document_queries.h"
 #include "support/row_name.h"
 
 #include <gtest/gtest.h>
@@ -14,6 +15,7 @@ using orvml_io::documentOf;
 using orvml_io::OrvInput;
 using orvml_io::OrvInputAndOrvOutput;
 using orvml_io::OrvOutput;
+using orvml_io_tests::creatorOf;
 using orvml_io_tests::Handle;
 using orvml_io_tests::RowName;
 
@@ -75,11 +77,6 @@ TEST(NewOutputHandle, IsAnOutputDocument) {
   const Handle handle(OrvML_IO_NewOrvOutputHandle());
 
   EXPECT_NE(dynamic_cast<OrvOutput*>(documentOf(handle.get())), nullptr);
-}
-
-std::string creatorOf(void* handle) {
-  char buffer[80] = "untouched";
-  return OrvML_IO_GetOrvMeshLibraryIOCreator(handle, buffer);
 }
 
 TEST(NewInputHandleWithIdentification, StoresStringsAndDimension) {

@@ -1,6 +1,7 @@
 // Module name, module format version, creator, dimension and the parameter counts of a document.
 #include "orvml_io.h"
 #include "support/document_builder.h"
+#include "support/document_queries.h"
 #include "support/row_name.h"
 
 #include <gtest/gtest.h>
@@ -14,6 +15,7 @@
 namespace {
 
 using orvml_io_tests::BuiltDocument;
+using orvml_io_tests::creatorOf;
 using orvml_io_tests::Handle;
 using orvml_io_tests::RowName;
 
@@ -21,11 +23,6 @@ std::string moduleNameOf(void* handle) { return OrvML_IO_GetOrvMeshLibraryModule
 
 std::string moduleVersionOf(void* handle) {
   return OrvML_IO_GetOrvMeshLibraryModuleFormatVersion(handle);
-}
-
-std::string creatorOf(void* handle) {
-  char buffer[80] = "untouched";
-  return OrvML_IO_GetOrvMeshLibraryIOCreator(handle, buffer);
 }
 
 struct StringRow {

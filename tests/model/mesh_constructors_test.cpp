@@ -29,13 +29,13 @@ void* newWithVolumeElements(const char* name, const char* version, const char* c
                                                       kCells, TETRAHEDRA, 4);
 }
 
-struct ConstructorRow {
+struct MeshConstructorRow {
   const char* name;
   void* (*create)(const char*, const char*, const char*);
   Containers containers;
 };
 
-class MeshConstructor : public ::testing::TestWithParam<ConstructorRow> {
+class MeshConstructor : public ::testing::TestWithParam<MeshConstructorRow> {
  protected:
   Handle handle_{GetParam().create("module", "2.1", "creator")};
 };
@@ -90,9 +90,9 @@ TEST_P(MeshConstructor, MakesNoOtherContainers) {
 
 INSTANTIATE_TEST_SUITE_P(
     Functions, MeshConstructor,
-    ::testing::Values(ConstructorRow{"WithNodes", newWithNodes, {true, false, false, false}},
-                      ConstructorRow{"WithFaces", newWithFaces, {true, false, true, false}},
-                      ConstructorRow{
+    ::testing::Values(MeshConstructorRow{"WithNodes", newWithNodes, {true, false, false, false}},
+                      MeshConstructorRow{"WithFaces", newWithFaces, {true, false, true, false}},
+                      MeshConstructorRow{
                           "WithVolumeElements", newWithVolumeElements, {true, false, false, true}}),
     RowName());
 

@@ -38,6 +38,9 @@ std::vector<Call> fileCalls();
 std::vector<Call> comparisonCalls();
 std::vector<Call> everyCall();
 
+/// Of the coordinates that callers give: enough for every dimension that is set later.
+inline constexpr int kCoordinatesPerNode = 3;
+
 /// A path with what lies there.
 struct ExchangePath {
   TempFile path;

@@ -7,8 +7,6 @@ namespace orvml_io_tests {
 
 namespace {
 
-constexpr int kCoordinatesPerNode = 3;  // enough for every dimension that is set later
-
 bool newInput(Caller& caller) {
   if (!caller.makeRoom()) {
     return false;

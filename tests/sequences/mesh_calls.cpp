@@ -9,8 +9,6 @@ namespace orvml_io_tests {
 
 namespace {
 
-constexpr int kCoordinatesPerNode = 3;  // enough for every dimension that is set later
-
 /// Coordinates for the setter: new ones, ones that another document may have, or none.
 Shared<double> anyCoordinates(Caller& caller) {
   if (caller.random.chance(10)) {

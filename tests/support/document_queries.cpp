@@ -70,4 +70,9 @@ std::vector<std::string> transmittedNames(void* document, ORVML_TYPE_OF_ENTITY e
   return names;
 }
 
+std::string creatorOf(void* document) {
+  char buffer[80] = "untouched";
+  return OrvML_IO_GetOrvMeshLibraryIOCreator(document, buffer);
+}
+
 }  // namespace orvml_io_tests

@@ -23,4 +23,7 @@ std::optional<std::vector<double>> doubleAttributeOf(void* document, ORVML_TYPE_
 /// The names of the attributes that must be transmitted, in the order of their indices.
 std::vector<std::string> transmittedNames(void* document, ORVML_TYPE_OF_ENTITY entity);
 
+/// Who made a document. The getter fills a buffer that holds another text beforehand.
+std::string creatorOf(void* document);
+
 }  // namespace orvml_io_tests

@@ -18,6 +18,13 @@ inline std::string bytesOf(const char* path) {
   return std::string(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
 }
 
+/// One node in space, so that a text begins with a short coordinates section.
+inline BuiltDocument withOneNode() {
+  BuiltDocument document = BuiltDocument::input(3);
+  document.nodes({1, 2, 3});
+  return document;
+}
+
 /// Exports the mesh of a document, which must succeed, and returns the text.
 inline std::string exportedText(void* document) {
   const TempFile file;

@@ -14,13 +14,6 @@ namespace {
 
 using namespace orvml_io_tests;
 
-/// One node in space, so that a text begins with a short coordinates section.
-BuiltDocument withOneNode() {
-  BuiltDocument document = BuiltDocument::input(3);
-  document.nodes({1, 2, 3});
-  return document;
-}
-
 TEST(MeshText, OfATriangleHasNineLines) {
   BuiltDocument document = BuiltDocument::input(3);
   document.nodes({0, 0, 0, 1, 0, 0, 0, 1, 0}).cells(ORVML_FACES, {TRIANGLE}, {3}, {1}, {0, 1, 2});

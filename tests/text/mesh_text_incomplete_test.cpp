@@ -22,12 +22,6 @@ const char kNodeSection[] =
     "1 1.000000 2.000000 3.000000\n"
     "end coordinates\n";
 
-BuiltDocument withOneNode() {
-  BuiltDocument document = BuiltDocument::input(3);
-  document.nodes({1, 2, 3});
-  return document;
-}
-
 /// The text of one block of faces.
 std::string block(const std::string& shapeAndNodes, const std::string& elementLines) {
   return "mesh dimension = 3 elemtype " + shapeAndNodes + "\n" + kNodeSection + "elements\n" +

@@ -20,7 +20,7 @@ namespace {
 
 constexpr int kFilesPerThread = 4;
 
-BuiltDocument documentOfThread(int thread) {
+BuiltDocument exchangedDocument(int thread) {
   BuiltDocument document = fullDocument();
   document.scalar("thread", thread);
   return document;
@@ -69,7 +69,7 @@ TEST_P(ExchangeFiles, AreWrittenAndReadUnderTheLockOfTheCaller) {
   std::mutex mutex;
 
   runTogether(threads(), [&](int thread) {
-    const BuiltDocument document = documentOfThread(thread);
+    const BuiltDocument document = exchangedDocument(thread);
     for (int file = 0; file < kFilesPerThread; ++file) {
       exchange(document, path(thread, file), mutex);
     }
@@ -80,7 +80,7 @@ TEST_P(ExchangeFiles, DoNotDisturbDocumentsInMemory) {
   std::mutex mutex;
 
   runTogether(threads(), [&](int thread) {
-    const BuiltDocument document = documentOfThread(thread);
+    const BuiltDocument document = exchangedDocument(thread);
     for (int file = 0; file < kFilesPerThread; ++file) {
       if (thread == 0) {
         exchange(document, path(thread, file), mutex);
@@ -106,7 +106,7 @@ TEST_P(ExchangeFiles, NeedNoLockWhereHdf5IsThreadSafe) {
   }
 
   runTogether(threads(), [&](int thread) {
-    const BuiltDocument document = documentOfThread(thread);
+    const BuiltDocument document = exchangedDocument(thread);
     NoMutex none;
     for (int file = 0; file < kFilesPerThread; ++file) {
       exchange(document, path(thread, file), none);

@@ -13,7 +13,7 @@ namespace orvml_tool {
 
 namespace {
 
-struct Options {
+struct CheckArguments {
   std::vector<std::string> files;
   bool isStrict = false;
   bool asJson = false;
@@ -32,7 +32,7 @@ CheckedFile checkOne(const std::string& name, const orvml::CheckOptions& options
   return checked;
 }
 
-int printTexts(const Options& options) {
+int printTexts(const CheckArguments& options) {
   int code = kClean;
   for (const std::string& name : options.files) {
     const CheckedFile checked = checkOne(name, options.check);
@@ -46,7 +46,7 @@ int printTexts(const Options& options) {
   return code;
 }
 
-int printForPrograms(const Options& options) {
+int printForPrograms(const CheckArguments& options) {
   int code = kClean;
   std::vector<CheckedFile> files;
   for (const std::string& name : options.files) {
@@ -77,7 +77,7 @@ int codeOf(const CheckedFile& checked, bool isStrict) {
 }
 
 void addCheck(CLI::App& app, Run& run) {
-  auto options = std::make_shared<Options>();
+  auto options = std::make_shared<CheckArguments>();
   CLI::App& command =
       addSubcommand(app, "check", "Tell whether files are sound", "orvml check --quality part.h5");
   addFiles(command, options->files);

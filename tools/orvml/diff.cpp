@@ -17,7 +17,7 @@ namespace orvml_tool {
 
 namespace {
 
-struct Options {
+struct DiffArguments {
   std::string first;
   std::string second;
   orvml::Tolerance tolerance;
@@ -53,7 +53,7 @@ std::pair<std::string, double> namedTolerance(const std::string& text) {
   return {text.substr(0, equals), *value};
 }
 
-orvml::DiffOptions diffOptions(const Options& options) {
+orvml::DiffOptions diffOptions(const DiffArguments& options) {
   orvml::DiffOptions made;
   made.tolerance = options.tolerance;
   const auto of = [&](const std::string& name) -> orvml::Tolerance& {
@@ -186,7 +186,7 @@ std::vector<Compared> compareFiles(const InputFile& first, const InputFile& seco
   return compared;
 }
 
-void printAll(const Options& options, const std::vector<Compared>& all, bool areSame) {
+void printAll(const DiffArguments& options, const std::vector<Compared>& all, bool areSame) {
   if (options.asJson) {
     Json documents = Json::array();
     for (const Compared& compared : all) {
@@ -203,7 +203,7 @@ void printAll(const Options& options, const std::vector<Compared>& all, bool are
   }
 }
 
-int runDiff(const Options& options) {
+int runDiff(const DiffArguments& options) {
   const orvml::DiffOptions tolerances = diffOptions(options);
   const InputFile first(options.first);
   const InputFile second(options.second);
@@ -216,7 +216,7 @@ int runDiff(const Options& options) {
   return areSame ? kDone : kDifferent;
 }
 
-void addTolerances(CLI::App& command, Options& options) {
+void addTolerances(CLI::App& command, DiffArguments& options) {
   command.add_option("--absolute", options.tolerance.absolute, "numbers so far apart are equal")
       ->check(CLI::NonNegativeNumber);
   command
@@ -239,7 +239,7 @@ void addTolerances(CLI::App& command, Options& options) {
 }  // namespace
 
 void addDiff(CLI::App& app, Run& run) {
-  auto options = std::make_shared<Options>();
+  auto options = std::make_shared<DiffArguments>();
   CLI::App& command = addSubcommand(app, "diff", "Tell what differs between two files",
                                     "orvml diff --absolute 1e-9 before.h5 after.h5");
   command.add_option("A", options->first, "the first exchange file; - is standard input")

@@ -19,7 +19,7 @@ namespace orvml_tool {
 
 namespace {
 
-struct Options {
+struct EditArguments {
   std::string file;
   DocumentChoice choice;
   Assignments assignments;
@@ -73,7 +73,7 @@ orvml::Exchange with(const Draft& draft, const orvml::Exchange& old) {
   return documents;
 }
 
-int runEdit(const Options& options) {
+int runEdit(const EditArguments& options) {
   if (options.assignments.empty() && options.removed.empty()) {
     throw Refusal("nothing is to be changed", "see orvml edit --help");
   }
@@ -100,7 +100,7 @@ int runEdit(const Options& options) {
 }  // namespace
 
 void addEdit(CLI::App& app, Run& run) {
-  auto options = std::make_shared<Options>();
+  auto options = std::make_shared<EditArguments>();
   CLI::App& command =
       addSubcommand(app, "edit", "Set or remove parameters and attributes, in place",
                     "orvml edit part.h5 --param growth=1.3 --remove Faces/Attributes/size");

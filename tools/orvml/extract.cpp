@@ -19,7 +19,7 @@ namespace {
 
 enum class Format { text, csv, json, npy };
 
-struct Options {
+struct ExtractArguments {
   std::string file;
   std::string name;
   std::string range;
@@ -90,7 +90,7 @@ std::string csvHeader(const NamedValue& value) {
 }
 
 template <class Value>
-void printJsonRows(const Rows<Value>& rows) {
+void printRowsAsJson(const Rows<Value>& rows) {
   const bool areNested = rows.source.rowLength > 1;
   for (std::size_t row = 0; row < rows.size(); ++row) {
     const std::string line = joined<Value>(rows[row], ", ", jsonOf);
@@ -109,7 +109,7 @@ std::vector<std::size_t> shapeOf(const Rows<Value>& rows) {
 
 /// Written piece by piece, for it may be large.
 template <class Value>
-void printJson(const Rows<Value>& rows) {
+void printValuesAsJson(const Rows<Value>& rows) {
   const Json path = rows.source.path;
   print("{\n  \"object\": " + path.dump(-1, ' ', false, Json::error_handler_t::replace));
   print(std::string(",\n  \"type\": \"") + (std::is_same_v<Value, int> ? "int" : "double") + "\"");
@@ -118,7 +118,7 @@ void printJson(const Rows<Value>& rows) {
     return;
   }
   print(",\n  \"shape\": " + Json(shapeOf(rows)).dump() + ",\n  \"values\": [");
-  printJsonRows(rows);
+  printRowsAsJson(rows);
   print(rows.size() == 0 ? "]\n}\n" : "\n  ]\n}\n");
 }
 
@@ -131,7 +131,7 @@ void printAs(Format format, const Rows<Value>& rows) {
       print(csvHeader(rows.source) + "\n");
       return printText(rows, ",");
     case Format::json:
-      return printJson(rows);
+      return printValuesAsJson(rows);
     case Format::npy:
       return printNpy(rows.values, shapeOf(rows));
   }
@@ -167,7 +167,8 @@ Bounds boundsIn(std::string_view text, std::size_t size) {
 }
 
 template <class Value>
-Rows<Value> rowsOf(const NamedValue& value, std::span<const Value> values, const Options& options) {
+Rows<Value> rowsOf(const NamedValue& value, std::span<const Value> values,
+                   const ExtractArguments& options) {
   Rows<Value> rows{value, values};
   if (options.range.empty()) {
     return rows;
@@ -178,7 +179,7 @@ Rows<Value> rowsOf(const NamedValue& value, std::span<const Value> values, const
   return rows;
 }
 
-int runExtract(const Options& options) {
+int runExtract(const ExtractArguments& options) {
   if (options.format == Format::npy && isTerminal(Stream::output)) {
     throw Refusal("standard output is a terminal, which shows no .npy files",
                   "send the output to a file or a program");
@@ -198,7 +199,7 @@ int runExtract(const Options& options) {
 void addExtract(CLI::App& app, Run& run) {
   const std::map<std::string, Format> formats = {
       {"text", Format::text}, {"csv", Format::csv}, {"json", Format::json}, {"npy", Format::npy}};
-  auto options = std::make_shared<Options>();
+  auto options = std::make_shared<ExtractArguments>();
   CLI::App& command =
       addSubcommand(app, "extract", "Print the values of an attribute, a parameter or an array",
                     "orvml extract part.h5 Nodes/coordinates --format csv --range 0:2");

@@ -13,7 +13,7 @@ namespace orvml_tool {
 
 namespace {
 
-struct InfoOptions {
+struct InfoArguments {
   std::vector<std::string> files;
   bool isFast = false;
   bool asJson = false;
@@ -43,7 +43,7 @@ Json jsonOf(const InputFile& file, bool isFast, int& code) {
   return json;
 }
 
-int printAsJson(const InfoOptions& options) {
+int printAsJson(const InfoArguments& options) {
   int code = kDone;
   Json files = Json::array();
   for (const std::string& name : options.files) {
@@ -53,7 +53,7 @@ int printAsJson(const InfoOptions& options) {
   return code;
 }
 
-int printText(const InfoOptions& options) {
+int printText(const InfoArguments& options) {
   int code = kDone;
   for (const std::string& name : options.files) {
     const InputFile file(name);
@@ -71,7 +71,7 @@ int printText(const InfoOptions& options) {
 }  // namespace
 
 void addInfo(CLI::App& app, Run& run) {
-  auto options = std::make_shared<InfoOptions>();
+  auto options = std::make_shared<InfoArguments>();
   CLI::App& command =
       addSubcommand(app, "info", "Tell what files hold", "orvml info --fast part.h5");
   addFiles(command, options->files);

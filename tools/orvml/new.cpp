@@ -22,7 +22,7 @@ namespace {
 
 enum class Source { json, stl, obj, off, ply };
 
-struct Options {
+struct NewArguments {
   std::string written;
   std::string from;
   std::optional<Source> format;
@@ -42,7 +42,7 @@ const std::map<std::string, Source>& sources() {
 }
 
 /// The format that was named, else that of the file's ending; what comes from a pipe is JSON.
-Source sourceOf(const Options& options) {
+Source sourceOf(const NewArguments& options) {
   if (options.format) {
     return *options.format;
   }
@@ -88,7 +88,7 @@ Draft draftOf(Surface surface) {
   return draft;
 }
 
-Draft draftFrom(const Options& options) {
+Draft draftFrom(const NewArguments& options) {
   if (options.from.empty()) {
     return {orvml::Kind::input, 3};
   }
@@ -107,7 +107,7 @@ Draft draftFrom(const Options& options) {
 }
 
 /// What the command line says goes before what the file says.
-void identify(Draft& draft, const Options& options) {
+void identify(Draft& draft, const NewArguments& options) {
   const bool isOfJson = !options.from.empty() && sourceOf(options) == Source::json;
   if (options.module) {
     draft.setModule(*options.module);
@@ -120,7 +120,7 @@ void identify(Draft& draft, const Options& options) {
   }
 }
 
-int runNew(const Options& options) {
+int runNew(const NewArguments& options) {
   const OutputFile written(options.written);
   const Progress progress("making " + printable(options.written));
   Draft draft = about(options.from.empty() ? options.written : options.from, [&] {
@@ -136,7 +136,7 @@ int runNew(const Options& options) {
 }  // namespace
 
 void addNew(CLI::App& app, Run& run) {
-  auto options = std::make_shared<Options>();
+  auto options = std::make_shared<NewArguments>();
   CLI::App& command = addSubcommand(app, "new", "Make a file from JSON or a surface",
                                     "orvml new part.h5 --from part.stl --param mesh-size=0.25");
   command.add_option("OUT", options->written, "the file that is written; - is standard output")

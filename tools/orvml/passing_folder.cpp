@@ -14,7 +14,7 @@ namespace orvml_tool {
 
 namespace {
 
-std::filesystem::path made;  // empty until it is
+std::filesystem::path madeFolder;  // empty until it is
 
 class Folder {
  public:
@@ -26,8 +26,8 @@ class Folder {
       throw Refusal(printable(name) + ": cannot be made: " + std::strerror(errno),
                     "set TMPDIR to a folder with room, or use files instead of -");
     }
-    made = name;
-    removeOnInterrupt(made);
+    madeFolder = name;
+    removeOnInterrupt(madeFolder);
   }
   Folder(const Folder&) = delete;
   Folder& operator=(const Folder&) = delete;
@@ -35,7 +35,7 @@ class Folder {
   Folder& operator=(Folder&&) = delete;
   ~Folder() {
     std::error_code ignored;
-    std::filesystem::remove_all(made, ignored);
+    std::filesystem::remove_all(madeFolder, ignored);
   }
 };
 
@@ -43,13 +43,13 @@ class Folder {
 
 const std::filesystem::path& passingFolder() {
   static const Folder kFolder;
-  return made;
+  return madeFolder;
 }
 
 bool isPassing(const std::filesystem::path& file) noexcept {
   const std::string& name = file.native();
-  return !made.empty() && name.size() > made.native().size() && name.starts_with(made.native()) &&
-         name[made.native().size()] == '/';
+  return !madeFolder.empty() && name.size() > madeFolder.native().size() &&
+         name.starts_with(madeFolder.native()) && name[madeFolder.native().size()] == '/';
 }
 
 }  // namespace orvml_tool

@@ -13,7 +13,7 @@ namespace orvml_tool {
 
 namespace {
 
-struct Options {
+struct RescueArguments {
   std::string old;
   std::string made;
   bool keepsUnsoundCells = false;
@@ -47,7 +47,7 @@ std::string reportText(const std::vector<orvml::LostObject>& lost) {
 }
 
 /// A report does not go where the file goes.
-void printReport(const Options& options, const std::string& text) {
+void printReport(const RescueArguments& options, const std::string& text) {
   if (options.made == "-") {
     printMessage(text);
   } else {
@@ -55,7 +55,7 @@ void printReport(const Options& options, const std::string& text) {
   }
 }
 
-int runRescue(const Options& options) {
+int runRescue(const RescueArguments& options) {
   const OutputFile made(options.made);
   const InputFile old(options.old);
   orvml::RescueReport report;
@@ -73,7 +73,7 @@ int runRescue(const Options& options) {
   return report.isWhole() ? kDone : kDifferent;
 }
 
-int runUpgrade(const Options& options) {
+int runUpgrade(const RescueArguments& options) {
   const OutputFile made(options.made);
   const InputFile old(options.old);
   orvml::UpgradeReport report;
@@ -89,7 +89,7 @@ int runUpgrade(const Options& options) {
   return kDone;
 }
 
-void addBoth(CLI::App& command, Options& options) {
+void addBoth(CLI::App& command, RescueArguments& options) {
   command.add_option("OLD", options.old, "is read; - is standard input")->required();
   command.add_option("NEW", options.made, "is written; - is standard output")->required();
 }
@@ -97,7 +97,7 @@ void addBoth(CLI::App& command, Options& options) {
 }  // namespace
 
 void addUpgrade(CLI::App& app, Run& run) {
-  auto options = std::make_shared<Options>();
+  auto options = std::make_shared<RescueArguments>();
   CLI::App& command = addSubcommand(app, "upgrade", "Bring a file to the present format",
                                     "orvml upgrade old.h5 new.h5");
   addBoth(command, *options);
@@ -105,7 +105,7 @@ void addUpgrade(CLI::App& app, Run& run) {
 }
 
 void addRescue(CLI::App& app, Run& run) {
-  auto options = std::make_shared<Options>();
+  auto options = std::make_shared<RescueArguments>();
   CLI::App& command = addSubcommand(app, "rescue", "Make a sound file of a damaged one",
                                     "orvml rescue old.h5 new.h5");
   addBoth(command, *options);

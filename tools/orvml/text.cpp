@@ -25,7 +25,7 @@ namespace orvml_tool {
 
 namespace {
 
-struct Options {
+struct TextArguments {
   std::string file;
   DocumentChoice choice;
 };
@@ -121,7 +121,7 @@ void printMesh(orvml::Document& document) {
   }
 }
 
-int runText(const Options& options) {
+int runText(const TextArguments& options) {
   const InputFile file(options.file);
   const Progress progress("printing the mesh of " + file.shown());
   orvml::Loaded loaded = orvml::load(file.path(), {.threads = 2});
@@ -138,7 +138,7 @@ int runText(const Options& options) {
 }  // namespace
 
 void addText(CLI::App& app, Run& run) {
-  auto options = std::make_shared<Options>();
+  auto options = std::make_shared<TextArguments>();
   CLI::App& command =
       addSubcommand(app, "text", "Print a mesh as plain text", "orvml text part.h5 >part.txt");
   command.add_option("FILE", options->file, "an exchange file; - is standard input")->required();

@@ -26,7 +26,7 @@ constexpr Sections kCells[] = {
     {Entity::faces, Section::groupsOfFaces, Section::faces, Section::faceAttributes},
     {Entity::elements, Section::groupsOfElements, Section::elements, Section::elementAttributes}};
 
-[[noreturn]] void throwDamaged(const char* what) {
+[[noreturn]] void throwUnfitPart(const char* what) {
   throw Error(Code::patchDamaged, std::string("is a patch whose parts do not fit: ") + what);
 }
 
@@ -64,7 +64,7 @@ std::span<const Value> valuesOf(const Items& items, Section section, const std::
   }
   const auto* values = std::get_if<std::span<const Value>>(&found->second.values);
   if (values == nullptr) {
-    throwDamaged("an array is of another type");
+    throwUnfitPart("an array is of another type");
   }
   return *values;
 }
@@ -72,7 +72,7 @@ std::span<const Value> valuesOf(const Items& items, Section section, const std::
 std::string_view textOf(const Items& items, Section section, std::deque<std::string>& texts) {
   std::optional<std::string> text = textOfBytes(valuesOf<int>(items, section));
   if (!text) {
-    throwDamaged("a text is none");
+    throwUnfitPart("a text is none");
   }
   return texts.emplace_back(std::move(*text));
 }
@@ -90,11 +90,11 @@ Attributes vectorsOf(const Items& items, Section section) {
   return Attributes(std::move(vectors));
 }
 
-CellGroup groupOf(std::span<const int> numbers, std::span<const int> indices) {
+CellGroup groupFrom(std::span<const int> numbers, std::span<const int> indices) {
   const auto shape = static_cast<Shape>(numbers[0]);
   const std::int64_t needed = std::int64_t{numbers[1]} * numbers[2];
   if (numbers[1] < 0 || numbers[2] < 0 || needed != static_cast<std::int64_t>(indices.size())) {
-    throwDamaged("a group of cells has other node indices");
+    throwUnfitPart("a group of cells has other node indices");
   }
   return numbers[1] == 0 ? CellGroup::withoutNodes(shape, numbers[2])
                          : CellGroup(shape, numbers[1], indices);
@@ -103,13 +103,13 @@ CellGroup groupOf(std::span<const int> numbers, std::span<const int> indices) {
 CellsView cellsOf(const Items& items, const Sections& sections) {
   const std::span<const int> numbers = valuesOf<int>(items, sections.groups);
   if (numbers.size() % kNumbersOfAGroup != 0) {
-    throwDamaged("a group of cells is not whole");
+    throwUnfitPart("a group of cells is not whole");
   }
   std::vector<CellGroup> groups;
   for (std::size_t i = 0; i < numbers.size(); i += kNumbersOfAGroup) {
     groups.push_back(
-        groupOf(numbers.subspan(i, kNumbersOfAGroup),
-                valuesOf<int>(items, sections.indices, std::to_string(groups.size()))));
+        groupFrom(numbers.subspan(i, kNumbersOfAGroup),
+                  valuesOf<int>(items, sections.indices, std::to_string(groups.size()))));
   }
   return CellsView(std::move(groups), vectorsOf(items, sections.attributes));
 }
@@ -120,7 +120,7 @@ Parameters parametersOf(const Items& items) {
   for (auto item = items.all.lower_bound({Section::parameters, {}}); item != end; ++item) {
     const auto value = valuesOf<double>(items, Section::parameters, item->first.name);
     if (value.size() != 1) {
-      throwDamaged("a parameter is no number");
+      throwUnfitPart("a parameter is no number");
     }
     parameters.push_back({item->first.name, value.front()});
   }
@@ -176,7 +176,7 @@ Items itemsOf(const DocumentView& document) {
 DocumentParts partsOf(const Items& items, std::deque<std::string>& texts) {
   const std::span<const int> dimension = valuesOf<int>(items, Section::dimension);
   if (dimension.size() != 1 || dimension.front() < 1) {
-    throwDamaged("there is no dimension");
+    throwUnfitPart("there is no dimension");
   }
   DocumentParts parts;
   parts.identification = {textOf(items, Section::moduleName, texts),

@@ -14,7 +14,7 @@ namespace orvml::detail {
 
 namespace {
 
-[[noreturn]] void throwDamaged(const char* what) {
+[[noreturn]] void throwUnfitStep(const char* what) {
   throw Error(Code::patchDamaged, std::string("is a patch with a step that does not fit: ") + what);
 }
 
@@ -99,7 +99,7 @@ std::span<const Value> edited(std::span<const Value> old, const Step& step, Owne
   const auto* values = std::get_if<std::span<const Value>>(&step.values);
   if (values == nullptr || values->size() != step.places.size() ||
       old.size() != static_cast<std::size_t>(step.length)) {
-    throwDamaged("an edit of another array");
+    throwUnfitStep("an edit of another array");
   }
   if (step.places.empty()) {
     return old;
@@ -108,7 +108,7 @@ std::span<const Value> edited(std::span<const Value> old, const Step& step, Owne
   for (std::size_t i = 0; i < step.places.size(); ++i) {
     const int place = step.places[i];
     if (place < 0 || place >= step.length) {
-      throwDamaged("an edit outside of its array");
+      throwUnfitStep("an edit outside of its array");
     }
     copy[static_cast<std::size_t>(place)] = (*values)[i];
   }
@@ -153,7 +153,7 @@ void apply(const std::vector<Step>& steps, Items& items, OwnedArrays& arrays) {
     }
     const auto item = items.all.find(step.key);
     if (item == items.all.end()) {
-      throwDamaged("there is nothing to change");
+      throwUnfitStep("there is nothing to change");
     }
     if (step.operation == Operation::remove) {
       items.all.erase(item);

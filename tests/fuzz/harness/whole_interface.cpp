@@ -194,9 +194,9 @@ void changeParameters(void* document) {
           "deleting a vector parameter gives 0");
 }
 
-using Change = void (*)(void*& document);
+using WayToChange = void (*)(void*& document);
 
-constexpr Change kChanges[] = {
+constexpr WayToChange kWaysToChange[] = {
     [](void*& /*document*/) {},
     [](void*& document) { OrvML_IO_DeleteOrvInputContent(document); },
     [](void*& document) { OrvML_IO_DeleteOrvOutputContent(document); },
@@ -241,7 +241,7 @@ void useWithChange(void*& document, unsigned choice) {
     changeAttributes(document, kind);
   }
   changeParameters(document);
-  chosen(choice, kChanges)(document);
+  chosen(choice, kWaysToChange)(document);
   const Handle clone(OrvML_IO_NewOrvInputHandle(document));
   exportText(document);
   exportText(clone.get());

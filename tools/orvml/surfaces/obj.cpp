@@ -5,8 +5,6 @@ namespace orvml_tool {
 
 namespace {
 
-constexpr std::size_t kAxes = 3;
-
 void addNode(Surface& surface, const Words& words) {
   if (words.line().size() < 1 + kAxes) {
     words.refuse("a vertex has three coordinates");

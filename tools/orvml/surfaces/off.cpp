@@ -5,8 +5,6 @@ namespace orvml_tool {
 
 namespace {
 
-constexpr int kAxes = 3;
-
 /// A face may have a colour behind its nodes, up to the end of the line.
 void addFace(Surface& surface, Words& words) {
   if (!words.nextLine()) {

@@ -16,13 +16,16 @@ class SurfaceError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+/// Coordinates of a node.
+inline constexpr std::size_t kAxes = 3;
+
 /// Triangles and quadrilaterals in space.
 struct Surface {
-  std::vector<double> coordinates;  // [nodes x 3], row-major
+  std::vector<double> coordinates;  // [nodes x kAxes], row-major
   std::vector<int> triangles;       // [triangles x 3], 0-based
   std::vector<int> quadrilaterals;  // [quadrilaterals x 4], 0-based
 
-  [[nodiscard]] std::size_t numberOfNodes() const noexcept { return coordinates.size() / 3; }
+  [[nodiscard]] std::size_t numberOfNodes() const noexcept { return coordinates.size() / kAxes; }
 
   /// Adds a face of three or four nodes, 0-based; throws for other numbers and for nodes that there
   /// are not.
