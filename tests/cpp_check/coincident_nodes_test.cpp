@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <random>
 
 namespace orvml_io_tests {
@@ -116,8 +117,10 @@ TEST(CoincidentNodes, AreFoundInANumberThatComparingAllWouldNotBearIt) {
 }
 
 TEST(CoincidentNodes, AreFoundInSpiteOfCoordinatesThatAreNotFinite) {
+  constexpr double kInfinity = std::numeric_limits<double>::infinity();
+  constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
   TestMesh mesh;
-  mesh.x = {0, 0, 0, INFINITY, 0, 0, 0, 0, 0, NAN, NAN, NAN, 1, 1, 1, -INFINITY, 1, 1};
+  mesh.x = {0, 0, 0, kInfinity, 0, 0, 0, 0, 0, kNan, kNan, kNan, 1, 1, 1, -kInfinity, 1, 1};
 
   EXPECT_EQ(found(mesh, 1e-10), 1);
 }
