@@ -19,7 +19,7 @@ WRITERS = re.compile(r"[Ww]rit|::make|setText|toRecords|createGroup|holdersOf|is
 
 
 def measured_files(build):
-    for data in sorted(pathlib.Path(build).glob("**/orvml_io_objects.dir/src/hdf5/*.gcda")):
+    for data in sorted(pathlib.Path(build).glob("**/orvml_io_core.dir/src/hdf5/*.gcda")):
         command = ["gcov", "--json-format", "--stdout", "--branch-probabilities", str(data)]
         report = subprocess.run(command, check=True, capture_output=True, text=True).stdout
         yield from json.loads(report)["files"]
