@@ -55,6 +55,9 @@ g++ -std=c++11 example.cpp -o example $(pkg-config --cflags --libs orvml_io)
 ./example
 g++ -std=c++20 cpp_example.cpp -o cpp_example $(pkg-config --cflags --libs orvml)
 ./cpp_example
+orvml new part.h5 --param growth=1.5
+orvml check part.h5
+ls -l /usr/share/orvml/schema
 # What came with the packages goes with them, even what another package would recommend.
 apt-get purge -y -qq --autoremove -o APT::AutoRemove::RecommendsImportant=false \
   -o APT::AutoRemove::SuggestsImportant=false '*orvml*' >apt.log 2>&1 || { cat apt.log; exit 1; }

@@ -91,7 +91,7 @@ void addCheck(CLI::App& app, Run& run) {
       ->capture_default_str()
       ->check(CLI::NonNegativeNumber);
   auto* json = command.add_flag("--json", options->asJson,
-                                "print JSON, as docs/schema/check.schema.json says");
+                                "print JSON, as share/orvml/schema/check.schema.json says");
   command.add_flag("--sarif", options->asSarif, "print a log of SARIF 2.1.0")->excludes(json);
   command.callback([options, &run] {
     run = [options] {

@@ -247,7 +247,8 @@ void addDiff(CLI::App& app, Run& run) {
   command.add_option("B", options->second, "the second exchange file")->required();
   addTolerances(command, *options);
   command.add_flag("-q,--quiet", options->isQuiet, "print nothing");
-  command.add_flag("--json", options->asJson, "print JSON, as docs/schema/diff.schema.json says");
+  command.add_flag("--json", options->asJson,
+                   "print JSON, as share/orvml/schema/diff.schema.json says");
   command.callback([options, &run] { run = [options] { return runDiff(*options); }; });
 }
 

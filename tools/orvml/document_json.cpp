@@ -24,7 +24,7 @@ class Item {
 
   [[noreturn]] void refuse(const std::string& what) const {
     throw Refusal(file_ + ": " + (path_.empty() ? "the document" : printable(path_)) + " " + what,
-                  "docs/schema/document.schema.json says what a document is made of");
+                  "share/orvml/schema/document.schema.json says what a document is made of");
   }
 
   /// The members, none of which may have another name.
@@ -258,7 +258,7 @@ Json parsed(std::string_view text, const std::string& shown) {
     return Json::parse(text);
   } catch (const Json::parse_error& error) {
     throw Refusal(shown + ": is no JSON: " + printable(std::string_view(error.what())),
-                  "docs/schema/document.schema.json says what a document is made of");
+                  "share/orvml/schema/document.schema.json says what a document is made of");
   }
 }
 

@@ -77,7 +77,8 @@ void addInfo(CLI::App& app, Run& run) {
   addFiles(command, options->files);
   command.add_flag("--fast", options->isFast,
                    "read no values: no bounding box, ranges and fingerprints");
-  command.add_flag("--json", options->asJson, "print JSON, as docs/schema/info.schema.json says");
+  command.add_flag("--json", options->asJson,
+                   "print JSON, as share/orvml/schema/info.schema.json says");
   command.callback([options, &run] {
     run = [options] { return options->asJson ? printAsJson(*options) : printText(*options); };
   });

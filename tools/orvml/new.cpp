@@ -141,9 +141,10 @@ void addNew(CLI::App& app, Run& run) {
                                     "orvml new part.h5 --from part.stl --param mesh-size=0.25");
   command.add_option("OUT", options->written, "the file that is written; - is standard output")
       ->required();
-  command.add_option("--from", options->from,
-                     "a document as JSON (docs/schema/document.schema.json), or a surface as .stl, "
-                     ".obj, .off or .ply; - is standard input; without it there is no mesh");
+  command.add_option(
+      "--from", options->from,
+      "a document as JSON (share/orvml/schema/document.schema.json), or a "
+      "surface as .stl, .obj, .off or .ply; - is standard input; without it there is no mesh");
   command
       .add_option("--format", options->format, "json, stl, obj, off or ply, else the ending says")
       ->transform(CLI::CheckedTransformer(sources()).description(""));
