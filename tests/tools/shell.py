@@ -3,6 +3,7 @@ import json
 import os
 import pathlib
 import pty
+import re
 import select
 import subprocess
 import sys
@@ -21,6 +22,8 @@ import exchange_writer  # noqa: E402
 from document import INT, Cells, Document, TypeGroup, Vector  # noqa: E402
 
 COMMAND = pathlib.Path(os.environ["ORVML_COMMAND"])
+COMMANDS = ("info", "check", "diff", "patch", "apply", "text", "extract", "edit", "new",
+            "upgrade", "rescue")
 
 
 def tetrahedron():
@@ -91,6 +94,11 @@ class Shell(unittest.TestCase):
             (SOURCE / f"docs/schema/{schema}.schema.json").read_text())).validate(value)
         return value
 
+    def options_of(self, command):
+        """The long options that the help of a subcommand lists."""
+        printed = self.run_line(f"orvml {command} --help")[1]
+        return set(re.findall(r"(?<![\w-])--[\w-]+", printed.split("Options:")[1].split("Example:")[0]))
+
     def damage(self, name, change):
         """Changes a file by h5py."""
         with h5py.File(self.folder / name, "r+") as file:
@@ -117,5 +125,5 @@ def run_on_terminal(line, folder, environment):
     return os.waitstatus_to_exitcode(status), shown.decode().replace("\r\n", "\n")
 
 
-__all__ = ["COMMAND", "Cells", "Document", "INT", "SOURCE", "Shell", "TypeGroup", "Vector",
+__all__ = ["COMMAND", "COMMANDS", "Cells", "Document", "INT", "SOURCE", "Shell", "TypeGroup", "Vector",
            "documents", "exchange_writer", "run_on_terminal", "tetrahedron"]
