@@ -23,6 +23,7 @@ void addEdit(CLI::App& app, Run& run);
 void addNew(CLI::App& app, Run& run);
 void addUpgrade(CLI::App& app, Run& run);
 void addRescue(CLI::App& app, Run& run);
+void addConvert(CLI::App& app, Run& run);
 
 /// Adds a subcommand with an example at the end of its help.
 inline CLI::App& addSubcommand(CLI::App& app, const std::string& name, const std::string& about,

@@ -46,6 +46,8 @@ class Draft {
   void removeVectorParameter(std::string_view name);
   void removeAttribute(orvml::Entity entity, std::string_view name);
 
+  [[nodiscard]] int dimension() const noexcept { return parts_.dimension; }
+  [[nodiscard]] const orvml::NodesView& nodes() const noexcept { return parts_.nodes; }
   [[nodiscard]] std::size_t sizeOf(orvml::Entity entity) const;
   [[nodiscard]] const orvml::Attributes& attributes(orvml::Entity entity) const;
   [[nodiscard]] const orvml::Attributes& vectorParameters() const {

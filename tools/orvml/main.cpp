@@ -29,6 +29,7 @@ void addCommands(CLI::App& app, Run& run) {
   addNew(app, run);
   addUpgrade(app, run);
   addRescue(app, run);
+  addConvert(app, run);
 }
 
 /// Tells what is wrong with the arguments, or gives the help that was asked for.

@@ -3,6 +3,8 @@
 #include "assignments.h"
 #include "command.h"
 #include "console.h"
+#include "convert/format.h"
+#include "convert/format_error.h"
 #include "document_json.h"
 #include "exit_codes.h"
 #include "file_bytes.h"
@@ -10,7 +12,6 @@
 #include "output_file.h"
 #include "progress.h"
 #include "save_documents.h"
-#include "surfaces/surface.h"
 
 #include <algorithm>
 #include <cctype>
@@ -60,32 +61,19 @@ Source sourceOf(const NewArguments& options) {
   return found->second;
 }
 
-Surface surfaceOf(Source source, std::string_view bytes) {
+/// An input document in space with the surface as its faces.
+Draft draftOfSurface(Source source, std::string_view bytes) {
+  ConversionReport report;  // whose only entries would be of names, which surfaces do not have
   switch (source) {
     case Source::stl:
-      return surfaceFromStl(bytes);
+      return readStl(bytes, {}, report);
     case Source::obj:
-      return surfaceFromObj(bytes);
+      return readObj(bytes, {}, report);
     case Source::off:
-      return surfaceFromOff(bytes);
+      return readOff(bytes, {}, report);
     default:
-      return surfaceFromPly(bytes);
+      return readPly(bytes, {}, report);
   }
-}
-
-/// An input document in space with the surface as its faces.
-Draft draftOf(Surface surface) {
-  Draft draft(orvml::Kind::input, 3);
-  draft.setNodes(std::move(surface.coordinates));
-  std::vector<Draft::Group> groups;
-  if (!surface.triangles.empty()) {
-    groups.push_back({orvml::Shape::triangle, 3, std::move(surface.triangles)});
-  }
-  if (!surface.quadrilaterals.empty()) {
-    groups.push_back({orvml::Shape::quadrilateral, 4, std::move(surface.quadrilaterals)});
-  }
-  draft.setCells(orvml::Entity::faces, std::move(groups));
-  return draft;
 }
 
 Draft draftFrom(const NewArguments& options) {
@@ -99,8 +87,8 @@ Draft draftFrom(const NewArguments& options) {
     return draftFromJson(bytes, shown);
   }
   try {
-    return draftOf(surfaceOf(source, bytes));
-  } catch (const SurfaceError& error) {
+    return draftOfSurface(source, bytes);
+  } catch (const FormatError& error) {
     throw Refusal(shown + ": " + printable(std::string_view(error.what())),
                   "have it written again, as a surface of triangles and quadrilaterals");
   }

@@ -25,7 +25,7 @@ void addFace(Surface& surface, const Words& words) {
   }
   try {
     surface.addFace(nodes);
-  } catch (const SurfaceError& error) {
+  } catch (const FormatError& error) {
     words.refuse(error.what());
   }
 }

@@ -20,7 +20,7 @@ void addFace(Surface& surface, Words& words) {
   }
   try {
     surface.addFace(nodes);
-  } catch (const SurfaceError& error) {
+  } catch (const FormatError& error) {
     words.refuse(error.what());
   }
 }

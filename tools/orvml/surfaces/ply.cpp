@@ -106,7 +106,7 @@ class Numbers {
     const double value = next(type);
     const auto integer = static_cast<std::int64_t>(value);
     if (type.kind == 'f' || static_cast<double>(integer) != value) {
-      throw SurfaceError("the nodes of a face are no integers");
+      throw FormatError("the nodes of a face are no integers");
     }
     return integer;
   }
@@ -134,7 +134,7 @@ class BinaryNumbers final : public Numbers {
 
   double next(const Type& type) override {
     if (bytes_.size() < type.bytes) {
-      throw SurfaceError("the file ends too early");
+      throw FormatError("the file ends too early");
     }
     std::uint64_t bits = 0;
     for (std::size_t i = 0; i < type.bytes; ++i) {
@@ -173,7 +173,7 @@ void readVertex(Surface& surface, const Element& element, Numbers& numbers) {
   std::array<std::optional<double>, 3> point;
   for (const Property& property : element.properties) {
     if (property.countType) {
-      throw SurfaceError("a vertex has a list");
+      throw FormatError("a vertex has a list");
     }
     const double value = numbers.next(property.type);
     const std::size_t axis = property.name.size() == 1 ? std::string_view("xyz").find(property.name)
@@ -184,7 +184,7 @@ void readVertex(Surface& surface, const Element& element, Numbers& numbers) {
   }
   for (const auto& value : point) {
     if (!value) {
-      throw SurfaceError("a vertex has no x, y and z");
+      throw FormatError("a vertex has no x, y and z");
     }
     surface.coordinates.push_back(*value);
   }
@@ -243,7 +243,7 @@ Surface surfaceFromPly(std::string_view bytes) {
     BinaryNumbers numbers(content, header.format == "binary_big_endian");
     return readElements(header, numbers);
   }
-  throw SurfaceError("'" + std::string(header.format) + "' is no format of ply files");
+  throw FormatError("'" + std::string(header.format) + "' is no format of ply files");
 }
 
 }  // namespace orvml_tool

@@ -1,20 +1,16 @@
 #pragma once
 
+#include "convert/format_error.h"
+
 #include <cstddef>
 #include <cstdint>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
 
 /// Readers of surfaces in files of other programs. They take the bytes of a whole file and throw
-/// SurfaceError for what they do not understand; nothing is guessed.
+/// FormatError for what they do not understand; nothing is guessed.
 namespace orvml_tool {
-
-class SurfaceError : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-};
 
 /// Coordinates of a node.
 inline constexpr std::size_t kAxes = 3;

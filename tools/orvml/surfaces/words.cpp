@@ -82,7 +82,7 @@ std::size_t Words::count(std::string_view word) const {
 }
 
 void Words::refuse(const std::string& sentence) const {
-  throw SurfaceError("line " + std::to_string(lineNumber_) + ": " + sentence);
+  throw FormatError("line " + std::to_string(lineNumber_) + ": " + sentence);
 }
 
 }  // namespace orvml_tool

@@ -18,16 +18,16 @@ class Words {
   /// The words of the line.
   [[nodiscard]] const std::vector<std::string_view>& line() const noexcept { return words_; }
 
-  /// The next word of the text, on whatever line; throws SurfaceError at its end.
+  /// The next word of the text, on whatever line; throws FormatError at its end.
   [[nodiscard]] std::string_view next();
 
-  /// These throw SurfaceError for a word that is none.
+  /// These throw FormatError for a word that is none.
   [[nodiscard]] double number(std::string_view word) const;
   [[nodiscard]] std::int64_t integer(std::string_view word) const;
   /// A number that is not negative, and not larger than a file of this size can hold.
   [[nodiscard]] std::size_t count(std::string_view word) const;
 
-  /// Throws SurfaceError with the number of the line.
+  /// Throws FormatError with the number of the line.
   [[noreturn]] void refuse(const std::string& sentence) const;
 
   /// How many bytes were gone through.

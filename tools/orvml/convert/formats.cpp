@@ -1,0 +1,38 @@
+#include "convert/format.h"
+
+#include <algorithm>
+#include <cctype>
+#include <filesystem>
+
+namespace orvml_tool {
+
+std::span<const MeshFormat> foreignFormats() {
+  static const std::vector<MeshFormat> kFormats = {
+      {"stl", {"stl"}, nullptr, readStl},
+      {"ply", {"ply"}, nullptr, readPly},
+      {"obj", {"obj"}, nullptr, readObj},
+      {"off", {"off"}, nullptr, readOff},
+  };
+  return kFormats;
+}
+
+const MeshFormat* formatNamed(std::string_view name) {
+  const auto formats = foreignFormats();
+  const auto found = std::find_if(formats.begin(), formats.end(),
+                                  [&](const MeshFormat& format) { return format.name == name; });
+  return found == formats.end() ? nullptr : &*found;
+}
+
+const MeshFormat* formatOfEnding(const std::string& file) {
+  std::string ending = std::filesystem::path(file).extension().string();
+  std::transform(ending.begin(), ending.end(), ending.begin(),
+                 [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
+  const auto formats = foreignFormats();
+  const auto found = std::find_if(formats.begin(), formats.end(), [&](const MeshFormat& format) {
+    return !ending.empty() && std::find(format.endings.begin(), format.endings.end(),
+                                        ending.substr(1)) != format.endings.end();
+  });
+  return found == formats.end() ? nullptr : &*found;
+}
+
+}  // namespace orvml_tool
