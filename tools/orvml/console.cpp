@@ -56,26 +56,6 @@ std::pair<unsigned char, unsigned char> secondBytes(unsigned char first) {
                           : 0xbf};
 }
 
-/// The bytes of the first character of a text; 0 when it is none that can be shown: no UTF-8, or
-/// one that controls terminals.
-std::size_t characterLength(std::string_view text) {
-  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
-  const std::size_t length = lengthBy(byte(0));
-  if (length == 0 || length > text.size()) {
-    return 0;
-  }
-  if (length == 1) {
-    return byte(0) < 0x20 || byte(0) == 0x7f ? 0 : 1;
-  }
-  const auto [least, greatest] = secondBytes(byte(0));
-  const bool isControl = byte(0) == 0xc2 && byte(1) < 0xa0;
-  bool isWhole = byte(1) >= least && byte(1) <= greatest && !isControl;
-  for (std::size_t i = 2; i < length; ++i) {
-    isWhole = isWhole && byte(i) >= 0x80 && byte(i) <= 0xbf;
-  }
-  return isWhole ? length : 0;
-}
-
 template <class Number>
 std::string textOf(Number value) {
   std::array<char, 32> text = {};
@@ -97,6 +77,24 @@ std::string_view sequenceOf(Colour colour) noexcept {
 }
 
 }  // namespace
+
+std::size_t characterLength(std::string_view text) {
+  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+  const std::size_t length = lengthBy(byte(0));
+  if (length == 0 || length > text.size()) {
+    return 0;
+  }
+  if (length == 1) {
+    return byte(0) < 0x20 || byte(0) == 0x7f ? 0 : 1;
+  }
+  const auto [least, greatest] = secondBytes(byte(0));
+  const bool isControl = byte(0) == 0xc2 && byte(1) < 0xa0;
+  bool isWhole = byte(1) >= least && byte(1) <= greatest && !isControl;
+  for (std::size_t i = 2; i < length; ++i) {
+    isWhole = isWhole && byte(i) >= 0x80 && byte(i) <= 0xbf;
+  }
+  return isWhole ? length : 0;
+}
 
 void print(std::string_view text) {
   if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size()) {

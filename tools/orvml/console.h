@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <stdexcept>
@@ -39,6 +40,10 @@ enum class Colour { bold, red, yellow, cyan, green };
 /// The text in a colour, or as it is.
 [[nodiscard]] std::string coloured(std::string_view text, Colour colour,
                                    Stream stream = Stream::output);
+
+/// The bytes of the first character of a text that is not empty; 0 when it is none that can be shown:
+/// no UTF-8, or one that controls terminals.
+[[nodiscard]] std::size_t characterLength(std::string_view text);
 
 /// A name as it can be shown on one line: control characters as \n or \x1b and bytes that are no
 /// UTF-8 as \xff, all others as they are.

@@ -29,15 +29,27 @@ void ByteSink::flush() {
   writeThrough({block_.data(), used});
 }
 
+void ByteSink::patch(std::uint64_t position, std::string_view bytes) {
+  flush();
+  writeAt(position, bytes);
+}
+
 void ByteSink::writeThrough(std::string_view bytes) {
+  writeAt(written_, bytes);
   written_ += bytes.size();
+}
+
+void ByteSink::writeAt(std::uint64_t position, std::string_view bytes) {
   while (!bytes.empty()) {
-    const ssize_t written = ::write(descriptor_, bytes.data(), bytes.size());
+    const ssize_t written =
+        ::pwrite(descriptor_, bytes.data(), bytes.size(), static_cast<off_t>(position));
     if (written < 0 && errno != EINTR) {
       throw Refusal(printable(file_) + ": cannot be written: " + std::strerror(errno),
                     "make room, or write elsewhere");
     }
-    bytes.remove_prefix(written < 0 ? 0 : static_cast<std::size_t>(written));
+    const std::size_t done = written < 0 ? 0 : static_cast<std::size_t>(written);
+    bytes.remove_prefix(done);
+    position += done;
   }
 }
 

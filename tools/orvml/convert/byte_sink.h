@@ -19,7 +19,7 @@ static_assert(std::endian::native == std::endian::little,
 /// in mapped pages, go from where they are. Throws Refusal when the file cannot be written.
 class ByteSink {
  public:
-  /// @param descriptor  of the open file; it stays open
+  /// @param descriptor  of an empty file that is open; it stays open
   /// @param file        its name, for messages
   ByteSink(int descriptor, std::filesystem::path file);
 
@@ -56,11 +56,15 @@ class ByteSink {
   /// Writes what was collected. Has to be called at the end.
   void flush();
 
+  /// Writes over bytes that were given before, such as sizes that were not known then.
+  void patch(std::uint64_t position, std::string_view bytes);
+
   /// How many bytes were given so far.
   [[nodiscard]] std::uint64_t position() const noexcept { return written_ + used_; }
 
  private:
   void writeThrough(std::string_view bytes);
+  void writeAt(std::uint64_t position, std::string_view bytes);
 
   int descriptor_;
   std::filesystem::path file_;

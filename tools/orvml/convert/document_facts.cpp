@@ -2,9 +2,11 @@
 
 #include "console.h"
 #include "json.h"
-#include "numbers.h"
 
 #include <algorithm>
+#include <array>
+#include <bit>
+#include <charconv>
 #include <climits>
 #include <cmath>
 
@@ -42,9 +44,27 @@ std::string textIn(const Json& json) {
   return text;
 }
 
-/// Texts stand for the numbers that JSON does not have.
+constexpr int kHexadecimal = 16;
+
+/// A number with all its bits: texts of them stand for the numbers that JSON does not have.
+Json asJsonNumber(double value) {
+  if (std::isfinite(value)) {
+    return value;
+  }
+  std::array<char, kHexadecimal> digits = {};
+  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(),
+                                 std::bit_cast<std::uint64_t>(value), kHexadecimal);
+  return std::string(digits.data(), end.ptr);
+}
+
 double numberOf(const Json& json) {
-  return json.is_string() ? numberIn(json.get<std::string>()).value() : json.get<double>();
+  if (!json.is_string()) {
+    return json.get<double>();
+  }
+  const auto digits = json.get<std::string>();
+  std::uint64_t bits = 0;
+  (void)std::from_chars(digits.data(), digits.data() + digits.size(), bits, kHexadecimal);
+  return std::bit_cast<double>(bits);
 }
 
 Json asJsonValues(const Numbers& numbers) {
@@ -52,7 +72,7 @@ Json asJsonValues(const Numbers& numbers) {
       [](const auto& values) {
         Json json = Json::array();
         for (const auto value : values) {
-          json.push_back(asJson(double{static_cast<double>(value)}));
+          json.push_back(asJsonNumber(static_cast<double>(value)));
         }
         return json;
       },
@@ -105,7 +125,7 @@ DocumentFacts::Attribute attributeIn(const Json& json) {
 }
 
 Json jsonOf(const std::pair<std::string, double>& parameter) {
-  return {asJsonText(parameter.first), asJson(parameter.second)};
+  return {asJsonText(parameter.first), asJsonNumber(parameter.second)};
 }
 
 Json jsonOf(const std::pair<std::string, Numbers>& vector) {

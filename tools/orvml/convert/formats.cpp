@@ -8,9 +8,8 @@ namespace orvml_tool {
 
 std::span<const MeshFormat> foreignFormats() {
   static const std::vector<MeshFormat> kFormats = {
-      {"stl", {"stl"}, nullptr, readStl},
-      {"ply", {"ply"}, nullptr, readPly},
-      {"obj", {"obj"}, nullptr, readObj},
+      {"vtu", {"vtu"}, writeVtu, readVtu}, {"stl", {"stl"}, nullptr, readStl},
+      {"ply", {"ply"}, nullptr, readPly},  {"obj", {"obj"}, nullptr, readObj},
       {"off", {"off"}, nullptr, readOff},
   };
   return kFormats;
