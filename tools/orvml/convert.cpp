@@ -313,7 +313,7 @@ void addImportOptions(CLI::App& command, ConvertArguments& options) {
 void addConvert(CLI::App& app, Run& run) {
   auto options = std::make_shared<ConvertArguments>();
   CLI::App& command = addSubcommand(app, "convert", "Convert to and from formats of other programs",
-                                    "orvml convert part.h5 part.stl");
+                                    "orvml convert part.h5 part.vtu");
   command.add_option("IN", options->read, "is read; - is standard input")->required();
   command.add_option("OUT", options->written, "is written; - is standard output")->required();
   addFormats(command, *options);

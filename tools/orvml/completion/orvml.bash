@@ -13,6 +13,8 @@ _orvml() {
     [new]="--from --format --module --module-format --creator --param --vector --attribute --transmit --help"
     [upgrade]="--help"
     [rescue]="--keep-unsound-cells --help"
+    [convert]="--from --to --input --output --only --split --text --compress --older-prisms --sets --dimension
+      --kind --strict --json --help"
   )
   [ "$COMP_CWORD" -lt 2 ] || command=${COMP_WORDS[1]}
   COMPREPLY=()
@@ -20,6 +22,8 @@ _orvml() {
     mapfile -t COMPREPLY < <(compgen -W "${!options[*]} --help --version" -- "$current")
   elif [[ $previous == --format && $command == extract ]]; then
     mapfile -t COMPREPLY < <(compgen -W "text csv json npy" -- "$current")
+  elif [[ $command == convert && ($previous == --from || $previous == --to) ]]; then
+    mapfile -t COMPREPLY < <(compgen -W "exchange vtu stl ply obj off" -- "$current")
   elif [[ $previous == --format ]]; then
     mapfile -t COMPREPLY < <(compgen -W "json stl obj off ply" -- "$current")
   elif [[ $current == -* ]]; then
