@@ -1,0 +1,53 @@
+#!/usr/bin/env python3
+"""Has ParaView open a file and draw it, coloured by an array, and looks at the picture.
+
+    opens.py FILE POINTS CELLS ARRAY PICTURE
+"""
+import sys
+
+from paraview import simple
+from vtkmodules.util.numpy_support import vtk_to_numpy
+from vtkmodules.vtkIOImage import vtkPNGReader
+
+
+def draw(reader, array, picture):
+    view = simple.CreateRenderView()
+    view.ViewSize = [900, 600]
+    view.UseColorPaletteForBackground = 0
+    view.Background = [1, 1, 1]
+    shown = simple.Show(reader, view)
+    shown.Representation = "Surface With Edges"
+    simple.ColorBy(shown, ("POINTS" if array in [data.Name for data in reader.PointData] else "CELLS",
+                           array))
+    simple.GetActiveCamera().Azimuth(30)
+    simple.GetActiveCamera().Elevation(-60)
+    simple.ResetCamera(view)
+    simple.SaveScreenshot(picture, view)
+
+
+def pixels_of(picture):
+    reader = vtkPNGReader()
+    reader.SetFileName(picture)
+    reader.Update()
+    return vtk_to_numpy(reader.GetOutput().GetPointData().GetScalars())
+
+
+def main(path, points, cells, array, picture):
+    reader = simple.OpenDataFile(path)
+    assert reader is not None, "no reader found"
+    reader.UpdatePipeline()
+    found = reader.GetDataInformation()
+    assert (found.GetNumberOfPoints(), found.GetNumberOfCells()) == (int(points), int(cells)), (
+        found.GetNumberOfPoints(), found.GetNumberOfCells())
+    arrays = [data.Name for data in [*reader.PointData, *reader.CellData]]
+    assert array in arrays, arrays
+    draw(reader, array, picture)
+    pixels = pixels_of(picture)
+    drawn = (pixels[:, :3] < 240).any(axis=1).mean()
+    colours = len({tuple(pixel // 32) for pixel in pixels[:, :3]})
+    assert drawn > 0.1 and colours > 20, (drawn, colours)
+    print(f"{path}: {points} points and {cells} cells, drawn on {drawn:.0%} of the picture")
+
+
+if __name__ == "__main__":
+    main(*sys.argv[1:])
