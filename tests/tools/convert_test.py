@@ -59,6 +59,14 @@ class Convert(Shell):
         self.assertEqual(code, 2)
         self.assertIn("--to", told)
 
+    def test_unknown_endings_are_refused_for_what_is_written(self):
+        self.write("part.step", tetrahedron())  # whatever it is called, it is read
+        code, printed, told = self.run_line("orvml convert part.step part.iges")
+        self.assertEqual((code, printed), (2, ""))
+        self.assertIn("part.iges: has an ending that is not known\n  cure: say ", told)
+        for arguments in ("part.hdf", "part.orvml", "part", "part.iges --to exchange"):
+            self.assertEqual(self.run_line(f"orvml convert part.step {arguments}")[0], 0)
+
     def test_document_of_another_format_is_what_is_asked_for(self):
         (self.folder / "part.off").write_text(OFF)
         self.run_line("orvml convert part.off part.h5 --kind output")

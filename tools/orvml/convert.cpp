@@ -45,7 +45,15 @@ struct ConvertArguments {
   ImportOptions imported;
 };
 
-/// The format that was named, else that of the ending; null for exchange files, which have any.
+/// Exchange files are read whatever their ending is. A new one has none, or one of these: a format
+/// that the command does not know must not look as if it had been written.
+bool isEndingOfExchange(const std::string& file) {
+  const std::string ending = std::filesystem::path(file).extension().string();
+  return file == "-" || ending.empty() || ending == ".h5" || ending == ".hdf5" ||
+         ending == ".hdf" || ending == ".orvml";
+}
+
+/// The format that was named, else that of the ending; null for exchange files.
 const MeshFormat* formatOf(const std::string& named, const std::string& file) {
   if (named == kExchange) {
     return nullptr;
@@ -66,6 +74,10 @@ void requireDirections(const ConvertArguments& options, const MeshFormat* from,
   if (to != nullptr && to->writes == nullptr) {
     throw Refusal(printable(options.written) + ": " + nameOf(to) + " is read and not written",
                   "write another format, such as vtu or msh");
+  }
+  if (to == nullptr && options.to.empty() && !isEndingOfExchange(options.written)) {
+    throw Refusal(printable(options.written) + ": has an ending that is not known",
+                  "say what is wanted, as with --to vtu or --to exchange");
   }
   if (options.splits && (to == nullptr || options.written == "-")) {
     throw Refusal("--split is for files of other formats that have names", "leave --split out");
