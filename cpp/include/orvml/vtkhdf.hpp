@@ -17,8 +17,8 @@ namespace orvml {
 
 /// What VTK is to see.
 struct VtkLinkOptions {
-  std::optional<Kind>
-      document;       ///< which one; else the output, or the input where there is no other
+  /// Which document; else the output, or the input where there is no other.
+  std::optional<Kind> document = {};
   bool edges = true;  ///< whether the edges are among the cells
   bool faces = true;
   bool elements = true;
