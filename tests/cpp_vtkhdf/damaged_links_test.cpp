@@ -107,7 +107,7 @@ TEST_P(DamagedFilesLinked, SoundOnesAreLinkedWhatEverTheirFormat) {
 #if defined(__SANITIZE_ADDRESS__)
 constexpr unsigned kFiles = 12;
 #else
-constexpr unsigned kFiles = 60;
+constexpr unsigned kFiles = 24;
 #endif
 
 TEST_P(DamagedFilesLinked, FlippedBitsAreEndured) {

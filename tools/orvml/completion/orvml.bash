@@ -11,6 +11,7 @@ _orvml() {
     [extract]="--format --range --help"
     [edit]="--input --output --param --vector --attribute --transmit --remove --help"
     [new]="--from --format --module --module-format --creator --param --vector --attribute --transmit --help"
+    [link-vtk]="--input --output --cells --turn-prisms --strict --remove --json --help"
     [upgrade]="--help"
     [rescue]="--keep-unsound-cells --help"
   )
