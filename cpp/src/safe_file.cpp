@@ -4,16 +4,19 @@
 
 #include "file_checks.h"
 #include "hdf5/new_file.h"
+#include "positioned_io.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <string>
 #include <system_error>
 #include <utility>
+#include <vector>
 
 namespace orvml::detail {
 
@@ -39,7 +42,18 @@ std::filesystem::path followed(const std::filesystem::path& path) {
 SafeFile::SafeFile(const std::filesystem::path& path, FailureWatch& watch)
     : path_(path), watch_(watch) {
   prepare();
+  openNew();
   create();
+}
+
+SafeFile::SafeFile(const std::filesystem::path& path, FailureWatch& watch, AsCopy /*tag*/)
+    : path_(path), watch_(watch) {
+  prepare();
+  if (!old_.valid()) {
+    throw Error(Code::fileNotFound, "there is no such file", {path_, {}, {}});
+  }
+  openNew();
+  copyOld();
 }
 
 void SafeFile::throwSystemError(int error) const {
@@ -109,29 +123,69 @@ void SafeFile::prepare() {
   }
 }
 
-void SafeFile::create() {
+void SafeFile::openNew() {
   new_ = Descriptor(::open(beside_->name().c_str(), O_RDWR | O_CLOEXEC));
   if (!new_.valid()) {
     throwSystemError(errno);
   }
   bytes_.emplace(new_.get());
+}
+
+orvml_io::PropertyListId SafeFile::access() {
   watch_.forget();
   driver_ = registerFileDriver();
-  const orvml_io::PropertyListId access(H5Pcreate(H5P_FILE_ACCESS));
+  orvml_io::PropertyListId access(H5Pcreate(H5P_FILE_ACCESS));
   if (!writeTo(*bytes_, driver_.get(), access.get())) {
     throwUnwritten();
   }
-  file_ = orvml_io::createAlignedFile(beside_->name().c_str(), access.get());
+  return access;
+}
+
+void SafeFile::create() {
+  file_ = orvml_io::createAlignedFile(beside_->name().c_str(), access().get());
   if (!file_.valid()) {
     throwUnwritten();
   }
 }
 
-void SafeFile::finish(bool flush) {
+void SafeFile::copyOld() {
+  constexpr std::size_t kBlock = std::size_t{1} << 20U;
+  std::vector<char> block(kBlock);
+  const std::uint64_t bytes = lengthOf(old_.get());
+  for (std::uint64_t place = 0; place < bytes; place += kBlock) {
+    const std::size_t count = std::min<std::uint64_t>(kBlock, bytes - place);
+    errno = EIO;  // of a file that has become shorter
+    if (moveAll(::pread, old_.get(), block.data(), count, place) > 0) {
+      throwSystemError(errno);
+    }
+    bytes_->write(place, block.data(), count, false);
+  }
+  if (bytes_->error() != 0) {
+    throwUnwritten();
+  }
+}
+
+/// HDF5 takes space in blocks otherwise, and forgets at the end what it did not use of them: it
+/// could not give it back to anybody who removes what is made now.
+void SafeFile::openCopy() {
+  const orvml_io::PropertyListId properties = access();
+  (void)H5Pset_meta_block_size(properties.get(), 0);
+  (void)H5Pset_small_data_block_size(properties.get(), 0);
+  file_ = orvml_io::FileId(H5Fopen(beside_->name().c_str(), H5F_ACC_RDWR, properties.get()));
+  if (!file_.valid()) {
+    throwUnwritten();
+  }
+}
+
+void SafeFile::close() {
   watch_.forget();
   if (file_.close() < 0 || bytes_->error() != 0) {
     throwUnwritten();
   }
+}
+
+void SafeFile::finish(bool flush) {
+  close();
   if (flush && !beside_->flush()) {
     throwSystemError(errno);
   }

@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <string>
 
 namespace orvml::detail {
 
@@ -19,6 +20,11 @@ class SafeFile {
   ///
   /// @param watch  borrowed
   SafeFile(const std::filesystem::path& path, FailureWatch& watch);
+
+  /// Says that the new file begins as a copy of the old one.
+  struct AsCopy {};
+  /// Makes the copy, not open in HDF5 before openCopy(); throws as above, and Code::fileNotFound.
+  SafeFile(const std::filesystem::path& path, FailureWatch& watch, AsCopy);
   SafeFile(const SafeFile&) = delete;
   SafeFile& operator=(const SafeFile&) = delete;
   SafeFile(SafeFile&&) = delete;
@@ -28,7 +34,16 @@ class SafeFile {
 
   [[nodiscard]] hid_t id() const noexcept { return file_.get(); }
 
-  /// Closes the file and puts it in its place.
+  /// Where the new file lies.
+  [[nodiscard]] const std::string& name() const noexcept { return beside_->name(); }
+
+  /// Opens a copy in HDF5, to be changed.
+  void openCopy();
+
+  /// Closes the file in HDF5. Throws when not all of it was written.
+  void close();
+
+  /// Closes the file, unless that was done, and puts it in its place.
   void finish(bool flush);
 
   /// Throws why the file could not be written.
@@ -38,6 +53,9 @@ class SafeFile {
   void prepare();
   void lockOld(const std::filesystem::path& target);
   void create();
+  void openNew();
+  void copyOld();
+  [[nodiscard]] orvml_io::PropertyListId access();
   [[noreturn]] void throwSystemError(int error) const;
 
   std::filesystem::path path_;

@@ -26,6 +26,8 @@ PAGES = {
     "patch": "Patches",
     "check": "Checks",
     "rescue": "Rescue and upgrade",
+    "vtkhdf": "Files that VTK opens",
+    "conversion": "What conversions keep",
     "interop": "Handles of the flat functions",
     "error": "Errors and findings",
     "shape": "Shapes",

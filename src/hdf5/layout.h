@@ -44,6 +44,10 @@ inline constexpr char kTableFirstField[] = "FIELD_0_NAME";
 inline constexpr char kTableSecondField[] = "FIELD_1_NAME";
 inline constexpr char kParametersVector[] = "/ParametersVector";
 
+// The group that shows VTK a document. The writers of documents never make it.
+inline constexpr char kVtkHdf[] = "/VTKHDF";
+inline constexpr char kLinkedDocument[] = "ORVML_DOCUMENT";
+
 // Positional layouts of formats older than 1.4.
 inline constexpr char kGenericMarkers[] = "/GenericMarkers";
 inline constexpr char kGenericAttributes[] = "/GenericAttributes";

@@ -23,7 +23,7 @@ from document import INT, Cells, Document, TypeGroup, Vector  # noqa: E402
 
 COMMAND = pathlib.Path(os.environ["ORVML_COMMAND"])
 COMMANDS = ("info", "check", "diff", "patch", "apply", "text", "extract", "edit", "new",
-            "upgrade", "rescue", "convert")
+            "upgrade", "rescue", "convert", "link-vtk")
 
 
 def tetrahedron():

@@ -152,16 +152,16 @@ class Written(Vtu):
     def test_attributes_and_parameters_are_arrays(self):
         document = tetrahedron()
         document.cells["Elements"].attributes = {b"size": documents.doubles(3.5),
-                                                 b"a & <b>": documents.ints(-1)}
+                                                 b"a & <b>": documents.ints(-2)}
         self.write("part.h5", document)
         printed = self.convert("part.h5 part.vtu")
         self.assertIn("padded: /OrvInput/Faces has no attribute 'a & <b>' as other cells do; "
-                      "its 4 cells get 0\n", printed)
+                      "its 4 cells get -1\n", printed)
         grid = read_grid(self.folder / "part.vtu")
         data = grid.GetCellData()
         np.testing.assert_array_equal(vtk_to_numpy(grid.GetPointData().GetArray("id")), [4, 3, 2, 1])
         np.testing.assert_array_equal(vtk_to_numpy(data.GetArray("size")), [0.5, 0.25, 1, 2, 3.5])
-        np.testing.assert_array_equal(vtk_to_numpy(data.GetArray("a & <b>")), [0, 0, 0, 0, -1])
+        np.testing.assert_array_equal(vtk_to_numpy(data.GetArray("a & <b>")), [-1, -1, -1, -1, -2])
         np.testing.assert_array_equal(vtk_to_numpy(data.GetArray("orvml.container")),
                                       [2, 2, 2, 2, 3])
         fields = grid.GetFieldData()

@@ -21,6 +21,7 @@ void addText(CLI::App& app, Run& run);
 void addExtract(CLI::App& app, Run& run);
 void addEdit(CLI::App& app, Run& run);
 void addNew(CLI::App& app, Run& run);
+void addLinkVtk(CLI::App& app, Run& run);
 void addUpgrade(CLI::App& app, Run& run);
 void addRescue(CLI::App& app, Run& run);
 void addConvert(CLI::App& app, Run& run);

@@ -1,4 +1,5 @@
 #include <orvml/check.hpp>
+#include <orvml/vtkhdf.hpp>
 
 #include "assignments.h"
 #include "command.h"
@@ -93,7 +94,11 @@ int runEdit(const EditArguments& options) {
     remove(draft, values.named(name, file.shown()), file.shown());
   }
   about(file.path(), [&] { options.assignments.applyTo(draft); });
+  const bool wasLinked = orvml::isLinkedForVtk(file.path());
   written.write([&](const std::filesystem::path& path) { saveDocuments(path, with(draft, old)); });
+  if (wasLinked) {
+    tellNote(file.shown() + ": VTK opens it no more; orvml link-vtk links it again");
+  }
   return kDone;
 }
 

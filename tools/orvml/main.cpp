@@ -27,6 +27,7 @@ void addCommands(CLI::App& app, Run& run) {
   addExtract(app, run);
   addEdit(app, run);
   addNew(app, run);
+  addLinkVtk(app, run);
   addUpgrade(app, run);
   addRescue(app, run);
   addConvert(app, run);

@@ -53,6 +53,10 @@ constexpr Cure kCures[] = {
     {Code::rescueSameFile, "name another file to be written"},
     {Code::upgradeLoses,
      "see what would be lost with orvml check FILE, or make do with orvml rescue"},
+    {Code::conversionLoses, "leave --strict out, or choose --only that it says nothing of"},
+    {Code::conversionBadIndex, "see which with orvml check FILE; orvml rescue leaves them out"},
+    {Code::conversionNoNodes, "choose the other document, or have the file written again"},
+    {Code::vtkGroupOfOthers, "remove the group with the program that made it"},
     {Code::otherVersion, "install the two libraries in one version"}};
 
 std::string_view cureOfRule(std::string_view code) noexcept {

@@ -61,6 +61,12 @@ enum class Code {
   dependsOnLost,
   upgradeLoses,
 
+  // Other formats
+  conversionLoses,
+  conversionBadIndex,
+  conversionNoNodes,
+  vtkGroupOfOthers,
+
   // Use of this interface
   nameNotFound,
   nameTooLong,

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <orvml/check.hpp>
+#include <orvml/conversion.hpp>
 #include <orvml/describe.hpp>
 #include <orvml/diff.hpp>
 #include <orvml/document.hpp>
@@ -15,3 +16,5 @@
 #include <orvml/shape.hpp>
 #include <orvml/version.hpp>
 #include <orvml/view.hpp>
+#include <orvml/vtk_cells.hpp>
+#include <orvml/vtkhdf.hpp>

@@ -7,6 +7,7 @@
 #include "hdf5/links.h"
 #include "hdf5/probes.h"
 #include "hdf5/silence.h"
+#include "vtkhdf/linked_group.h"
 
 #include <algorithm>
 #include <array>
@@ -74,7 +75,7 @@ class StoredFile {
     forEachLink(root, "", [&](const std::string& name) {
       if ("/" + name == layout::kOrvInput || "/" + name == layout::kOrvOutput) {
         checkGroup(root, name, "", &StoredFile::checkDocument);
-      } else {
+      } else if ("/" + name != layout::kVtkHdf || vtkGroupOf(root.id()) != VtkGroup::ofLinkVtk) {
         addForeign("/" + name);
       }
     });

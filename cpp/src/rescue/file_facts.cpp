@@ -8,6 +8,7 @@
 #include "model/names.h"
 #include "opened_file.h"
 #include "rescue/read_document.h"
+#include "vtkhdf/linked_group.h"
 
 #include <algorithm>
 #include <initializer_list>
@@ -124,6 +125,10 @@ FileFacts factsOf(hid_t file, Losses& losses) {
   }
   if (!orvml_io::linkNames(file)) {
     losses.add(Code::objectUnreadable, "/", "cannot be listed, and may have held more");
+  }
+  if (vtkGroupOf(file) == VtkGroup::ofLinkVtk) {
+    losses.addChange(layout::kVtkHdf,
+                     "is left out: it shows what stands elsewhere, and can be linked again");
   }
   facts.version = versionToReadBy(file, facts.statedVersion, losses);
   takeStoredObjects(file, facts, losses);

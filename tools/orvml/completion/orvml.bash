@@ -11,6 +11,7 @@ _orvml() {
     [extract]="--format --range --help"
     [edit]="--input --output --param --vector --attribute --transmit --remove --help"
     [new]="--from --format --module --module-format --creator --param --vector --attribute --transmit --help"
+    [link-vtk]="--input --output --only --older-prisms --strict --remove --json --help"
     [upgrade]="--help"
     [rescue]="--keep-unsound-cells --help"
     [convert]="--from --to --input --output --only --split --text --compress --older-prisms --sets --dimension

@@ -293,7 +293,7 @@ class MeshDraft {
     report_.add(ChangeKind::padded, groupName(entity) + " array '" + array.name + "'",
                 static_cast<std::int64_t>(missing),
                 "has no value for " + std::to_string(missing) + " of them, which get " +
-                    (areInts ? "0" : "nan"));
+                    (areInts ? "-1" : "nan"));
   }
 
   void setNodeArrays() {

@@ -35,7 +35,7 @@ std::vector<JoinedAttribute> joinedAttributes(const orvml::DocumentView& documen
         report.add(ChangeKind::padded, pathOf(document, container), count,
                    "has no attribute '" + std::string(name) + "' as other cells do; its " +
                        counted(count, "cell") + (count == 1 ? " gets " : " get ") +
-                       (all.holdsInts ? "0" : "nan"));
+                       (all.holdsInts ? "-1" : "nan"));
       }
     }
     attributes.push_back(all);

@@ -116,8 +116,9 @@ class GrowingArray {
     std::visit(
         [&](auto& values) {
           using Value = typename std::remove_reference_t<decltype(values)>::value_type;
-          values.resize(std::max(size, wanted),
-                        std::is_same_v<Value, double> ? static_cast<Value>(NAN) : Value{});
+          values.resize(std::max(size, wanted), std::is_same_v<Value, double>
+                                                    ? static_cast<Value>(NAN)
+                                                    : static_cast<Value>(-1));
         },
         values_);
   }

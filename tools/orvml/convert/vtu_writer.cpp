@@ -265,7 +265,7 @@ class VtuWriter {
     const auto size = static_cast<std::size_t>(placed.group.size());
     const auto& attribute = joined.of(placed.container);
     if (!attribute && joined.holdsInts) {
-      writeRepeated(array, 0, size);
+      writeRepeated(array, -1, size);
     } else if (!attribute) {
       writeRepeated(array, std::numeric_limits<double>::quiet_NaN(), size);
     } else if (!attribute->holdsInts()) {

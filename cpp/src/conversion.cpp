@@ -1,0 +1,14 @@
+#include <orvml/conversion.hpp>
+
+#include <array>
+#include <cstddef>
+
+namespace orvml {
+
+std::string_view name(Fate fate) noexcept {
+  constexpr std::array<std::string_view, 7> kNames = {"linked",  "copied",       "split",  "padded",
+                                                      "renamed", "approximated", "dropped"};
+  return kNames[static_cast<std::size_t>(fate)];
+}
+
+}  // namespace orvml
