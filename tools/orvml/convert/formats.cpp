@@ -8,6 +8,8 @@ namespace orvml_tool {
 
 std::span<const MeshFormat> foreignFormats() {
   static const std::vector<MeshFormat> kFormats = {
+      {"inp", {"inp"}, writeInp, nullptr},
+      {"nastran", {"nas", "bdf", "dat"}, writeNastran, nullptr},
       {"stl", {"stl"}, nullptr, readStl},
       {"ply", {"ply"}, nullptr, readPly},
       {"obj", {"obj"}, nullptr, readObj},
