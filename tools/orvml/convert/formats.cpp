@@ -10,10 +10,10 @@ std::span<const MeshFormat> foreignFormats() {
   static const std::vector<MeshFormat> kFormats = {
       {"inp", {"inp"}, writeInp, nullptr},
       {"nastran", {"nas", "bdf", "dat"}, writeNastran, nullptr},
-      {"stl", {"stl"}, nullptr, readStl},
-      {"ply", {"ply"}, nullptr, readPly},
-      {"obj", {"obj"}, nullptr, readObj},
-      {"off", {"off"}, nullptr, readOff},
+      {"stl", {"stl"}, writeStl, readStl},
+      {"ply", {"ply"}, writePly, readPly},
+      {"obj", {"obj"}, writeObj, readObj},
+      {"off", {"off"}, writeOff, readOff},
   };
   return kFormats;
 }
