@@ -65,8 +65,7 @@ SolverCell partedPyramid() {
 SolverCell partedQuadraticPyramid(int nodes) {
   std::vector<MadeNode> made;
   if (nodes == 13) {
-    made.push_back({MadeNode::Place::middleOfQuadrilateral, firstPlaces(4)});
-    made.back().nodes.insert(made.back().nodes.end(), {5, 6, 7, 8});
+    made.push_back({MadeNode::Place::middleOfQuadrilateral, {0, 1, 2, 3, 5, 6, 7, 8}});
   }
   return {{Shape::pyramid, nodes},
           "C3D10",
