@@ -108,6 +108,21 @@ class InpInCalculix(Shell):
         self.assert_sizes(cells, self.volumes("".join(SECTION_OF_KIND.values()), ("EDGES", "FACES", "ELEMENTS")))
 
 
+    def test_pyramids_keep_their_volume_along_either_diagonal(self):
+        random = np.random.default_rng(16)
+        for form in ((PYRAMID, 5), (PYRAMID, 13), (PYRAMID, 19)):
+            points = deformed(reference_nodes(form), random)
+            for least in range(4):  # the corner of the base with the least number
+                with self.subTest(form=form, least=least):
+                    numbers = np.arange(form[1])
+                    numbers[[0, least]] = numbers[[least, 0]]
+                    document = document_of([(form, points)])
+                    document.coordinates = points[numbers]
+                    document.cells["Elements"].connectivities = numbers.astype(INT)
+                    self.convert(document)
+                    found = self.volumes(SECTION_OF_KIND["Elements"], ["ELEMENTS"])
+                    np.testing.assert_allclose(sum(found.values()), expected_size(form, points), rtol=5e-3)
+
     def test_plane_documents_have_elements_of_plane_stress(self):
         random = np.random.default_rng(2)
         cells = [(form, deformed(reference_nodes(form), random) @ np.diag([1.0, 1.0, 0.0]))
@@ -266,7 +281,8 @@ class InpFiles(Shell):
                 middles = np.roll([5, 6, 7, 8], turn)
                 tops, bottoms = np.roll([9, 10, 11, 12], turn), np.roll([14, 15, 16, 17], turn)
                 order = lambda apex, up: [*base, apex, *middles, *up]  # noqa: E731
-                below = [base[0], *base[:0:-1], 13, *middles[::-1], bottoms[0], *bottoms[:0:-1]]
+                # Seen from below, and beginning with another corner.
+                below = [*base[::-1], 13, *middles[[2, 1, 0, 3]], *bottoms[::-1]]
                 document = document_of([((PYRAMID, 13), upper)])
                 document.coordinates = np.vstack([upper, lower[4], lower[9:13]])
                 document.cells["Elements"] = Cells(
