@@ -63,7 +63,7 @@ Source sourceOf(const NewArguments& options) {
 
 /// An input document in space with the surface as its faces.
 Draft draftOfSurface(Source source, std::string_view bytes) {
-  ConversionReport report;  // whose only entries would be of names, which surfaces do not have
+  ConversionReport report;  // of what files have beside a surface, which is all that is asked for
   switch (source) {
     case Source::stl:
       return readStl(bytes, {}, report);

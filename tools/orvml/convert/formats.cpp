@@ -8,9 +8,13 @@ namespace orvml_tool {
 
 std::span<const MeshFormat> foreignFormats() {
   static const std::vector<MeshFormat> kFormats = {
-      {"vtu", {"vtu"}, writeVtu, readVtu}, {"stl", {"stl"}, nullptr, readStl},
-      {"ply", {"ply"}, nullptr, readPly},  {"obj", {"obj"}, nullptr, readObj},
-      {"off", {"off"}, nullptr, readOff},
+      {"vtu", {"vtu"}, writeVtu, readVtu},
+      {"inp", {"inp"}, writeInp, nullptr},
+      {"nastran", {"nas", "bdf", "dat"}, writeNastran, nullptr},
+      {"stl", {"stl"}, writeStl, readStl},
+      {"ply", {"ply"}, writePly, readPly},
+      {"obj", {"obj"}, writeObj, readObj},
+      {"off", {"off"}, writeOff, readOff},
   };
   return kFormats;
 }

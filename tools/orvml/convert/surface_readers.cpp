@@ -1,3 +1,4 @@
+#include "console.h"
 #include "convert/format.h"
 #include "surfaces/surface.h"
 
@@ -7,16 +8,27 @@ namespace orvml_tool {
 
 namespace {
 
-/// A document in space with the surface as its faces.
+/// A document in space with the surface as its faces: of triangles and quadrilaterals, those that
+/// come first are the first group.
 Draft draftOfSurface(Surface surface, const ImportOptions& options, ConversionReport& report) {
+  for (const auto& [name, count] : surface.passedOver) {
+    report.add(ChangeKind::dropped, name, count,
+               "have no place in an exchange file: " + shown(count) + " passed over");
+  }
   ForeignMesh mesh;
   mesh.coordinates = std::move(surface.coordinates);
-  mesh.addRun(orvml::Entity::faces, {orvml::Shape::triangle, 3}, surface.triangles.size() / 3);
-  mesh.addRun(orvml::Entity::faces, {orvml::Shape::quadrilateral, 4},
-              surface.quadrilaterals.size() / 4);
-  mesh.nodeIndices = std::move(surface.triangles);
-  mesh.nodeIndices.insert(mesh.nodeIndices.end(), surface.quadrilaterals.begin(),
-                          surface.quadrilaterals.end());
+  const auto add = [&mesh](orvml::Shape shape, int width, const std::vector<int>& nodes) {
+    mesh.addRun(orvml::Entity::faces, {shape, width},
+                nodes.size() / static_cast<std::size_t>(width));
+    mesh.nodeIndices.insert(mesh.nodeIndices.end(), nodes.begin(), nodes.end());
+  };
+  if (surface.beginsWithQuadrilateral) {
+    add(orvml::Shape::quadrilateral, 4, surface.quadrilaterals);
+  }
+  add(orvml::Shape::triangle, 3, surface.triangles);
+  if (!surface.beginsWithQuadrilateral) {
+    add(orvml::Shape::quadrilateral, 4, surface.quadrilaterals);
+  }
   return draftOf(std::move(mesh), options, report);
 }
 

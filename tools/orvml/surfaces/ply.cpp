@@ -3,7 +3,7 @@
 
 #include <array>
 #include <bit>
-#include <cstring>
+#include <cmath>
 #include <optional>
 #include <utility>
 
@@ -96,30 +96,30 @@ Header headerOf(std::string_view bytes) {
 }
 
 /// The numbers behind the header, one after the other.
-class Numbers {
+class PlyNumbers {
  public:
-  virtual ~Numbers() = default;
+  virtual ~PlyNumbers() = default;
   [[nodiscard]] virtual double next(const Type& type) = 0;
 
   /// A number of nodes, or of a node.
   std::int64_t nextInteger(const Type& type) {
     const double value = next(type);
-    const auto integer = static_cast<std::int64_t>(value);
-    if (type.kind == 'f' || static_cast<double>(integer) != value) {
+    constexpr double kGreatest = 4294967295.0;  // of the types that there are
+    if (type.kind == 'f' || !(std::abs(value) <= kGreatest) || std::trunc(value) != value) {
       throw FormatError("the nodes of a face are no integers");
     }
-    return integer;
+    return static_cast<std::int64_t>(value);
   }
 
  protected:
-  Numbers() = default;
-  Numbers(const Numbers&) = default;
-  Numbers& operator=(const Numbers&) = default;
-  Numbers(Numbers&&) = default;
-  Numbers& operator=(Numbers&&) = default;
+  PlyNumbers() = default;
+  PlyNumbers(const PlyNumbers&) = default;
+  PlyNumbers& operator=(const PlyNumbers&) = default;
+  PlyNumbers(PlyNumbers&&) = default;
+  PlyNumbers& operator=(PlyNumbers&&) = default;
 };
 
-class TextNumbers final : public Numbers {
+class TextNumbers final : public PlyNumbers {
  public:
   explicit TextNumbers(std::string_view text) : words_(text) {}
   double next(const Type&) override { return words_.number(words_.next()); }
@@ -128,7 +128,7 @@ class TextNumbers final : public Numbers {
   Words words_;
 };
 
-class BinaryNumbers final : public Numbers {
+class BinaryNumbers final : public PlyNumbers {
  public:
   BinaryNumbers(std::string_view bytes, bool areSwapped) : bytes_(bytes), areSwapped_(areSwapped) {}
 
@@ -169,7 +169,17 @@ class BinaryNumbers final : public Numbers {
   bool areSwapped_;  // whether the most significant byte comes first
 };
 
-void readVertex(Surface& surface, const Element& element, Numbers& numbers) {
+/// Counts a value that a surface has no place for. Names are told of once and not for ever.
+void passOver(Surface& surface, const Element& element, const Property& property) {
+  constexpr std::size_t kLongest = 40;
+  constexpr std::size_t kMost = 20;
+  const std::string name = std::string(element.name.substr(0, kLongest)) + "." +
+                           std::string(property.name.substr(0, kLongest));
+  const bool isKnown = surface.passedOver.count(name) > 0 || surface.passedOver.size() < kMost;
+  ++surface.passedOver[isKnown ? name : "other properties"];
+}
+
+void readVertex(Surface& surface, const Element& element, PlyNumbers& numbers) {
   std::array<std::optional<double>, 3> point;
   for (const Property& property : element.properties) {
     if (property.countType) {
@@ -180,6 +190,8 @@ void readVertex(Surface& surface, const Element& element, Numbers& numbers) {
                                                        : std::string_view::npos;
     if (axis != std::string_view::npos) {
       point[axis] = value;
+    } else {
+      passOver(surface, element, property);
     }
   }
   for (const auto& value : point) {
@@ -190,40 +202,45 @@ void readVertex(Surface& surface, const Element& element, Numbers& numbers) {
   }
 }
 
-/// Reads a property and returns the values of a list, which is what faces are made of.
-std::vector<std::int64_t> readList(const Property& property, Numbers& numbers, bool areNodes) {
+void readNodes(const Property& property, PlyNumbers& numbers, std::vector<std::int64_t>& nodes) {
   const std::int64_t size = numbers.nextInteger(*property.countType);
-  std::vector<std::int64_t> values;
+  nodes.clear();
   for (std::int64_t i = 0; i < size; ++i) {
-    if (areNodes) {
-      values.push_back(numbers.nextInteger(property.type));
-    } else {
-      (void)numbers.next(property.type);
-    }
+    nodes.push_back(numbers.nextInteger(property.type));
   }
-  return values;
 }
 
-void readOther(Surface& surface, const Element& element, Numbers& numbers) {
+void skipValues(const Property& property, PlyNumbers& numbers) {
+  const std::int64_t size = property.countType ? numbers.nextInteger(*property.countType) : 1;
+  for (std::int64_t i = 0; i < size; ++i) {
+    (void)numbers.next(property.type);
+  }
+}
+
+void readOther(Surface& surface, const Element& element, PlyNumbers& numbers,
+               std::vector<std::int64_t>& nodes) {
   for (const Property& property : element.properties) {
-    const bool areNodes = element.name == "face" &&
+    const bool areNodes = element.name == "face" && property.countType &&
                           (property.name == "vertex_indices" || property.name == "vertex_index");
-    if (!property.countType) {
-      (void)numbers.next(property.type);
-    } else if (const auto values = readList(property, numbers, areNodes); areNodes) {
-      surface.addFace(values);
+    if (areNodes) {
+      readNodes(property, numbers, nodes);
+      surface.addFace(nodes);
+    } else {
+      skipValues(property, numbers);
+      passOver(surface, element, property);
     }
   }
 }
 
-Surface readElements(const Header& header, Numbers& numbers) {
+Surface readElements(const Header& header, PlyNumbers& numbers) {
   Surface surface;
+  std::vector<std::int64_t> nodes;
   for (const Element& element : header.elements) {
     for (std::size_t i = 0; i < element.count && !element.properties.empty(); ++i) {
       if (element.name == "vertex") {
         readVertex(surface, element, numbers);
       } else {
-        readOther(surface, element, numbers);
+        readOther(surface, element, numbers, nodes);
       }
     }
   }

@@ -1,9 +1,11 @@
+#include "surfaces/places.h"
 #include "surfaces/surface.h"
 #include "surfaces/words.h"
 
-#include <array>
+#include <algorithm>
+#include <cctype>
 #include <cstring>
-#include <map>
+#include <utility>
 
 namespace orvml_tool {
 
@@ -13,27 +15,21 @@ constexpr std::size_t kHeaderBytes = 80;
 constexpr std::size_t kFacetBytes = 50;  // a normal and three corners, then two bytes of its own
 constexpr std::size_t kNormalBytes = 12;
 
-using Point = std::array<double, 3>;
-
 /// Corners that become nodes, one for each place.
 class Corners {
  public:
-  void add(Point point) {
-    for (double& value : point) {
-      value += 0.0;  // -0.0 is the same place
-    }
-    const auto next = static_cast<int>(surface.numberOfNodes());
-    const auto [found, isNew] = nodes_.try_emplace(point, next);
-    if (isNew) {
+  void add(const Places::Point& point) {
+    const Places::Number node = places_.numberOf(point);
+    if (node.isNew) {
       surface.coordinates.insert(surface.coordinates.end(), point.begin(), point.end());
     }
-    surface.triangles.push_back(found->second);
+    surface.triangles.push_back(node.value);
   }
 
   Surface surface;
 
  private:
-  std::map<Point, int> nodes_;
+  Places places_;
 };
 
 std::uint32_t wordAt(std::string_view bytes, std::size_t position) {
@@ -57,6 +53,17 @@ bool isBinary(std::string_view bytes) {
          bytes.size() == kHeaderBytes + 4 + kFacetBytes * std::size_t{wordAt(bytes, kHeaderBytes)};
 }
 
+/// What is told of a file that is too short or too long for its facets.
+std::string sizesOf(std::string_view bytes) {
+  if (bytes.size() < kHeaderBytes + 4) {
+    return "";
+  }
+  const std::uint64_t facets = wordAt(bytes, kHeaderBytes);
+  return ": one of " + std::to_string(facets) + " facets has " +
+         std::to_string(kHeaderBytes + 4 + kFacetBytes * facets) + " bytes, this one has " +
+         std::to_string(bytes.size());
+}
+
 Surface fromBinary(std::string_view bytes) {
   Corners corners;
   for (std::size_t facet = kHeaderBytes + 4; facet < bytes.size(); facet += kFacetBytes) {
@@ -64,15 +71,25 @@ Surface fromBinary(std::string_view bytes) {
       const std::size_t place = facet + kNormalBytes + 12 * corner;
       corners.add({floatAt(bytes, place), floatAt(bytes, place + 4), floatAt(bytes, place + 8)});
     }
+    if (bytes[facet + kFacetBytes - 2] != 0 || bytes[facet + kFacetBytes - 1] != 0) {
+      ++corners.surface.passedOver["attribute words of facets"];
+    }
   }
   return std::move(corners.surface);
+}
+
+/// Whether a line is of a kind; some programs write all in capitals.
+bool isLine(const Words& words, std::string_view kind) {
+  const std::string_view word = words.line().front();
+  return std::equal(word.begin(), word.end(), kind.begin(), kind.end(),
+                    [](unsigned char a, unsigned char b) { return std::tolower(a) == b; });
 }
 
 /// Takes the corners of the outer loop of a facet, whose line was read.
 void addFacet(Corners& corners, Words& words) {
   int count = 0;
-  while (words.nextLine() && words.line().front() != "endfacet") {
-    if (words.line().front() != "vertex") {
+  while (words.nextLine() && !isLine(words, "endfacet")) {
+    if (!isLine(words, "vertex")) {
       continue;
     }
     if (words.line().size() != 4 || ++count > 3) {
@@ -88,14 +105,15 @@ void addFacet(Corners& corners, Words& words) {
 
 Surface fromText(std::string_view bytes) {
   Words words(bytes);
-  if (!words.nextLine() || words.line().front() != "solid") {
-    words.refuse("it is neither a text that begins with solid nor a binary file of its size");
+  if (!words.nextLine() || !isLine(words, "solid")) {
+    words.refuse("it is neither a text that begins with solid nor a binary file of its size" +
+                 sizesOf(bytes));
   }
   Corners corners;
   while (words.nextLine()) {
-    if (words.line().front() == "facet") {
+    if (isLine(words, "facet")) {
       addFacet(corners, words);
-    } else if (words.line().front() != "endsolid" && words.line().front() != "solid") {
+    } else if (!isLine(words, "endsolid") && !isLine(words, "solid")) {
       words.refuse("there is something else than facets");
     }
   }

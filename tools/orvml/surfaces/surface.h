@@ -4,6 +4,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -20,12 +22,16 @@ struct Surface {
   std::vector<double> coordinates;  // [nodes x kAxes], row-major
   std::vector<int> triangles;       // [triangles x 3], 0-based
   std::vector<int> quadrilaterals;  // [quadrilaterals x 4], 0-based
+  bool beginsWithQuadrilateral = false;
+
+  /// What of a file does not belong to a surface of nodes and faces, by its name, with its number.
+  std::map<std::string, std::int64_t> passedOver;
 
   [[nodiscard]] std::size_t numberOfNodes() const noexcept { return coordinates.size() / kAxes; }
 
   /// Adds a face of three or four nodes, 0-based; throws for other numbers and for nodes that there
   /// are not.
-  void addFace(const std::vector<std::int64_t>& nodes);
+  void addFace(std::span<const std::int64_t> nodes);
 };
 
 /// Nodes at the same place become one: the format has no others.

@@ -11,16 +11,8 @@ namespace orvml_tool {
 
 namespace {
 
-constexpr std::string_view kBlanks = " \t\r\v\f";
-
-std::vector<std::string_view> split(std::string_view line) {
-  std::vector<std::string_view> words;
-  for (std::size_t begin = line.find_first_not_of(kBlanks); begin != std::string_view::npos;) {
-    const std::size_t end = std::min(line.find_first_of(kBlanks, begin), line.size());
-    words.push_back(line.substr(begin, end - begin));
-    begin = line.find_first_not_of(kBlanks, end);
-  }
-  return words;
+bool isBlank(char letter) {
+  return letter == ' ' || letter == '\t' || letter == '\r' || letter == '\v' || letter == '\f';
 }
 
 std::string quoted(std::string_view word) {
@@ -30,20 +22,43 @@ std::string quoted(std::string_view word) {
 
 }  // namespace
 
+void Words::addWords(std::string_view line) {
+  std::size_t begin = 0;
+  for (std::size_t end = 0; end <= line.size(); ++end) {
+    if (end == line.size() || isBlank(line[end])) {
+      if (end > begin) {
+        words_.push_back(line.substr(begin, end - begin));
+      }
+      begin = end + 1;
+    }
+  }
+}
+
+/// Whether the line goes on: its last word ends with a backslash, which is taken away.
+bool Words::takeBackslash() {
+  if (lines_ == Lines::asTheyAre || words_.empty() || words_.back().back() != '\\') {
+    return false;
+  }
+  words_.back().remove_suffix(1);
+  if (words_.back().empty()) {
+    words_.pop_back();
+  }
+  return true;
+}
+
 bool Words::nextLine() {
-  while (position_ < text_.size()) {
+  words_.clear();
+  nextWord_ = 0;
+  bool goesOn = false;
+  while (position_ < text_.size() && (words_.empty() || goesOn)) {
     const std::size_t end = std::min(text_.find('\n', position_), text_.size());
     const std::string_view line = text_.substr(position_, end - position_);
     position_ = std::min(end + 1, text_.size());
     ++lineNumber_;
-    words_ = split(line.substr(0, line.find('#')));
-    nextWord_ = 0;
-    if (!words_.empty()) {
-      return true;
-    }
+    addWords(line.substr(0, line.find('#')));
+    goesOn = takeBackslash();
   }
-  words_.clear();
-  return false;
+  return !words_.empty();
 }
 
 std::string_view Words::next() {

@@ -11,7 +11,10 @@ namespace orvml_tool {
 /// The words of a text, line by line, with the number of the line for messages.
 class Words {
  public:
-  explicit Words(std::string_view text) : text_(text) {}
+  enum class Lines { asTheyAre, goOnAfterBackslash };
+
+  explicit Words(std::string_view text, Lines lines = Lines::asTheyAre)
+      : text_(text), lines_(lines) {}
 
   /// Goes to the next line that has a word before its "#"; returns whether there is one.
   bool nextLine();
@@ -34,7 +37,11 @@ class Words {
   [[nodiscard]] std::size_t position() const noexcept { return position_; }
 
  private:
+  void addWords(std::string_view line);
+  bool takeBackslash();
+
   std::string_view text_;
+  Lines lines_;
   std::size_t position_ = 0;
   std::size_t lineNumber_ = 0;
   std::size_t nextWord_ = 0;
