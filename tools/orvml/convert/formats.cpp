@@ -8,9 +8,9 @@ namespace orvml_tool {
 
 std::span<const MeshFormat> foreignFormats() {
   static const std::vector<MeshFormat> kFormats = {
-      {"vtu", {"vtu"}, writeVtu, readVtu}, {"stl", {"stl"}, nullptr, readStl},
-      {"ply", {"ply"}, nullptr, readPly},  {"obj", {"obj"}, nullptr, readObj},
-      {"off", {"off"}, nullptr, readOff},
+      {"vtu", {"vtu"}, writeVtu, readVtu}, {"msh", {"msh"}, writeMsh, readMsh},
+      {"stl", {"stl"}, nullptr, readStl},  {"ply", {"ply"}, nullptr, readPly},
+      {"obj", {"obj"}, nullptr, readObj},  {"off", {"off"}, nullptr, readOff},
   };
   return kFormats;
 }
