@@ -55,24 +55,23 @@ MshEntities::MshEntities(const DocumentView& document, std::span<const PlacedGro
     requireAttribute(groups);
   }
   for (const PlacedGroup& placed : groups) {
+    auto& counts = nodeCounts_[placed.group.shape()];
+    if (std::find(counts.begin(), counts.end(), placed.group.nodesPerCell()) == counts.end()) {
+      counts.push_back(placed.group.nodesPerCell());
+    }
     takeValues(placed);
   }
   for (const PlacedGroup& placed : groups) {
     nameOthers(placed, report);
   }
-  if (all_.empty() && document.nodes().size() > 0) {
-    all_[{document.dimension(), 1}];
-  }
   for (const PlacedGroup& placed : groups) {
-    addBoxes(placed);
+    addEntities(placed);
   }
-  // The parts of a whole mesh are as large as it is, or nearly; it is the cheaper one to measure.
-  MshBox whole;
-  for (int node = 0; attribute.empty() && node < document.nodes().size(); ++node) {
-    whole.add(document.nodes()[node]);
+  if (all_.empty() && document.nodes().size() > 0) {
+    all_[{document.dimension(), 1}].group = 1;
   }
-  for (auto& [key, box] : all_) {
-    box = attribute.empty() ? whole : box;
+  if (attribute.empty()) {
+    addWholeBox();
   }
 }
 
@@ -101,7 +100,7 @@ std::span<const int> MshEntities::valuesOf(const PlacedGroup& placed) const {
   return found->ints().subspan(placed.first, static_cast<std::size_t>(placed.group.size()));
 }
 
-MshEntities::Key MshEntities::keyOf(const PlacedGroup& placed, std::span<const int> values,
+MshEntities::Key MshEntities::setOf(const PlacedGroup& placed, std::span<const int> values,
                                     std::size_t cell) const {
   const int dimension = mshDimensionOf(placed.group.shape());
   if (values.empty()) {
@@ -111,13 +110,24 @@ MshEntities::Key MshEntities::keyOf(const PlacedGroup& placed, std::span<const i
   return {dimension, value > 0 ? value : tagOfValue_.at({dimension, value})};
 }
 
+int MshEntities::variantOf(const PlacedGroup& placed) const {
+  const auto& counts = nodeCounts_.at(placed.group.shape());
+  return static_cast<int>(std::find(counts.begin(), counts.end(), placed.group.nodesPerCell()) -
+                          counts.begin());
+}
+
+MshEntities::Key MshEntities::keyOf(const PlacedGroup& placed, Key set) const {
+  const int variant = variantOf(placed);
+  return variant == 0 ? set : Key(set.first, tagOfVariant_.at({set, variant}));
+}
+
 /// The values that are tags already come first, so that the others get tags that are free.
 void MshEntities::takeValues(const PlacedGroup& placed) {
   const int dimension = mshDimensionOf(placed.group.shape());
   int last = 0;
   for (const int value : valuesOf(placed)) {
     if (value > 0 && value != last) {
-      all_[{dimension, value}];
+      taken_.insert({dimension, value});
       last = value;
     }
     requireFew(placed);
@@ -125,7 +135,7 @@ void MshEntities::takeValues(const PlacedGroup& placed) {
 }
 
 void MshEntities::requireFew(const PlacedGroup& placed) const {
-  if (all_.size() > kMostMshEntities) {
+  if (taken_.size() > kMostMshEntities) {
     throw Refusal(printable(attributePath(document_, placed.container, attribute_)) +
                       " has more than " + shown(std::int64_t{kMostMshEntities}) +
                       " values, which are no entities",
@@ -135,10 +145,9 @@ void MshEntities::requireFew(const PlacedGroup& placed) const {
 
 int MshEntities::addFree(int dimension) {
   int& tag = nextTag_.at(static_cast<std::size_t>(dimension));
-  while (all_.contains({dimension, tag})) {
+  while (!taken_.insert({dimension, tag}).second) {
     ++tag;
   }
-  all_[{dimension, tag}];
   return tag;
 }
 
@@ -164,17 +173,33 @@ void MshEntities::nameOthers(const PlacedGroup& placed, ConversionReport& report
   }
 }
 
-void MshEntities::addBoxes(const PlacedGroup& placed) {
-  if (attribute_.empty()) {
-    return;
-  }
+void MshEntities::addEntities(const PlacedGroup& placed) {
   const auto width = static_cast<std::size_t>(placed.group.nodesPerCell());
-  forEachBlock(placed, [&](Key key, std::size_t first, std::size_t cells) {
-    MshBox& box = all_.at(key);
-    for (const int node : placed.group.nodeIndices().subspan(first * width, cells * width)) {
-      box.add(document_.nodes()[node]);
+  const int variant = variantOf(placed);
+  forEachSet(placed, [&](Key set, std::size_t first, std::size_t cells) {
+    if (variant > 0 && !tagOfVariant_.contains({set, variant})) {
+      tagOfVariant_[{set, variant}] = addFree(set.first);
+    }
+    MshEntity& entity = all_[keyOf(placed, set)];
+    entity.group = set.second;
+    if (!attribute_.empty()) {
+      for (const int node : placed.group.nodeIndices().subspan(first * width, cells * width)) {
+        entity.box.add(document_.nodes()[node]);
+      }
     }
   });
+}
+
+/// The containers of a mesh are as large as it is, or nearly, and its nodes alone are measured in
+/// less time than those of all its cells.
+void MshEntities::addWholeBox() {
+  MshBox whole;
+  for (int node = 0; node < document_.nodes().size(); ++node) {
+    whole.add(document_.nodes()[node]);
+  }
+  for (auto& [key, entity] : all_) {
+    entity.box = whole;
+  }
 }
 
 }  // namespace orvml_tool

@@ -13,6 +13,7 @@
 #include <limits>
 #include <map>
 #include <set>
+#include <type_traits>
 
 namespace orvml_tool {
 
@@ -214,30 +215,30 @@ class MshWriter {
   void writeEntities() {
     beginSection("Entities");
     std::array<std::size_t, 4> counts = {};
-    for (const auto& [key, box] : entities_.all()) {
+    for (const auto& [key, entity] : entities_.all()) {
       ++counts.at(static_cast<std::size_t>(key.first));
     }
     for (std::size_t dimension = 0; dimension < counts.size(); ++dimension) {
       putCount(counts.at(dimension), dimension + 1 < counts.size() ? ' ' : '\n');
     }
-    for (const auto& [key, box] : entities_.all()) {
-      writeEntity(key, box);
+    for (const auto& [key, entity] : entities_.all()) {
+      writeEntity(key, entity);
     }
     endSection("Entities");
   }
 
   /// Without entities that bound it, which an exchange file does not know.
-  void writeEntity(MshEntities::Key key, const MshBox& box) {
+  void writeEntity(MshEntities::Key key, const MshEntity& entity) {
     const auto [dimension, tag] = key;
     put(tag, ' ');
-    put(box.least());
+    put(entity.box.least());
     if (dimension > 0) {
-      put(box.greatest());
+      put(entity.box.greatest());
     }
     const char behind = dimension > 0 ? ' ' : '\n';
-    if (entities_.arePhysical()) {
+    if (entities_.areGrouped()) {
       putCount(1, ' ');
-      put(tag, behind);
+      put(entity.group, behind);
     } else {
       putCount(0, behind);
     }
@@ -314,23 +315,35 @@ class MshWriter {
     const auto width = static_cast<std::size_t>(placed.group.nodesPerCell());
     const int* const nodes = placed.group.nodeIndices().data() + first * width;
     const std::uint8_t* const order = placed.cell.order.data();
-    const auto tagOf = [](int node) { return static_cast<std::uint64_t>(node) + 1; };
-    const auto put = [=](auto nodeAt) {
-      return [=](char* out, std::size_t cell) {
-        const int* const ofCell = nodes + cell * width;
-        out = Numbers::put(out, std::uint64_t{tag + cell}, ' ');
-        for (std::size_t i = 0; i + 1 < width; ++i) {
-          out = Numbers::put(out, tagOf(nodeAt(ofCell, i)), ' ');
-        }
-        return Numbers::put(out, tagOf(nodeAt(ofCell, width - 1)), '\n');
-      };
-    };
-    if (order == nullptr) {
-      putEach(cells, width + 1, put([](const int* cell, std::size_t i) { return cell[i]; }));
-    } else {
-      putEach(cells, width + 1,
-              put([=](const int* cell, std::size_t i) { return cell[order[i]]; }));
+    if (order != nullptr) {
+      putCells(nodes, cells, width, tag,
+               [=](const int* cell, std::size_t i) { return cell[order[i]]; });
+      return;
     }
+    const auto inOrder = [](const int* cell, std::size_t i) { return cell[i]; };
+    // The loops over the nodes of the cells that most meshes have are unrolled.
+    if (width == 3) {
+      putCells(nodes, cells, std::integral_constant<std::size_t, 3>(), tag, inOrder);
+    } else if (width == 4) {
+      putCells(nodes, cells, std::integral_constant<std::size_t, 4>(), tag, inOrder);
+    } else if (width == 8) {
+      putCells(nodes, cells, std::integral_constant<std::size_t, 8>(), tag, inOrder);
+    } else {
+      putCells(nodes, cells, width, tag, inOrder);
+    }
+  }
+
+  template <class Width, class NodeAt>
+  void putCells(const int* nodes, std::size_t cells, Width width, std::size_t tag, NodeAt nodeAt) {
+    putEach(cells, width + 1, [=](char* out, std::size_t cell) {
+      const int* const ofCell = nodes + cell * width;
+      out = Numbers::put(out, std::uint64_t{tag + cell}, ' ');
+      for (std::size_t i = 0; i < width; ++i) {
+        out = Numbers::put(out, static_cast<std::uint64_t>(nodeAt(ofCell, i)) + 1,
+                           i + 1 < width ? ' ' : '\n');
+      }
+      return out;
+    });
   }
 
   void beginData(std::string_view section, const std::string& name, std::size_t entries) {
