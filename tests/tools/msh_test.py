@@ -8,6 +8,7 @@ import numpy as np
 
 from cell_forms import FORMS
 from msh_shell import MshShell, cells_of, deformed_cells, setUpModule, tearDownModule  # noqa: F401
+from node_orders import ORDERS
 from shell import INT, Cells, TypeGroup, Vector, documents, tetrahedron
 
 MODES = ("", "--text")
@@ -63,6 +64,11 @@ class Written(MshShell):
                 with self.subTest(form=form, mode=mode):
                     kind, local = self.type_of(form)
                     np.testing.assert_allclose(self.nodes_of_elements(kind)[0], local, atol=1e-15)
+
+    def test_page_about_nodes_says_where_gmsh_has_them(self):
+        for form in (one for one in FORMS if one.dimension > 0):
+            order = ORDERS["Gmsh"].get((form.number, form.nodes), range(form.nodes))
+            np.testing.assert_allclose(form.places[list(order)], self.type_of(form)[1], atol=1e-15)
 
     def test_measures_of_deformed_cells_are_those_of_their_shape_functions(self):
         document, places = deformed_cells(1)
