@@ -24,7 +24,7 @@ _orvml() {
   elif [[ $previous == --format && $command == extract ]]; then
     mapfile -t COMPREPLY < <(compgen -W "text csv json npy" -- "$current")
   elif [[ $command == convert && ($previous == --from || $previous == --to) ]]; then
-    mapfile -t COMPREPLY < <(compgen -W "exchange vtu stl ply obj off" -- "$current")
+    mapfile -t COMPREPLY < <(compgen -W "exchange vtu msh inp nastran stl ply obj off" -- "$current")
   elif [[ $previous == --format ]]; then
     mapfile -t COMPREPLY < <(compgen -W "json stl obj off ply" -- "$current")
   elif [[ $current == -* ]]; then

@@ -203,12 +203,10 @@ std::string textOf(const DocumentFacts& facts) {
 
 std::optional<DocumentFacts> factsIn(std::string_view text) {
   const Json json = Json::parse(text, nullptr, false);
-  if (!json.is_object() || json.value("format", "") != kFormat ||
-      json.value("version", 0) != kVersion) {
-    return std::nullopt;
-  }
   try {
-    return factsOfJson(json);
+    const bool isOurs = json.is_object() && json.value("format", "") == kFormat &&
+                        json.value("version", 0) == kVersion;
+    return isOurs ? std::optional(factsOfJson(json)) : std::nullopt;
   } catch (const std::exception&) {  // changed by who does not know it
     return std::nullopt;
   }

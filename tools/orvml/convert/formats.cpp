@@ -9,6 +9,7 @@ namespace orvml_tool {
 std::span<const MeshFormat> foreignFormats() {
   static const std::vector<MeshFormat> kFormats = {
       {"vtu", {"vtu"}, writeVtu, readVtu},
+      {"msh", {"msh"}, writeMsh, readMsh},
       {"inp", {"inp"}, writeInp, nullptr},
       {"nastran", {"nas", "bdf", "dat"}, writeNastran, nullptr},
       {"stl", {"stl"}, writeStl, readStl},
