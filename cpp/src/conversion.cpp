@@ -6,8 +6,8 @@
 namespace orvml {
 
 std::string_view name(Fate fate) noexcept {
-  constexpr std::array<std::string_view, 7> kNames = {"linked",  "copied",       "split",  "padded",
-                                                      "renamed", "approximated", "dropped"};
+  constexpr std::array<std::string_view, 8> kNames = {
+      "linked", "copied", "turned", "split", "padded", "renamed", "approximated", "dropped"};
   return kNames[static_cast<std::size_t>(fate)];
 }
 

@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
-"""Has ParaView open a file and draw it, coloured by an array, and looks at the picture.
+"""Has ParaView open files and draw them, coloured by an array, and looks at the pictures, which it
+leaves beside the files.
 
-    opens.py FILE POINTS CELLS ARRAY PICTURE
+    opens.py POINTS CELLS ARRAY FILE...
 """
 import sys
 
@@ -32,13 +33,14 @@ def pixels_of(picture):
     return vtk_to_numpy(reader.GetOutput().GetPointData().GetScalars())
 
 
-def main(path, points, cells, array, picture):
+def open_and_draw(path, points, cells, array):
+    picture = f"{path}.png"
     reader = simple.OpenDataFile(path)
     assert reader is not None, "no reader found"
     reader.UpdatePipeline()
     found = reader.GetDataInformation()
-    assert (found.GetNumberOfPoints(), found.GetNumberOfCells()) == (int(points), int(cells)), (
-        found.GetNumberOfPoints(), found.GetNumberOfCells())
+    counts = found.GetNumberOfPoints(), found.GetNumberOfCells()
+    assert counts == (points, cells), counts
     arrays = [data.Name for data in [*reader.PointData, *reader.CellData]]
     assert array in arrays, arrays
     draw(reader, array, picture)
@@ -50,4 +52,6 @@ def main(path, points, cells, array, picture):
 
 
 if __name__ == "__main__":
-    main(*sys.argv[1:])
+    points, cells, array, *files = sys.argv[1:]
+    for file in files:
+        open_and_draw(file, int(points), int(cells), array)

@@ -41,7 +41,7 @@ class LinkVtk(Shell):
         found = self.json_of("orvml link-vtk --json part.hdf", "link-vtk")
         self.assertEqual((found["document"], found["points"], found["cells"]), ("input", 4, 5))
         self.assertEqual((found["bytesBefore"], found["bytesAfter"]), (before, len(self.read())))
-        self.assertEqual({note["fate"] for note in found["notes"]}, {"linked", "copied", "padded"})
+        self.assertEqual({note["kind"] for note in found["changes"]}, {"linked", "copied", "padded"})
         removed = self.json_of("orvml link-vtk --json --remove part.hdf", "link-vtk")
         self.assertEqual((removed["isLinked"], removed["wasLinked"]), (False, True))
 
@@ -64,7 +64,7 @@ class LinkVtk(Shell):
 
     def test_kinds_of_cells_are_chosen(self):
         found = self.json_of("orvml link-vtk --json --strict --only faces part.hdf", "link-vtk")
-        self.assertEqual((found["cells"], {note["fate"] for note in found["notes"]}),
+        self.assertEqual((found["cells"], {note["kind"] for note in found["changes"]}),
                          (4, {"linked", "copied"}))
         self.assertEqual(self.json_of("orvml link-vtk --json --only edges,elements part.hdf",
                                       "link-vtk")["cells"], 1)

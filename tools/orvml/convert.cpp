@@ -177,7 +177,7 @@ void printReport(const ConvertArguments& options, const ConversionReport& report
               (report.isLossless() ? ": everything is there\n" : ": with changes\n");
     }
     for (const Change& change : report.changes()) {
-      text += "  " + name(change.kind) + ": " + printable(change.sentence) + "\n";
+      text += "  " + std::string(name(change.kind)) + ": " + printable(change.sentence) + "\n";
     }
   }
   if (options.written == "-") {
@@ -192,12 +192,11 @@ void refuseChanges(const ConvertArguments& options, const ConversionReport& repo
     return;
   }
   const auto& changes = report.changes();
-  const auto first = std::find_if(changes.begin(), changes.end(), [](const Change& change) {
-    return change.kind != ChangeKind::turned;
-  });
+  const auto first = std::find_if(changes.begin(), changes.end(),
+                                  [](const Change& change) { return isLoss(change.kind); });
   throw Refusal(
-      shownFile(options.read) + ": would not come through whole: " + name(first->kind) + ": " +
-          printable(first->sentence) +
+      shownFile(options.read) + ": would not come through whole: " +
+          std::string(name(first->kind)) + ": " + printable(first->sentence) +
           (changes.size() == 1
                ? ""
                : ", and " + counted(static_cast<std::int64_t>(changes.size()) - 1, "other change")),

@@ -49,7 +49,7 @@ Json asJson(const std::string& file, const orvml::VtkLinkReport& report) {
   Json notes = Json::array();
   for (const orvml::ConversionNote& note : report.notes) {
     notes.push_back(
-        {{"fate", name(note.fate)}, {"object", note.object}, {"sentence", note.sentence}});
+        {{"kind", name(note.fate)}, {"object", note.object}, {"sentence", note.sentence}});
   }
   return {{"file", file},
           {"isLinked", true},
@@ -58,7 +58,7 @@ Json asJson(const std::string& file, const orvml::VtkLinkReport& report) {
           {"cells", report.cells},
           {"bytesBefore", report.bytesBefore},
           {"bytesAfter", report.bytesAfter},
-          {"notes", std::move(notes)}};
+          {"changes", std::move(notes)}};
 }
 
 std::string textOf(const std::string& shown, const orvml::VtkLinkReport& report) {

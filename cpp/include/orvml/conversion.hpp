@@ -9,10 +9,11 @@
 /// What becomes of a document in the form of another program, for nothing changes in silence.
 namespace orvml {
 
-/// What became of something in another form. The first two lose nothing.
+/// What became of something in another form. The first three lose nothing.
 enum class Fate {
   linked,        ///< it is shown where it lies
   copied,        ///< it is there with all its values, as a copy
+  turned,        ///< its nodes come in another order, and mean the same
   split,         ///< it is there in several parts
   padded,        ///< it has values that it did not have, where there have to be some
   renamed,       ///< it has another name
@@ -25,7 +26,7 @@ enum class Fate {
 
 /// Whether something is not as it was.
 [[nodiscard]] constexpr bool isLoss(Fate fate) noexcept {
-  return fate != Fate::linked && fate != Fate::copied;
+  return fate != Fate::linked && fate != Fate::copied && fate != Fate::turned;
 }
 
 /// One thing and what became of it.

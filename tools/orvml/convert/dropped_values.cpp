@@ -23,12 +23,12 @@ void reportDroppedAttributes(const DocumentView& document, Entity entity, std::s
   for (const orvml::Attribute& attribute : document.attributes(entity)) {
     if (!keeps(entity, attribute)) {
       const auto values = static_cast<std::int64_t>(attribute.size());
-      report.add(ChangeKind::dropped, attributePath(document, entity, attribute.name), values,
+      report.add(orvml::Fate::dropped, attributePath(document, entity, attribute.name), values,
                  "has " + counted(values, attribute.holdsInts() ? "integer" : "double") + " that " +
                      std::string(format) + " has no place for");
     } else if (attribute.mustBeTransmitted) {
       report.add(
-          ChangeKind::dropped, attributePath(document, entity, attribute.name), 1,
+          orvml::Fate::dropped, attributePath(document, entity, attribute.name), 1,
           "has its values in " + std::string(format) + ", but not that it must be sent back");
     }
   }
@@ -40,7 +40,7 @@ void reportDroppedNames(const DocumentView& document, std::string_view format,
   if (names.moduleName.empty() && names.moduleFormatVersion.empty() && names.creator.empty()) {
     return;
   }
-  report.add(ChangeKind::dropped, documentPath(document), 1,
+  report.add(orvml::Fate::dropped, documentPath(document), 1,
              "names its module '" + std::string(names.moduleName) + "', the version '" +
                  std::string(names.moduleFormatVersion) + "' and its creator '" +
                  std::string(names.creator) + "', which " + std::string(format) +
@@ -60,12 +60,12 @@ void reportDroppedValues(const DocumentView& document, std::span<const Entity> c
   const std::string without = " that " + std::string(format) + " has no place for";
   const auto parameters = static_cast<std::int64_t>(document.parameters().size());
   if (parameters > 0) {
-    report.add(ChangeKind::dropped, documentPath(document) + "/parameters", parameters,
+    report.add(orvml::Fate::dropped, documentPath(document) + "/parameters", parameters,
                "has " + counted(parameters, "number") + without);
   }
   const auto vectors = static_cast<std::int64_t>(document.vectorParameters().size());
   if (vectors > 0) {
-    report.add(ChangeKind::dropped, documentPath(document) + "/vector parameters", vectors,
+    report.add(orvml::Fate::dropped, documentPath(document) + "/vector parameters", vectors,
                "are " + counted(vectors, "vector") + without);
   }
 }
@@ -73,7 +73,7 @@ void reportDroppedValues(const DocumentView& document, std::span<const Entity> c
 void reportPaddedNodes(const DocumentView& document, ConversionReport& report) {
   if (document.dimension() == 2 && document.nodes().size() > 0) {
     report.add(
-        ChangeKind::padded, pathOf(document, Entity::nodes), document.nodes().size(),
+        orvml::Fate::padded, pathOf(document, Entity::nodes), document.nodes().size(),
         "has " + counted(document.nodes().size(), "node") + " in the plane, which get z = 0");
   }
 }
@@ -81,7 +81,7 @@ void reportPaddedNodes(const DocumentView& document, ConversionReport& report) {
 void reportRoundedNodes(const DocumentView& document, std::int64_t coordinates, double largestError,
                         std::string_view why, ConversionReport& report) {
   if (coordinates > 0) {
-    report.add(ChangeKind::approximated, pathOf(document, Entity::nodes) + "/coordinates",
+    report.add(orvml::Fate::approximated, pathOf(document, Entity::nodes) + "/coordinates",
                coordinates,
                "has " + counted(coordinates, "value") + " with more digits than " +
                    std::string(why) + "; the largest error is " + rounded(largestError));

@@ -200,7 +200,7 @@ class MeshDraft {
       }
     }
     if (turned > 0 && !mesh_.facts) {
-      report_.add(ChangeKind::turned, counted(turned, "prism"), turned,
+      report_.add(orvml::Fate::turned, counted(turned, "prism"), turned,
                   "had a negative volume and got the order of nodes that makes it positive");
     }
   }
@@ -290,7 +290,7 @@ class MeshDraft {
   }
 
   void reportPadded(Entity entity, const ForeignArray& array, std::size_t missing, bool areInts) {
-    report_.add(ChangeKind::padded, groupName(entity) + " array '" + array.name + "'",
+    report_.add(orvml::Fate::padded, groupName(entity) + " array '" + array.name + "'",
                 static_cast<std::int64_t>(missing),
                 "has no value for " + std::to_string(missing) + " of them, which get " +
                     (areInts ? "-1" : "nan"));

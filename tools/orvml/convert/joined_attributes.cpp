@@ -32,7 +32,7 @@ std::vector<JoinedAttribute> joinedAttributes(const orvml::DocumentView& documen
   for (const auto& [name, all] : joined) {
     for (const auto& [container, count] : cells) {
       if (!all.of(container) && count > 0) {
-        report.add(ChangeKind::padded, pathOf(document, container), count,
+        report.add(orvml::Fate::padded, pathOf(document, container), count,
                    "has no attribute '" + std::string(name) + "' as other cells do; its " +
                        counted(count, "cell") + (count == 1 ? " gets " : " get ") +
                        (all.holdsInts ? "-1" : "nan"));

@@ -136,7 +136,7 @@ MshData::Steps MshData::stepsOf(const std::vector<Field>& fields, ConversionRepo
   }
   for (const auto& [name, all] : steps) {
     if (all.size() > 1) {
-      report.add(ChangeKind::split, arrayNamed(name), static_cast<std::int64_t>(all.size()),
+      report.add(orvml::Fate::split, arrayNamed(name), static_cast<std::int64_t>(all.size()),
                  "has " + std::to_string(all.size()) + " time steps, each of which becomes one: '" +
                      name + ".step" + std::to_string(*all.begin()) + "' and so on");
     }
@@ -146,14 +146,14 @@ MshData::Steps MshData::stepsOf(const std::vector<Field>& fields, ConversionRepo
 
 void MshData::report(const Field& field, ConversionReport& report) {
   if (field.strangers > 0) {
-    report.add(ChangeKind::dropped, arrayNamed(field.name),
+    report.add(orvml::Fate::dropped, arrayNamed(field.name),
                static_cast<std::int64_t>(field.strangers),
                "loses " + counted(static_cast<std::int64_t>(field.strangers), "value") +
                    " of nodes or elements that are not there, or were dropped");
   }
   if (field.components.size() > 1) {
     const std::string count = std::to_string(field.components.size());
-    report.add(ChangeKind::split, arrayNamed(field.name),
+    report.add(orvml::Fate::split, arrayNamed(field.name),
                static_cast<std::int64_t>(field.components.size()),
                "has " + count + " components, each of which becomes one: '" + field.name +
                    ".0' and so on");

@@ -166,7 +166,7 @@ void MshEntities::nameOthers(const PlacedGroup& placed, ConversionReport& report
     }
     const int tag = tagOfValue_[{dimension, value}] = addFree(dimension);
     requireFew(placed);
-    report.add(ChangeKind::renamed, attributePath(document_, placed.container, attribute_), 1,
+    report.add(orvml::Fate::renamed, attributePath(document_, placed.container, attribute_), 1,
                "has cells of " + std::to_string(value) + ", which are the entity " +
                    std::to_string(tag) + " of dimension " + std::to_string(dimension) +
                    ": tags of entities are positive");

@@ -356,7 +356,7 @@ class MshReader {
   void reportTags() {
     const auto report = [&](const TagIndex& tags, const std::string& what) {
       if (!tags.areNumbersFromOne()) {
-        report_.add(ChangeKind::renamed, what, static_cast<std::int64_t>(tags.size()),
+        report_.add(orvml::Fate::renamed, what, static_cast<std::int64_t>(tags.size()),
                     "have tags that are not 1, 2, 3 and so on, which are not kept");
       }
     };
@@ -364,7 +364,7 @@ class MshReader {
     report(cellTags_, "elements");
   }
 
-  void reportIf(std::int64_t count, ChangeKind kind, const std::string& object,
+  void reportIf(std::int64_t count, orvml::Fate kind, const std::string& object,
                 const std::string& what) {
     if (count > 0) {
       report_.add(kind, object, count, what);
@@ -373,26 +373,26 @@ class MshReader {
 
   void reportRest() {
     for (const auto& [type, cells] : dropped_) {
-      reportIf(cells, ChangeKind::dropped, counted(cells, "element"),
+      reportIf(cells, orvml::Fate::dropped, counted(cells, "element"),
                "of Gmsh's type " + std::to_string(type) + ", of " +
                    counted(static_cast<std::int64_t>(mshCellOfType(type)->nodes), "node") +
                    ", have no shape in exchange files");
     }
-    reportIf(shortened_, ChangeKind::approximated, counted(shortened_, "pyramid") + " of 14 nodes",
+    reportIf(shortened_, orvml::Fate::approximated, counted(shortened_, "pyramid") + " of 14 nodes",
              "come without the node in the middle of the base, with 13 nodes");
     for (const auto& [name, count] : droppedSections_) {
-      reportIf(count, ChangeKind::dropped, "$" + name, "is not read");
+      reportIf(count, orvml::Fate::dropped, "$" + name, "is not read");
     }
-    reportIf(parametricNodes_, ChangeKind::dropped, counted(parametricNodes_, "node"),
+    reportIf(parametricNodes_, orvml::Fate::dropped, counted(parametricNodes_, "node"),
              "lose their parametric coordinates");
-    reportIf(severalGroups_, ChangeKind::dropped, "$Entities",
+    reportIf(severalGroups_, orvml::Fate::dropped, "$Entities",
              "has entities in several physical groups, of which the first one is kept: " +
                  std::to_string(severalGroups_));
-    reportIf(numberOfNames_, ChangeKind::dropped, "$PhysicalNames",
+    reportIf(numberOfNames_, orvml::Fate::dropped, "$PhysicalNames",
              "is not kept: " + physicalNames_);
-    reportIf(boundaries_ + (hasNodesOnSeveral_ ? 1 : 0), ChangeKind::dropped, "$Entities",
+    reportIf(boundaries_ + (hasNodesOnSeveral_ ? 1 : 0), orvml::Fate::dropped, "$Entities",
              "loses which entities bound which, and which ones nodes lie on");
-    reportIf(data_.numberOfTimes(), ChangeKind::dropped,
+    reportIf(data_.numberOfTimes(), orvml::Fate::dropped,
              counted(data_.numberOfTimes(), "section") + " of values",
              "have a time that is not kept");
   }

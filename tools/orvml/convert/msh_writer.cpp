@@ -150,7 +150,7 @@ class MshWriter {
         std::any_of(groups_.begin(), groups_.end(),
                     [&](const PlacedGroup& placed) { return placed.container == container; });
     if (!hasCells && attribute.size() > 0) {
-      report_.add(ChangeKind::dropped, attributePath(document_, container, attribute.name),
+      report_.add(orvml::Fate::dropped, attributePath(document_, container, attribute.name),
                   static_cast<std::int64_t>(attribute.size()), "goes with all its cells");
       return false;
     }
@@ -161,7 +161,7 @@ class MshWriter {
     facts_.attributes.push_back({entity, std::string(attribute.name), storedName,
                                  attribute.holdsInts(), attribute.mustBeTransmitted});
     if (storedName != attribute.name) {
-      report_.add(ChangeKind::renamed, attributePath(document_, entity, attribute.name), 1,
+      report_.add(orvml::Fate::renamed, attributePath(document_, entity, attribute.name), 1,
                   "is called '" + storedName + "', as a name between quotes on one line can be");
     }
   }
@@ -272,7 +272,7 @@ class MshWriter {
     const auto xyz = document_.nodes().coordinates();
     const auto width = static_cast<std::size_t>(document_.dimension());
     if (width != 3) {
-      report_.add(ChangeKind::padded, pathOf(document_, Entity::nodes),
+      report_.add(orvml::Fate::padded, pathOf(document_, Entity::nodes),
                   static_cast<std::int64_t>(nodes), "get z = 0, which msh has of every node");
     } else if (!Numbers::isText) {
       sink_.writeValues(xyz);
@@ -414,7 +414,7 @@ class MshWriter {
     };
     const auto lost = std::count_if(values.begin(), values.end(), isLost);
     if (lost > 0) {
-      report_.add(ChangeKind::approximated, attributePath(document_, entity, attribute.name), lost,
+      report_.add(orvml::Fate::approximated, attributePath(document_, entity, attribute.name), lost,
                   "has NaN with bits of their own, which text does not have");
     }
   }

@@ -21,7 +21,7 @@ std::vector<PlacedGroup> placedGroups(
       if (cell) {
         placed.push_back({container, group, first, *cell});
       } else if (group.size() > 0) {
-        report.add(ChangeKind::dropped, pathOf(document, container), group.size(),
+        report.add(orvml::Fate::dropped, pathOf(document, container), group.size(),
                    "loses " + countedForm(group.size(), form) + ", which " + std::string(format) +
                        " has no cell for");
       }

@@ -88,18 +88,18 @@ void SolverMesh::report(const Group& group, std::string_view format, std::size_t
   const std::string has = "has " + countedForm(cells, group.cell->form) + ", ";
   const std::string name(group.cell->name);
   if (group.elementsPerCell() > 1) {
-    changes.add(ChangeKind::split, object, cells,
+    changes.add(orvml::Fate::split, object, cells,
                 has + "each of which becomes " + shown(group.elementsPerCell()) + " " + name +
                     " in " + std::string(format));
   }
   if (const std::size_t left = group.cell->nodesLeftOut(); left > 0) {
-    changes.add(ChangeKind::approximated, object, cells,
+    changes.add(orvml::Fate::approximated, object, cells,
                 has + "which become " + name + " without the " +
                     counted(static_cast<std::int64_t>(left), "inner node") + " of each");
   }
   if (!group.cell->made.empty()) {
     const auto made = static_cast<std::int64_t>(madePoints_.size() - madeBefore);
-    changes.add(ChangeKind::padded, object, made,
+    changes.add(orvml::Fate::padded, object, made,
                 has + "which become " + name + " and get " + counted(made, "new node") +
                     " in the middle of edges or faces");
   }

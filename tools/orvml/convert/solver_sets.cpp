@@ -219,7 +219,7 @@ std::string SolverSets::nameOf(Entity entity, const Attribute& attribute) {
     free = wanted.substr(0, kLongestName - suffix.size()) + suffix;
   }
   if (free != attribute.name) {
-    report_.add(ChangeKind::renamed, attributePath(document_, entity, attribute.name), 1,
+    report_.add(orvml::Fate::renamed, attributePath(document_, entity, attribute.name), 1,
                 "becomes sets whose names begin with " + free +
                     ", for which inp has the letters and the place");
   }

@@ -131,12 +131,12 @@ void reportStlNodes(const DocumentView& document, const WrittenSurface& surface,
     }
   });
   if (merged > 0) {
-    report.add(ChangeKind::dropped, pathOf(document, orvml::Entity::nodes), merged,
+    report.add(orvml::Fate::dropped, pathOf(document, orvml::Entity::nodes), merged,
                "has " + counted(merged, "node") +
                    " at the places of others, which become one with them in stl");
   }
   if (moved > 0) {
-    report.add(ChangeKind::turned, pathOf(document, orvml::Entity::nodes), moved,
+    report.add(orvml::Fate::turned, pathOf(document, orvml::Entity::nodes), moved,
                "are numbered by stl in the order in which facets have them");
   }
 }

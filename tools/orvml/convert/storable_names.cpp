@@ -40,7 +40,7 @@ std::string StorableNames::of(std::string_view name) {
   }
   used_.insert(free);
   if (free != name) {
-    report_.add(ChangeKind::renamed, what_ + " '" + std::string(name) + "'", 1,
+    report_.add(orvml::Fate::renamed, what_ + " '" + std::string(name) + "'", 1,
                 "is called '" + free + "', which an exchange file can hold");
   }
   return free;

@@ -12,7 +12,7 @@ namespace {
 /// come first are the first group.
 Draft draftOfSurface(Surface surface, const ImportOptions& options, ConversionReport& report) {
   for (const auto& [name, count] : surface.passedOver) {
-    report.add(ChangeKind::dropped, name, count,
+    report.add(orvml::Fate::dropped, name, count,
                "have no place in an exchange file: " + shown(count) + " passed over");
   }
   ForeignMesh mesh;

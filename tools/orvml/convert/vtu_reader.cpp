@@ -177,7 +177,7 @@ class VtuReader {
             bytes);
         mesh_.facts = factsIn(text);
       } else if (!array.type) {
-        report_.add(ChangeKind::dropped, "field data '" + array.name + "'", 1,
+        report_.add(orvml::Fate::dropped, "field data '" + array.name + "'", 1,
                     "are texts or of a type that is none of numbers");
       } else {
         addParameter(array.name, valuesOf(file_, array, std::nullopt));
@@ -291,7 +291,7 @@ class VtuReader {
                  std::vector<std::pair<std::string, GrowingArray>>& arrays) {
     const std::size_t components = std::max<std::size_t>(1, array.components);
     if (!array.type) {
-      report_.add(ChangeKind::dropped, "the array '" + array.name + "'", 1,
+      report_.add(orvml::Fate::dropped, "the array '" + array.name + "'", 1,
                   "holds texts or a type that is none of numbers");
       return;
     }
@@ -304,7 +304,7 @@ class VtuReader {
       return;
     }
     if (file_.pieces.size() == 1 || before == 0) {
-      report_.add(ChangeKind::split, "the array '" + array.name + "'",
+      report_.add(orvml::Fate::split, "the array '" + array.name + "'",
                   static_cast<std::int64_t>(components),
                   "has " + std::to_string(components) + " components, which become '" + array.name +
                       ".0' and so on");
@@ -334,17 +334,17 @@ class VtuReader {
 
   void reportCells() {
     for (const auto& [cell, count] : dropped_) {
-      report_.add(ChangeKind::dropped, counted(count, "cell"), count,
+      report_.add(orvml::Fate::dropped, counted(count, "cell"), count,
                   "of VTK's type " + std::to_string(cell.first) + " with " +
                       counted(static_cast<std::int64_t>(cell.second), "node") +
                       (count == 1 ? " has" : " have") + " no shape in an exchange file");
     }
     if (turned_ > 0) {
-      report_.add(ChangeKind::turned, counted(turned_, "pixel or voxel"), turned_,
+      report_.add(orvml::Fate::turned, counted(turned_, "pixel or voxel"), turned_,
                   "got the order of nodes of quadrilaterals and hexahedra");
     }
     if (file_.pieces.size() > 1) {
-      report_.add(ChangeKind::turned,
+      report_.add(orvml::Fate::turned,
                   counted(static_cast<std::int64_t>(file_.pieces.size()), "piece"),
                   static_cast<std::int64_t>(file_.pieces.size()),
                   "became one mesh; points at one place stay apart");

@@ -301,7 +301,7 @@ class VtuWriter {
     const auto xyz = document_.nodes().coordinates();
     const bool isPlane = document_.nodes().dimension() == 2;
     if (isPlane && !xyz.empty()) {
-      report_.add(ChangeKind::padded, pathOf(document_, Entity::nodes) + "/coordinates",
+      report_.add(orvml::Fate::padded, pathOf(document_, Entity::nodes) + "/coordinates",
                   document_.nodes().size(), "get z = 0, because vtu has points in space alone");
     }
     declare("Points", "Float64", "Points", " NumberOfComponents=\"3\"",

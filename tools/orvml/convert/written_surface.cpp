@@ -47,7 +47,7 @@ void reportMergedGroups(const orvml::DocumentView& document, Entity container,
     forms.push_back(form);
   }
   if (!areTold) {
-    report.add(ChangeKind::dropped, pathOf(document, container),
+    report.add(orvml::Fate::dropped, pathOf(document, container),
                static_cast<std::int64_t>(groups.size()),
                "has " + counted(static_cast<std::int64_t>(groups.size()), "group") + ", which " +
                    std::string(format) + " tells by their nodes alone");
@@ -124,7 +124,7 @@ void WrittenSurface::addSkin(ConversionReport& report) {
     const CellForm form{group.shape(), group.nodesPerCell()};
     if (group.size() > 0 && !facesOf(form).empty()) {
       report.add(
-          ChangeKind::dropped, pathOf(document_, Entity::elements), group.size(),
+          orvml::Fate::dropped, pathOf(document_, Entity::elements), group.size(),
           "has " + countedForm(group.size(), form) + ", of which " + std::string(content_.format) +
               " gets their part of the skin alone: " + counted(faces, "outer face") + " in all");
     }
@@ -133,7 +133,7 @@ void WrittenSurface::addSkin(ConversionReport& report) {
 
 void WrittenSurface::countFaces(Entity container, ConversionReport& report) {
   const auto add = [&](const Patch& patch, const std::string& how) {
-    report.add(ChangeKind::split, pathOf(document_, container), patch.size(),
+    report.add(orvml::Fate::split, pathOf(document_, container), patch.size(),
                (isSkin_ ? "has a skin of " : "has ") + countedForm(patch.size(), patch.form) +
                    ", each of which becomes " + how);
   };
@@ -164,7 +164,7 @@ void WrittenSurface::chooseNodes(ConversionReport& report) {
   if (unused == 0) {
     return;
   }
-  report.add(ChangeKind::dropped, pathOf(document_, Entity::nodes), unused,
+  report.add(orvml::Fate::dropped, pathOf(document_, Entity::nodes), unused,
              "loses " + counted(unused, "node") + " that no written face has");
   newNumbers_.assign(all, 0);
   int next = 0;

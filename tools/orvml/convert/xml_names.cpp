@@ -32,7 +32,7 @@ std::string XmlNames::of(std::string_view name, const std::string& object) {
   }
   used_.insert(free);
   if (free != name) {
-    report_.add(ChangeKind::renamed, object, 1, "is called '" + free + "' there");
+    report_.add(orvml::Fate::renamed, object, 1, "is called '" + free + "' there");
   }
   return free;
 }
