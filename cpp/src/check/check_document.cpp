@@ -24,7 +24,7 @@ void checkMesh(const CheckedMesh& mesh, const CheckOptions& options, FindingList
   auto places = std::async(options.threads > 1 ? std::launch::async : std::launch::deferred, [&] {
     return checkPlaces(mesh, options.coincidenceTolerance, findings);
   });
-  const bool areApart = checkFaces(mesh, ofNeighbours);
+  const bool areApart = checkFaces(mesh, 1, ofNeighbours);
   checkSurface(mesh, ofNeighbours);
   const bool areSound = places.get();
   checkDuplicates(mesh, !(areSound && areApart), findings);

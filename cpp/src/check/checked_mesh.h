@@ -87,28 +87,35 @@ struct CheckedMesh {
   return isTwice;
 }
 
-/// Calls a function with the index in its group and the nodes of each cell whose nodes exist, of
-/// all blocks that have a node index from `low` to before `high`. Cells that are known to name a
-/// node twice are left out: what else is wrong with them follows from that.
+/// Calls a function with the index in its group and the nodes of each cell of a block whose nodes
+/// exist. Cells that are known to name a node twice are left out: what else is wrong with them
+/// follows from that.
+template <class Function>
+void forEachCellOfBlock(const CheckedGroup& group, std::size_t block, std::int64_t nodes,
+                        Function function) {
+  const int width = group.width();
+  const IndexRange range = group.blocks[block];
+  const auto isNode = [nodes](int node) { return node >= 0 && node < nodes; };
+  const bool areAllNodes = range.lowest >= 0 && range.highest < nodes;
+  const std::int64_t begin = static_cast<std::int64_t>(block) * kCellsPerBlock;
+  const std::int64_t end = std::min<std::int64_t>(begin + kCellsPerBlock, group.cells.size());
+  for (std::int64_t i = begin; i < end; ++i) {
+    const int* cell = group.cell(i);
+    if ((areAllNodes || std::all_of(cell, cell + width, isNode)) &&
+        !(group.hasCollapsed && isCollapsed(cell, width))) {
+      function(i, cell);
+    }
+  }
+}
+
+/// The same for all blocks that have a node index from `low` to before `high`.
 template <class Function>
 void forEachCell(const CheckedGroup& group, std::int64_t nodes, std::int64_t low, std::int64_t high,
                  Function function) {
-  const int width = group.width();
-  const auto isNode = [nodes](int node) { return node >= 0 && node < nodes; };
   for (std::size_t block = 0; block < group.blocks.size(); ++block) {
     const IndexRange range = group.blocks[block];
-    if (range.highest < low || range.lowest >= high) {
-      continue;
-    }
-    const bool areAllNodes = range.lowest >= 0 && range.highest < nodes;
-    const std::int64_t begin = static_cast<std::int64_t>(block) * kCellsPerBlock;
-    const std::int64_t end = std::min<std::int64_t>(begin + kCellsPerBlock, group.cells.size());
-    for (std::int64_t i = begin; i < end; ++i) {
-      const int* cell = group.cell(i);
-      if ((areAllNodes || std::all_of(cell, cell + width, isNode)) &&
-          !(group.hasCollapsed && isCollapsed(cell, width))) {
-        function(i, cell);
-      }
+    if (range.highest >= low && range.lowest < high) {
+      forEachCellOfBlock(group, block, nodes, function);
     }
   }
 }
@@ -149,7 +156,7 @@ void checkDuplicates(const CheckedMesh& mesh, bool ofElements, FindingList& find
 
 /// Faces and volume elements beside each other. Returns whether no two elements are on one side of
 /// a face, as two sound ones with the same nodes are.
-bool checkFaces(const CheckedMesh& mesh, FindingList& findings);
+bool checkFaces(const CheckedMesh& mesh, int threads, FindingList& findings);
 
 /// Faces of a surface, or of a mesh in the plane, beside each other.
 void checkSurface(const CheckedMesh& mesh, FindingList& findings);

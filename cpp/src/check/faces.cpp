@@ -1,6 +1,8 @@
 #include "check/checked_mesh.h"
 #include "check/key_groups.h"
 #include "check/rules.h"
+#include "check/sieved_blocks.h"
+#include "check/task_threads.h"
 
 #include <algorithm>
 #include <utility>
@@ -10,8 +12,8 @@ namespace orvml::detail {
 namespace {
 
 // A key of a face has the hash of its corners in the upper bits.
-constexpr std::uint64_t kIsTurned = 1;        // which way round the corners go
-constexpr std::uint64_t kIsDocumentFace = 2;  // of the faces of the document, not of an element
+constexpr std::uint64_t kIsTurned = kIsOtherSide;    // which way round the corners go
+constexpr std::uint64_t kIsDocumentFace = kIsAsked;  // of the faces of the document, no element's
 constexpr std::uint64_t kFlags = kIsTurned | kIsDocumentFace;
 
 struct FaceKey {
@@ -55,19 +57,20 @@ void scanFace(const FaceCorners& face, const int* nodes, const std::uint64_t* ha
   function(FaceKey{lowest, (sum & ~kFlags) | flags});
 }
 
-/// Calls function(kind, cell, key) with the faces of the cells of a group.
+/// Calls function(cell, key) with the faces of the cells of a block.
 ///
 /// @param kFaces  the faces of the shape, of which the compiler makes straight code
 template <std::size_t Corners, const auto& kFaces, class Function>
-void scanGroup(const CheckedMesh& mesh, const CheckedGroup& group, PlaceKind kind, std::int64_t low,
-               std::int64_t high, Function& function) {
-  const std::uint64_t flags = kind == PlaceKind::face ? kIsDocumentFace : 0;
-  forEachCell(group, mesh.nodes, low, high, [&](std::int64_t i, const int* cell) {
+void scanBlock(const SievedBlock& block, std::int64_t nodes, std::int64_t low, std::int64_t high,
+               Function& function) {
+  const std::uint64_t flags = block.kind == PlaceKind::face ? kIsDocumentFace : 0;
+  const CheckedGroup& group = *block.group;
+  forEachCellOfBlock(group, block.number, nodes, [&](std::int64_t i, const int* cell) {
     std::array<std::uint64_t, Corners> hashes;
     for (std::size_t corner = 0; corner < Corners; ++corner) {
       hashes[corner] = scattered(static_cast<std::uint64_t>(cell[corner]));
     }
-    auto emit = [&](const FaceKey& key) { function(kind, group.first + i, key); };
+    auto emit = [&](const FaceKey& key) { function(group.first + i, key); };
     for (const FaceCorners& face : kFaces) {
       scanFace(face, cell, hashes.data(), flags, low, high, emit);
     }
@@ -78,21 +81,21 @@ constexpr FaceCorners kTriangleItself[] = {{3, {0, 1, 2}}};
 constexpr FaceCorners kQuadrilateralItself[] = {{4, {0, 1, 2, 3}}};
 
 template <class Function>
-void scanGroup(const CheckedMesh& mesh, const CheckedGroup& group, PlaceKind kind, std::int64_t low,
-               std::int64_t high, Function& function) {
-  switch (group.facts->shape) {
+void scanBlock(const SievedBlock& block, std::int64_t nodes, std::int64_t low, std::int64_t high,
+               Function function) {
+  switch (block.group->facts->shape) {
     case Shape::tetrahedron:
-      return scanGroup<4, kTetrahedronFaces>(mesh, group, kind, low, high, function);
+      return scanBlock<4, kTetrahedronFaces>(block, nodes, low, high, function);
     case Shape::hexahedron:
-      return scanGroup<8, kHexahedronFaces>(mesh, group, kind, low, high, function);
+      return scanBlock<8, kHexahedronFaces>(block, nodes, low, high, function);
     case Shape::prism:
-      return scanGroup<6, kPrismFaces>(mesh, group, kind, low, high, function);
+      return scanBlock<6, kPrismFaces>(block, nodes, low, high, function);
     case Shape::pyramid:
-      return scanGroup<5, kPyramidFaces>(mesh, group, kind, low, high, function);
+      return scanBlock<5, kPyramidFaces>(block, nodes, low, high, function);
     case Shape::triangle:
-      return scanGroup<3, kTriangleItself>(mesh, group, kind, low, high, function);
+      return scanBlock<3, kTriangleItself>(block, nodes, low, high, function);
     case Shape::quadrilateral:
-      return scanGroup<4, kQuadrilateralItself>(mesh, group, kind, low, high, function);
+      return scanBlock<4, kQuadrilateralItself>(block, nodes, low, high, function);
     default:
       return;
   }
@@ -102,12 +105,30 @@ void scanGroup(const CheckedMesh& mesh, const CheckedGroup& group, PlaceKind kin
 template <class Function>
 void scanFaces(const CheckedMesh& mesh, std::int64_t low, std::int64_t high, Function function) {
   for (const CheckedCells* cells : {&mesh.elements(), &mesh.faces()}) {
+    const PlaceKind kind = placeKindOf(cells->entity);
     for (const CheckedGroup& group : cells->groups) {
-      if (group.facts != nullptr) {
-        scanGroup(mesh, group, placeKindOf(cells->entity), low, high, function);
+      for (std::size_t i = 0; group.facts != nullptr && i < group.blocks.size(); ++i) {
+        const IndexRange range = group.blocks[i];
+        if (range.highest >= low && range.lowest < high) {
+          scanBlock({&group, i, range, kind}, mesh.nodes, low, high,
+                    [&](std::int64_t cell, const FaceKey& face) { function(kind, cell, face); });
+        }
       }
     }
   }
+}
+
+/// The parts of the nodes where two elements are on one side of a face, or the element that a face
+/// of the document bounds is not on its inner side: nothing is to be said of faces elsewhere.
+NodeParts suspectParts(const CheckedMesh& mesh, std::size_t most, int threads) {
+  const std::vector<SievedBlock> blocks = sievedBlocks(mesh, {Entity::elements, Entity::faces});
+  return suspectParts(
+      blocks, mesh.nodes, most, threads,
+      [&](const SievedBlock& block, KeySieve& sieve) {
+        scanBlock(block, mesh.nodes, sieve.low(), sieve.high(),
+                  [&](std::int64_t, const FaceKey& face) { sieve.add(face.lowest, face.key); });
+      },
+      [](const KeyPieces& keys, KeyJudge& judge) { return judge.areDistinct(keys); });
 }
 
 /// What is said of faces, with the keys of the first few.
@@ -173,10 +194,14 @@ void add(CheckCode code, const CheckedMesh& mesh, FlaggedFaces flagged, const st
 
 }  // namespace
 
-bool checkFaces(const CheckedMesh& mesh, FindingList& findings) {
+bool checkFaces(const CheckedMesh& mesh, int threads, FindingList& findings) {
   const std::int64_t elements = knownCells(mesh.elements(), 3);
   if (elements == 0 || !mesh.areNodesHeld()) {
     return false;
+  }
+  const NodeParts suspects = suspectParts(mesh, mostKeys(elements), threads);
+  if (suspects.empty()) {
+    return true;
   }
   FaceTrouble trouble{false,
                       {findings.places(PlaceKind::face), {}},
@@ -186,7 +211,9 @@ bool checkFaces(const CheckedMesh& mesh, FindingList& findings) {
       mesh.nodes, mostKeys(elements),
       [&](std::int64_t low, std::int64_t high, auto emit) {
         scanFaces(mesh, low, high, [&](PlaceKind, std::int64_t, const FaceKey& face) {
-          emit(face.lowest, face.key);
+          if (suspects.holds(face.lowest)) {
+            emit(face.lowest, face.key);
+          }
         });
       },
       [&](std::int64_t bucket, std::span<const std::uint64_t> keys) {

@@ -1,0 +1,126 @@
+#pragma once
+
+#include "check/hash_company.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <vector>
+
+namespace orvml::detail {
+
+// In a sound mesh no element has the same side of a face as another one, and what is asked of a
+// face is answered by one element. A sieve finds that out with a fraction of the work that it takes
+// to say what is wrong: it names the nodes where something may be, and only their keys have to be
+// brought together.
+
+/// Nodes whose keys are looked at together, as a power of two: so many that their parts of memory
+/// are few, so few that a core's cache holds what is looked up.
+inline constexpr unsigned kBitsOfPart = 11;
+
+/// The last bit of a key tells the two sides of a thing apart.
+inline constexpr std::uint64_t kIsOtherSide = 1;
+/// Of keys that are looked for among the others, and are none of them.
+inline constexpr std::uint64_t kIsAsked = 2;
+
+using KeyPieces = std::vector<std::span<const std::uint64_t>>;
+
+/// Looks at the keys of one part of the nodes after the other.
+class KeyJudge {
+ public:
+  /// Whether no key comes twice, and those that are asked for are among the others.
+  [[nodiscard]] bool areDistinct(const KeyPieces& keys);
+
+ private:
+  void findRepeated(const KeyPieces& keys);
+  void gatherCandidates(const KeyPieces& keys);
+
+  HashSet met_{0, 2};
+  HashSet wanted_{0, 20};
+  std::vector<std::uint64_t> repeated_;  // some that are met for the second time, and a few others
+  std::vector<std::uint64_t> asked_;
+  std::vector<std::uint64_t> candidates_;  // all that may be equal to one of those
+};
+
+/// Whether each key has come as often from one side as from the other.
+[[nodiscard]] bool areBalanced(const KeyPieces& keys) noexcept;
+
+/// Collects the keys of some nodes by parts, in bounded memory. Parts are looked at as soon as
+/// nothing more comes for them, which in a mesh whose numbering is local leaves few of them; where
+/// memory runs out, the parts with the highest nodes are put off to another time.
+class KeySieve {
+ public:
+  /// @param low   a multiple of the nodes of a part, as each limit is but the last
+  /// @param most  keys that may be in memory at once, unless one part alone has more
+  KeySieve(std::int64_t low, std::int64_t high, std::size_t most);
+
+  [[nodiscard]] std::int64_t low() const noexcept { return low_; }
+  /// Lower than it was when parts have been put off.
+  [[nodiscard]] std::int64_t high() const noexcept { return high_; }
+
+  /// Takes a key of a node; those of other nodes are passed over.
+  void add(std::int64_t node, std::uint64_t key) {
+    const auto number = static_cast<std::size_t>(node - low_) >> kBitsOfPart;
+    if (number >= end_) {
+      return;
+    }
+    Part& part = parts_[number];
+    if (part.next == part.end) {
+      extend(number);
+      if (number >= end_) {
+        return;  // put off
+      }
+    }
+    *part.next++ = key;
+  }
+
+  /// Looks at all parts of which no key will come any more.
+  ///
+  /// @param judge  judge(first node of a part, its keys) is called for each part with keys
+  template <class Judge>
+  void finishBefore(std::int64_t node, Judge& judge) {
+    for (; begin_ < end_ && (node >= high_ || lastOf(begin_) < node); ++begin_) {
+      if (parts_[begin_].chunk != nullptr) {
+        gather(parts_[begin_]);
+        judge(low_ + static_cast<std::int64_t>(begin_ << kBitsOfPart), pieces_);
+        release(parts_[begin_]);
+      }
+    }
+  }
+
+ private:
+  static constexpr std::size_t kKeysOfChunk = 255;
+  struct Chunk {
+    Chunk* before;
+    std::array<std::uint64_t, kKeysOfChunk> keys;
+  };
+  struct Part {
+    std::uint64_t* next = nullptr;  // where the next key goes
+    std::uint64_t* end = nullptr;   // of the last chunk
+    Chunk* chunk = nullptr;
+  };
+
+  [[nodiscard]] std::int64_t lastOf(std::size_t part) const noexcept {
+    return low_ + static_cast<std::int64_t>((part + 1) << kBitsOfPart) - 1;
+  }
+  void extend(std::size_t number);
+  void putOff(std::size_t least);
+  [[nodiscard]] Chunk* newChunk();
+  void gather(const Part& part);
+  void release(Part& part) noexcept;
+
+  std::int64_t low_;
+  std::int64_t high_;
+  std::size_t most_;  // in chunks
+  std::size_t held_ = 0;
+  std::size_t begin_ = 0;  // the first part that is not finished
+  std::size_t end_;
+  std::vector<Part> parts_;
+  std::vector<std::unique_ptr<Chunk[]>> memory_;
+  Chunk* free_ = nullptr;
+  KeyPieces pieces_;
+};
+
+}  // namespace orvml::detail
