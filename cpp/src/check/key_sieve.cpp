@@ -1,6 +1,7 @@
 #include "check/key_sieve.h"
 
 #include <algorithm>
+#include <bit>
 
 namespace orvml::detail {
 
@@ -14,65 +15,43 @@ std::size_t sizeOf(const KeyPieces& keys) noexcept {
   return size;
 }
 
-/// Scatters the two sides of a thing, of which there are both nearly always.
-std::uint64_t apart(std::uint64_t key) noexcept {
+/// The other side of a thing is there nearly always, and has to have another place.
+std::uint64_t withSidesApart(std::uint64_t key) noexcept {
   return key ^ ((0 - (key & kIsOtherSide)) & 0x9e3779b97f4a7c15U);
-}
-
-/// Adds a key to a list where it counts, without a branch that nobody can foresee.
-void addIf(bool counts, std::uint64_t key, std::vector<std::uint64_t>& list, std::size_t& size) {
-  list[size] = key;
-  size += counts ? 1 : 0;
 }
 
 }  // namespace
 
-void KeyJudge::findRepeated(const KeyPieces& keys) {
-  // 1.6 keys of a hundred meet the bit of another one.
-  met_.empty(32 * sizeOf(keys));
-  asked_.clear();
-  std::size_t found = 0;
-  for (const auto& piece : keys) {
-    repeated_.resize(found + piece.size());
-    for (const std::uint64_t key : piece) {
-      if ((key & kIsAsked) != 0) {
-        asked_.push_back(key & ~kIsAsked);
-      } else {
-        addIf(met_.add(apart(key)), key, repeated_, found);
-      }
-    }
-  }
-  repeated_.resize(found);
-}
+void KeyJudge::empty(std::size_t keys) { table_.assign(std::bit_ceil(2 * keys + 2), 0); }
 
-void KeyJudge::gatherCandidates(const KeyPieces& keys) {
-  wanted_.empty(32 * (repeated_.size() + asked_.size()));
-  for (const auto* wanted : {&repeated_, &asked_}) {
-    for (const std::uint64_t key : *wanted) {
-      (void)wanted_.add(apart(key));
-    }
+/// Where a key is, or where it goes.
+std::uint64_t* KeyJudge::placeOf(std::uint64_t key) noexcept {
+  const std::size_t last = table_.size() - 1;
+  std::size_t place = (withSidesApart(key) >> 2U) & last;
+  while (table_[place] != 0 && table_[place] != key) {
+    place = (place + 1) & last;
   }
-  std::size_t found = 0;
-  for (const auto& piece : keys) {
-    candidates_.resize(found + piece.size());
-    for (const std::uint64_t key : piece) {
-      addIf((key & kIsAsked) == 0 && wanted_.holds(apart(key)), key, candidates_, found);
-    }
-  }
-  candidates_.resize(found);
-  std::sort(candidates_.begin(), candidates_.end());
+  return &table_[place];
 }
 
 bool KeyJudge::areDistinct(const KeyPieces& keys) {
-  findRepeated(keys);
-  if (repeated_.empty() && asked_.empty()) {
-    return true;
+  empty(sizeOf(keys));
+  asked_.clear();
+  for (const auto& piece : keys) {
+    for (const std::uint64_t key : piece) {
+      if ((key & kIsAsked) != 0) {
+        asked_.push_back(key & ~kIsAsked);
+        continue;
+      }
+      std::uint64_t* place = placeOf(key);
+      if (*place == key) {
+        return false;
+      }
+      *place = key;
+    }
   }
-  gatherCandidates(keys);
-  return std::adjacent_find(candidates_.begin(), candidates_.end()) == candidates_.end() &&
-         std::all_of(asked_.begin(), asked_.end(), [&](std::uint64_t key) {
-           return std::binary_search(candidates_.begin(), candidates_.end(), key);
-         });
+  return std::all_of(asked_.begin(), asked_.end(),
+                     [&](std::uint64_t key) { return *placeOf(key) == key; });
 }
 
 bool areBalanced(const KeyPieces& keys) noexcept {

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "check/hash_company.h"
-
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -17,8 +15,8 @@ namespace orvml::detail {
 // brought together.
 
 /// Nodes whose keys are looked at together, as a power of two: so many that their parts of memory
-/// are few, so few that a core's cache holds what is looked up.
-inline constexpr unsigned kBitsOfPart = 11;
+/// are few, so few that a core's cache holds the set of their keys.
+inline constexpr unsigned kBitsOfPart = 8;
 
 /// The last bit of a key tells the two sides of a thing apart.
 inline constexpr std::uint64_t kIsOtherSide = 1;
@@ -34,14 +32,11 @@ class KeyJudge {
   [[nodiscard]] bool areDistinct(const KeyPieces& keys);
 
  private:
-  void findRepeated(const KeyPieces& keys);
-  void gatherCandidates(const KeyPieces& keys);
+  void empty(std::size_t keys);
+  [[nodiscard]] std::uint64_t* placeOf(std::uint64_t key) noexcept;
 
-  HashSet met_{0, 2};
-  HashSet wanted_{0, 20};
-  std::vector<std::uint64_t> repeated_;  // some that are met for the second time, and a few others
+  std::vector<std::uint64_t> table_;  // at most half full; 0 is free
   std::vector<std::uint64_t> asked_;
-  std::vector<std::uint64_t> candidates_;  // all that may be equal to one of those
 };
 
 /// Whether each key has come as often from one side as from the other.
@@ -91,7 +86,7 @@ class KeySieve {
   }
 
  private:
-  static constexpr std::size_t kKeysOfChunk = 255;
+  static constexpr std::size_t kKeysOfChunk = 127;
   struct Chunk {
     Chunk* before;
     std::array<std::uint64_t, kKeysOfChunk> keys;
