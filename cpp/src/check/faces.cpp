@@ -34,68 +34,95 @@ std::uint64_t turnOf(int a, int b, int c, int d) noexcept {
   return ((b < d) != (c < a)) != isLowestAmongBD ? kIsTurned : 0;
 }
 
-/// Calls a function with the lowest corner and the key of a face, if the corner is from `low` to
-/// before `high`.
+/// The nodes whose faces are looked for: a face belongs to its lowest one.
+struct NodeRange {
+  std::int64_t low;
+  std::int64_t high;
+
+  [[nodiscard]] bool holds(int node) const noexcept { return node >= low && node < high; }
+};
+
+// The number of a face is known to the compiler, which makes straight code of all faces of a cell
+// and compares two corners once for all of them.
+
+template <const auto& kFaces, std::size_t kFace>
+int lowestOf(const int* nodes) noexcept {
+  constexpr FaceCorners kCorners = kFaces[kFace];
+  constexpr auto c = kCorners.corners;
+  const int lowest = std::min({nodes[c[0]], nodes[c[1]], nodes[c[2]]});
+  return kCorners.count == 4 ? std::min(lowest, nodes[c[3]]) : lowest;
+}
+
+/// The key of a face.
 ///
 /// @param hashes  those of the nodes, by the same numbers as the nodes
-template <class Function>
-void scanFace(const FaceCorners& face, const int* nodes, const std::uint64_t* hashes,
-              std::uint64_t flags, std::int64_t low, std::int64_t high, Function& function) {
-  const auto& c = face.corners;
-  int lowest = std::min({nodes[c[0]], nodes[c[1]], nodes[c[2]]});
-  lowest = face.count == 4 ? std::min(lowest, nodes[c[3]]) : lowest;
-  if (lowest < low || lowest >= high) {
+template <const auto& kFaces, std::size_t kFace>
+std::uint64_t keyOf(const int* nodes, const std::uint64_t* hashes) noexcept {
+  constexpr FaceCorners kCorners = kFaces[kFace];
+  constexpr auto c = kCorners.corners;
+  const std::uint64_t sum = hashes[c[0]] + hashes[c[1]] + hashes[c[2]];
+  if constexpr (kCorners.count == 4) {
+    return ((sum + hashes[c[3]]) & ~kFlags) |
+           turnOf(nodes[c[0]], nodes[c[1]], nodes[c[2]], nodes[c[3]]);
+  } else {
+    return (sum & ~kFlags) | turnOf(nodes[c[0]], nodes[c[1]], nodes[c[2]]);
+  }
+}
+
+/// Calls a function with those faces of a cell that belong to a range of nodes.
+template <std::size_t kCorners, const auto& kFaces, std::size_t... kFace, class Function>
+void scanCell(const int* cell, NodeRange range, std::index_sequence<kFace...> /*faces*/,
+              Function function) {
+  std::array<int, kCorners> nodes;
+  std::copy_n(cell, kCorners, nodes.begin());
+  const std::array<int, sizeof...(kFace)> lowest = {lowestOf<kFaces, kFace>(nodes.data())...};
+  if (!(range.holds(lowest[kFace]) || ...)) {
     return;
   }
-  std::uint64_t sum = hashes[c[0]] + hashes[c[1]] + hashes[c[2]];
-  if (face.count == 4) {
-    sum += hashes[c[3]];
-    flags |= turnOf(nodes[c[0]], nodes[c[1]], nodes[c[2]], nodes[c[3]]);
-  } else {
-    flags |= turnOf(nodes[c[0]], nodes[c[1]], nodes[c[2]]);
+  std::array<std::uint64_t, kCorners> hashes;
+  for (std::size_t corner = 0; corner < kCorners; ++corner) {
+    hashes[corner] = scattered(static_cast<std::uint64_t>(nodes[corner]));
   }
-  function(FaceKey{lowest, (sum & ~kFlags) | flags});
+  const auto tell = [&](int node, std::uint64_t key) {
+    if (range.holds(node)) {
+      function(FaceKey{node, key});
+    }
+  };
+  (tell(lowest[kFace], keyOf<kFaces, kFace>(nodes.data(), hashes.data())), ...);
 }
 
 /// Calls function(cell, key) with the faces of the cells of a block.
-///
-/// @param kFaces  the faces of the shape, of which the compiler makes straight code
-template <std::size_t Corners, const auto& kFaces, class Function>
-void scanBlock(const SievedBlock& block, std::int64_t nodes, std::int64_t low, std::int64_t high,
-               Function& function) {
+template <std::size_t kCorners, const auto& kFaces, class Function>
+void scanBlock(const SievedBlock& block, std::int64_t nodes, NodeRange range, Function& function) {
   const std::uint64_t flags = block.kind == PlaceKind::face ? kIsDocumentFace : 0;
   const CheckedGroup& group = *block.group;
-  forEachCellOfBlock(group, block.number, nodes, [&](std::int64_t i, const int* cell) {
-    std::array<std::uint64_t, Corners> hashes;
-    for (std::size_t corner = 0; corner < Corners; ++corner) {
-      hashes[corner] = scattered(static_cast<std::uint64_t>(cell[corner]));
-    }
-    auto emit = [&](const FaceKey& key) { function(group.first + i, key); };
-    for (const FaceCorners& face : kFaces) {
-      scanFace(face, cell, hashes.data(), flags, low, high, emit);
-    }
-  });
+  forEachCellOfBlock(
+      group, block.number, nodes, group.hasCollapsed, [&](std::int64_t i, const int* cell) {
+        scanCell<kCorners, kFaces>(
+            cell, range, std::make_index_sequence<std::size(kFaces)>(), [&](const FaceKey& face) {
+              function(group.first + i, FaceKey{face.lowest, face.key | flags});
+            });
+      });
 }
 
 constexpr FaceCorners kTriangleItself[] = {{3, {0, 1, 2}}};
 constexpr FaceCorners kQuadrilateralItself[] = {{4, {0, 1, 2, 3}}};
 
 template <class Function>
-void scanBlock(const SievedBlock& block, std::int64_t nodes, std::int64_t low, std::int64_t high,
-               Function function) {
+void scanBlock(const SievedBlock& block, std::int64_t nodes, NodeRange range, Function function) {
   switch (block.group->facts->shape) {
     case Shape::tetrahedron:
-      return scanBlock<4, kTetrahedronFaces>(block, nodes, low, high, function);
+      return scanBlock<4, kTetrahedronFaces>(block, nodes, range, function);
     case Shape::hexahedron:
-      return scanBlock<8, kHexahedronFaces>(block, nodes, low, high, function);
+      return scanBlock<8, kHexahedronFaces>(block, nodes, range, function);
     case Shape::prism:
-      return scanBlock<6, kPrismFaces>(block, nodes, low, high, function);
+      return scanBlock<6, kPrismFaces>(block, nodes, range, function);
     case Shape::pyramid:
-      return scanBlock<5, kPyramidFaces>(block, nodes, low, high, function);
+      return scanBlock<5, kPyramidFaces>(block, nodes, range, function);
     case Shape::triangle:
-      return scanBlock<3, kTriangleItself>(block, nodes, low, high, function);
+      return scanBlock<3, kTriangleItself>(block, nodes, range, function);
     case Shape::quadrilateral:
-      return scanBlock<4, kQuadrilateralItself>(block, nodes, low, high, function);
+      return scanBlock<4, kQuadrilateralItself>(block, nodes, range, function);
     default:
       return;
   }
@@ -103,14 +130,14 @@ void scanBlock(const SievedBlock& block, std::int64_t nodes, std::int64_t low, s
 
 /// Calls function(kind, cell, key) with the faces of the volume elements and of the document.
 template <class Function>
-void scanFaces(const CheckedMesh& mesh, std::int64_t low, std::int64_t high, Function function) {
+void scanFaces(const CheckedMesh& mesh, NodeRange nodes, Function function) {
   for (const CheckedCells* cells : {&mesh.elements(), &mesh.faces()}) {
     const PlaceKind kind = placeKindOf(cells->entity);
     for (const CheckedGroup& group : cells->groups) {
       for (std::size_t i = 0; group.facts != nullptr && i < group.blocks.size(); ++i) {
         const IndexRange range = group.blocks[i];
-        if (range.highest >= low && range.lowest < high) {
-          scanBlock({&group, i, range, kind}, mesh.nodes, low, high,
+        if (range.highest >= nodes.low && range.lowest < nodes.high) {
+          scanBlock({&group, i, range, kind}, mesh.nodes, nodes,
                     [&](std::int64_t cell, const FaceKey& face) { function(kind, cell, face); });
         }
       }
@@ -125,7 +152,7 @@ NodeParts suspectParts(const CheckedMesh& mesh, std::size_t most, int threads) {
   return suspectParts(
       blocks, mesh.nodes, most, threads,
       [&](const SievedBlock& block, KeySieve& sieve) {
-        scanBlock(block, mesh.nodes, sieve.low(), sieve.high(),
+        scanBlock(block, mesh.nodes, {sieve.low(), sieve.high()},
                   [&](std::int64_t, const FaceKey& face) { sieve.add(face.lowest, face.key); });
       },
       [](const KeyPieces& keys, KeyJudge& judge) { return judge.areDistinct(keys); });
@@ -174,7 +201,7 @@ void judge(std::int64_t bucket, std::span<const std::uint64_t> same, int most,
 /// The elements or faces of the first few keys.
 void tellPlaces(const CheckedMesh& mesh, FlaggedFaces& flagged) {
   std::sort(flagged.keys.begin(), flagged.keys.end());
-  scanFaces(mesh, 0, mesh.nodes, [&](PlaceKind kind, std::int64_t cell, const FaceKey& face) {
+  scanFaces(mesh, {0, mesh.nodes}, [&](PlaceKind kind, std::int64_t cell, const FaceKey& face) {
     if (kind == flagged.places.kind() &&
         std::binary_search(flagged.keys.begin(), flagged.keys.end(),
                            FlaggedKey{face.lowest, face.key & ~kFlags})) {
@@ -210,7 +237,7 @@ bool checkFaces(const CheckedMesh& mesh, int threads, FindingList& findings) {
   forEachBucket(
       mesh.nodes, mostKeys(elements),
       [&](std::int64_t low, std::int64_t high, auto emit) {
-        scanFaces(mesh, low, high, [&](PlaceKind, std::int64_t, const FaceKey& face) {
+        scanFaces(mesh, {low, high}, [&](PlaceKind, std::int64_t, const FaceKey& face) {
           if (suspects.holds(face.lowest)) {
             emit(face.lowest, face.key);
           }
