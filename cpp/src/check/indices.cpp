@@ -69,9 +69,11 @@ void checkRepeated(const CheckedGroup& group, std::size_t block, std::int64_t no
 }
 
 /// Nodes of cells that are left out are used all the same.
-void markUsed(std::span<const int> nodes, UsedNodes& used) {
+void markUsed(std::span<const int> nodes, IndexRange range, UsedNodes& used) {
+  const bool areAllNodes =
+      range.lowest >= 0 && static_cast<std::size_t>(range.highest) < used.size();
   for (const int node : nodes) {
-    if (static_cast<std::size_t>(node) < used.size()) {  // a negative one is not
+    if (areAllNodes || static_cast<std::size_t>(node) < used.size()) {  // a negative one is not
       std::atomic_ref(used[static_cast<std::size_t>(node)]).store(1, std::memory_order_relaxed);
     }
   }
@@ -90,7 +92,7 @@ void checkIndices(const BlockRange& blocks, std::int64_t nodes, CellFaults& faul
     if (group.facts != nullptr) {
       checkRepeated(group, block, nodes, faults.repeated);
     }
-    markUsed(ofBlock, used);
+    markUsed(ofBlock, group.blocks[block], used);
   }
   if (faults.repeated.size() != before) {
     std::atomic_ref(group.hasCollapsed).store(true, std::memory_order_relaxed);

@@ -15,54 +15,50 @@ std::size_t sizeOf(const KeyPieces& keys) noexcept {
   return size;
 }
 
-/// The other side of a thing is there nearly always, and has to have another place.
-std::uint64_t withSidesApart(std::uint64_t key) noexcept {
-  return key ^ ((0 - (key & kIsOtherSide)) & 0x9e3779b97f4a7c15U);
-}
-
 }  // namespace
 
-void KeyJudge::empty(std::size_t keys) { table_.assign(std::bit_ceil(2 * keys + 2), 0); }
-
-/// Where a key is, or where it goes.
+/// Where a key is, or where it goes. Keys are hashes, whose first bits are taken.
 std::uint64_t* KeyJudge::placeOf(std::uint64_t key) noexcept {
-  const std::size_t last = table_.size() - 1;
-  std::size_t place = (withSidesApart(key) >> 2U) & last;
+  std::size_t place = key >> shift_;
   while (table_[place] != 0 && table_[place] != key) {
-    place = (place + 1) & last;
+    place = place + 1 == table_.size() ? 0 : place + 1;
   }
   return &table_[place];
 }
 
-bool KeyJudge::areDistinct(const KeyPieces& keys) {
-  empty(sizeOf(keys));
+bool KeyJudge::add(std::uint64_t key) noexcept {
+  std::uint64_t* place = placeOf(key);
+  const bool was = *place == key;
+  *place = key;
+  return was;
+}
+
+KeyVerdict KeyJudge::judge(const KeyPieces& keys) {
+  const std::size_t places = std::bit_ceil(2 * sizeOf(keys) + 2);
+  table_.assign(places, 0);
+  shift_ = static_cast<unsigned>(std::countl_zero(places) + 1);
   asked_.clear();
+  KeyVerdict verdict;
   for (const auto& piece : keys) {
     for (const std::uint64_t key : piece) {
       if ((key & kIsAsked) != 0) {
-        asked_.push_back(key & ~kIsAsked);
-        continue;
+        asked_.push_back(key);
+      } else if (add(key)) {
+        return {false, false};
       }
-      std::uint64_t* place = placeOf(key);
-      if (*place == key) {
-        return false;
-      }
-      *place = key;
     }
   }
-  return std::all_of(asked_.begin(), asked_.end(),
-                     [&](std::uint64_t key) { return *placeOf(key) == key; });
-}
-
-bool areBalanced(const KeyPieces& keys) noexcept {
-  std::uint64_t sum = 0;
-  for (const auto& piece : keys) {
-    for (const std::uint64_t key : piece) {
-      const std::uint64_t thing = key & ~kIsOtherSide;
-      sum += (key & kIsOtherSide) != 0 ? thing : ~thing + 1;
+  for (const std::uint64_t key : asked_) {
+    if ((key & kIsOtherSide) == 0) {
+      verdict.areSound = verdict.areSound && *placeOf(key & ~kMarks) == (key & ~kMarks);
     }
   }
-  return sum == 0;
+  for (const std::uint64_t key : asked_) {
+    if ((key & kIsOtherSide) != 0) {
+      verdict.areUnopposed = !add(key & ~kMarks) && verdict.areUnopposed;
+    }
+  }
+  return verdict;
 }
 
 KeySieve::KeySieve(std::int64_t low, std::int64_t high, std::size_t most)
@@ -82,7 +78,9 @@ void KeySieve::extend(std::size_t number) {
   Chunk* chunk = newChunk();
   Part& part = parts_[number];
   chunk->before = part.chunk;
-  part = {chunk->keys.data(), chunk->keys.data() + kKeysOfChunk, chunk};
+  part.next = chunk->keys.data();
+  part.end = part.next + kKeysOfChunk;
+  part.chunk = chunk;
 }
 
 /// Gives at least so many chunks back, if that is possible while one part is kept.

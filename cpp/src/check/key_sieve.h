@@ -18,29 +18,34 @@ namespace orvml::detail {
 /// are few, so few that a core's cache holds the set of their keys.
 inline constexpr unsigned kBitsOfPart = 8;
 
-/// The last bit of a key tells the two sides of a thing apart.
-inline constexpr std::uint64_t kIsOtherSide = 1;
-/// Of keys that are looked for among the others, and are none of them.
-inline constexpr std::uint64_t kIsAsked = 2;
+// The last bits of a key. What is asked of the keys of one side tells of a thing that it has to be
+// there, or, of its other side, that it should not be.
+inline constexpr std::uint64_t kIsAsked = 1;
+inline constexpr std::uint64_t kIsOtherSide = 2;
+inline constexpr std::uint64_t kMarks = kIsAsked | kIsOtherSide;
 
 using KeyPieces = std::vector<std::span<const std::uint64_t>>;
+
+/// What is found of the keys of a part.
+struct KeyVerdict {
+  bool areSound = true;      ///< whether no key comes twice, and what is asked for is there
+  bool areUnopposed = true;  ///< whether what is asked of the other side is not there, nor twice
+};
 
 /// Looks at the keys of one part of the nodes after the other.
 class KeyJudge {
  public:
-  /// Whether no key comes twice, and those that are asked for are among the others.
-  [[nodiscard]] bool areDistinct(const KeyPieces& keys);
+  [[nodiscard]] KeyVerdict judge(const KeyPieces& keys);
 
  private:
-  void empty(std::size_t keys);
+  /// Adds a key; returns whether it was there before.
+  bool add(std::uint64_t key) noexcept;
   [[nodiscard]] std::uint64_t* placeOf(std::uint64_t key) noexcept;
 
   std::vector<std::uint64_t> table_;  // at most half full; 0 is free
+  unsigned shift_ = 0;
   std::vector<std::uint64_t> asked_;
 };
-
-/// Whether each key has come as often from one side as from the other.
-[[nodiscard]] bool areBalanced(const KeyPieces& keys) noexcept;
 
 /// Collects the keys of some nodes by parts, in bounded memory. Parts are looked at as soon as
 /// nothing more comes for them, which in a mesh whose numbering is local leaves few of them; where
@@ -56,7 +61,9 @@ class KeySieve {
   [[nodiscard]] std::int64_t high() const noexcept { return high_; }
 
   /// Takes a key of a node; those of other nodes are passed over.
-  void add(std::int64_t node, std::uint64_t key) {
+  ///
+  /// @param isWanted  whether it is taken indeed, which costs no branch
+  void add(std::int64_t node, std::uint64_t key, bool isWanted = true) {
     const auto number = static_cast<std::size_t>(node - low_) >> kBitsOfPart;
     if (number >= end_) {
       return;
@@ -68,20 +75,27 @@ class KeySieve {
         return;  // put off
       }
     }
-    *part.next++ = key;
+    *part.next = key;
+    part.next += isWanted ? 1 : 0;
+  }
+
+  /// Adds to the sum of the part of a node.
+  void weigh(std::int64_t node, std::uint64_t value) noexcept {
+    const auto number = static_cast<std::size_t>(node - low_) >> kBitsOfPart;
+    if (number < end_) {
+      parts_[number].sum += value;
+    }
   }
 
   /// Looks at all parts of which no key will come any more.
   ///
-  /// @param judge  judge(first node of a part, its keys) is called for each part with keys
+  /// @param judge  judge(first node of a part, its keys, its sum)
   template <class Judge>
   void finishBefore(std::int64_t node, Judge& judge) {
     for (; begin_ < end_ && (node >= high_ || lastOf(begin_) < node); ++begin_) {
-      if (parts_[begin_].chunk != nullptr) {
-        gather(parts_[begin_]);
-        judge(low_ + static_cast<std::int64_t>(begin_ << kBitsOfPart), pieces_);
-        release(parts_[begin_]);
-      }
+      gather(parts_[begin_]);
+      judge(low_ + static_cast<std::int64_t>(begin_ << kBitsOfPart), pieces_, parts_[begin_].sum);
+      release(parts_[begin_]);
     }
   }
 
@@ -95,6 +109,7 @@ class KeySieve {
     std::uint64_t* next = nullptr;  // where the next key goes
     std::uint64_t* end = nullptr;   // of the last chunk
     Chunk* chunk = nullptr;
+    std::uint64_t sum = 0;
   };
 
   [[nodiscard]] std::int64_t lastOf(std::size_t part) const noexcept {

@@ -2,7 +2,6 @@
 
 #include "check/checked_mesh.h"
 #include "check/key_sieve.h"
-#include "check/task_threads.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -37,6 +36,11 @@ class NodeParts {
       : holds_((static_cast<std::size_t>(nodes) >> kBitsOfPart) + 1) {}
 
   void add(std::int64_t node) noexcept { holds_[partOf(node)] = 1; }
+  void add(const NodeParts& others) noexcept {
+    for (std::size_t part = 0; part < holds_.size(); ++part) {
+      holds_[part] |= others.holds_[part];
+    }
+  }
   [[nodiscard]] bool holds(std::int64_t node) const noexcept { return holds_[partOf(node)] != 0; }
   [[nodiscard]] bool empty() const noexcept {
     return std::find(holds_.begin(), holds_.end(), 1) == holds_.end();
@@ -53,7 +57,7 @@ class NodeParts {
 ///
 /// @param most   keys that may be in memory at once
 /// @param scan   scan(block, sieve) adds the keys of the cells of a block
-/// @param judge  judge(first node of a part, its keys) looks at the keys of each part
+/// @param judge  judge(first node of a part, its keys, its sum) looks at each part
 template <class Scan, class Judge>
 void sieveKeys(const std::vector<SievedBlock>& blocks, std::int64_t low, std::int64_t high,
                std::size_t most, Scan scan, Judge judge) {
@@ -71,28 +75,6 @@ void sieveKeys(const std::vector<SievedBlock>& blocks, std::int64_t low, std::in
     sieve.finishBefore(sieve.high(), judge);
     low = sieve.high();
   }
-}
-
-/// Sieves the keys of all nodes and returns those parts of them whose keys are not sound.
-///
-/// @param isSound  isSound(keys of a part, judge)
-template <class Scan, class IsSound>
-NodeParts suspectParts(const std::vector<SievedBlock>& blocks, std::int64_t nodes, std::size_t most,
-                       int threads, Scan scan, IsSound isSound) {
-  // More ranges than threads, so that none waits long for the last one.
-  const auto workers = static_cast<std::size_t>(std::max(threads, 1));
-  const auto limits = cutNodes(blocks, nodes, workers == 1 ? 1 : 2 * workers);
-  NodeParts suspects(nodes);
-  performAll(limits.size() - 1, threads, [&](std::size_t range) {
-    KeyJudge judge;
-    sieveKeys(blocks, limits[range], limits[range + 1], most / workers, scan,
-              [&](std::int64_t first, const KeyPieces& keys) {
-                if (!isSound(keys, judge)) {
-                  suspects.add(first);
-                }
-              });
-  });
-  return suspects;
 }
 
 }  // namespace orvml::detail
