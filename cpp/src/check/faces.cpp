@@ -93,26 +93,18 @@ void add(CheckCode code, const CheckedMesh& mesh, FlaggedFaces flagged, const st
   }
 }
 
-}  // namespace
-
-bool checkFaces(const CheckedMesh& mesh, int threads, FindingList& findings) {
-  const std::int64_t elements = knownCells(mesh.elements(), 3);
-  if (elements == 0 || !mesh.areNodesHeld()) {
-    return false;
-  }
-  const NodeParts suspects = suspectFaces(mesh, mostKeys(elements), threads);
-  if (suspects.empty()) {
-    return true;
-  }
+/// Brings the faces at some of the nodes together and judges them.
+FaceTrouble findTrouble(const CheckedMesh& mesh, const NodeParts& nodes, std::size_t mostKeys,
+                        const FindingList& findings) {
   FaceTrouble trouble{false,
                       {findings.places(PlaceKind::face), {}},
                       {findings.places(PlaceKind::element), {}},
                       {findings.places(PlaceKind::face), {}}};
   forEachBucket(
-      mesh.nodes, mostKeys(elements),
+      mesh.nodes, mostKeys,
       [&](std::int64_t low, std::int64_t high, auto emit) {
         scanFaces(mesh, {low, high}, [&](PlaceKind, std::int64_t, const FaceKey& face) {
-          if (suspects.holds(face.lowest)) {
+          if (nodes.holds(face.lowest)) {
             emit(face.lowest, face.key);
           }
         });
@@ -127,6 +119,21 @@ bool checkFaces(const CheckedMesh& mesh, int threads, FindingList& findings) {
           begin = end;
         }
       });
+  return trouble;
+}
+
+}  // namespace
+
+bool checkFaces(const CheckedMesh& mesh, int threads, FindingList& findings) {
+  const std::int64_t elements = knownCells(mesh.elements(), 3);
+  if (elements == 0 || !mesh.areNodesHeld()) {
+    return false;
+  }
+  const NodeParts suspects = suspectFaces(mesh, mostKeys(elements), threads);
+  if (suspects.empty()) {
+    return true;
+  }
+  FaceTrouble trouble = findTrouble(mesh, suspects, mostKeys(elements), findings);
   if (mesh.elements().isWhole) {
     add(CheckCode::faceWithoutElement, mesh, std::move(trouble.withoutElement), mesh.faces().object,
         " without a volume element", findings);
