@@ -79,6 +79,7 @@ int main(int count, char** arguments) {
   orvml_io_bench::registerGrowth(options);
 #if defined(ORVML_IO_BENCH_CPP)
   orvml_io_bench::registerCppLayer(options);
+  orvml_io_bench::registerChecks(options);
 #endif
   benchmark::RunSpecifiedBenchmarks();
   orvml_io_bench::printResults(stdout, options);

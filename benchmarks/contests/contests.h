@@ -16,6 +16,7 @@ void registerText(const Options& options);
 void registerFreshProcesses(const Options& options);
 void registerGrowth(const Options& options);
 void registerCppLayer(const Options& options);  // where the layer is built
+void registerChecks(const Options& options);    // where the layer is built
 
 /// What this program is started anew for.
 Tasks tasksOfFreshProcesses();

@@ -71,6 +71,28 @@ TEST(Places, AreFoundBeyondTheFirstBlockOfCells) {
   EXPECT_EQ(indicesOf(report.findings[1]), std::vector<std::int64_t>{1500});
 }
 
+/// Without faces of the document the two sides of the faces are not balanced, so that each has to
+/// be looked at.
+TEST(Places, AreFoundAtFacesOfAnOpenMesh) {
+  TestMesh mesh = blockOf(formOf(Shape::tetrahedron, 4), 12);
+  renumber(mesh, 7);
+  mesh.faces.clear();
+  auto& indices = mesh.elements[0].indices;
+  const auto cells = static_cast<std::int64_t>(indices.size()) / 4;
+  ASSERT_EQ(toldOf(mesh.checked()), toldOf({}));
+
+  const std::vector<int> again(indices.begin() + 4 * 3000, indices.begin() + 4 * 3001);
+  indices.insert(indices.end(), again.begin(), again.end());
+  const orvml::CheckReport report = mesh.checked({.places = 1000});
+
+  ASSERT_EQ(codesOf(report), (std::vector<std::string>{"orvml.mesh.duplicate-cell",
+                                                       "orvml.mesh.face-shared-by-many"}));
+  EXPECT_EQ(indicesOf(report.findings[0]), std::vector<std::int64_t>{cells});
+  const std::vector<std::int64_t> beside = indicesOf(report.findings[1]);
+  EXPECT_TRUE(std::binary_search(beside.begin(), beside.end(), 3000));
+  EXPECT_TRUE(std::binary_search(beside.begin(), beside.end(), cells));
+}
+
 /// The numbers of cells that have the nodes of an earlier one.
 std::set<std::int64_t> repetitions(const std::vector<int>& indices, std::size_t width) {
   std::map<std::set<int>, int> met;

@@ -171,7 +171,7 @@ struct CheckOptions {
   double coincidenceTolerance = 1e-10;
   bool quality = false;  ///< whether the quality of the cells is measured, too
   int places = 10;       ///< how many places a finding has at most
-  int threads = 1;       ///< from 2 on, a second thread takes a part of the checks of a mesh
+  int threads = 1;       ///< how many share the checks of a mesh, the caller's included
 };
 
 /// What check() says.
@@ -190,8 +190,9 @@ struct ORVML_EXPORT CheckReport {
 /// out of range are told and left out of everything else; quadratic cells are judged by their
 /// curved form, but for the 7-node triangle and the 19-node pyramid whose inner nodes are left out.
 ///
-/// Beside the document it takes 4 bytes a cell and a few bytes a node, the measures of quality 4
-/// bytes a cell. Throws std::bad_alloc, and std::system_error when a thread cannot be started.
+/// Beside the document it takes a few bytes a node, and up to 4 bytes a cell where the numbering is
+/// not local or something is wrong with faces; the measures of quality take 4 bytes a cell. Throws
+/// std::bad_alloc, and std::system_error when a thread cannot be started.
 [[nodiscard]] ORVML_EXPORT CheckReport check(const DocumentView& document,
                                              const CheckOptions& options = {});
 

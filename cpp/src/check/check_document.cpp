@@ -1,6 +1,8 @@
 #include "check/check_document.h"
 
-#include <future>
+#include "check/cell_faults.h"
+#include "check/task_threads.h"
+
 #include <iterator>
 #include <utility>
 
@@ -10,23 +12,31 @@ namespace detail {
 
 namespace {
 
-/// The checks of places, which need no other cells than the one that they look at. Returns whether
-/// every cell is sound.
-bool checkPlaces(const CheckedMesh& mesh, double tolerance, FindingList& findings) {
-  checkFinite(mesh, findings);
-  checkCoincidence(mesh, tolerance, findings);
-  return checkJacobians(mesh, findings);
+/// Looks at each node and each cell by itself. Returns whether every cell is sound.
+bool checkEach(CheckedMesh& mesh, const Believed& believed, const CheckOptions& options,
+               FindingList& findings) {
+  CellSweep cells(mesh, believed, findings);
+  FindingList ofNodes(options);
+  // The nodes first, because they take longer than a piece.
+  performAll(cells.pieces() + 1, options.threads, [&](std::size_t task) {
+    if (task == 0) {
+      checkFinite(mesh, ofNodes);
+      checkCoincidence(mesh, options.coincidenceTolerance, ofNodes);
+    } else {
+      cells.look(task - 1);
+    }
+  });
+  cells.tellIndices(findings);
+  findings.append(ofNodes.take());
+  return cells.tellForms(findings);
 }
 
-/// Makes the two halves of the work one after the other, or at the same time.
-void checkMesh(const CheckedMesh& mesh, const CheckOptions& options, FindingList& findings) {
+void checkMesh(CheckedMesh& mesh, const Believed& believed, const CheckOptions& options,
+               FindingList& findings) {
+  const bool areSound = checkEach(mesh, believed, options, findings);
   FindingList ofNeighbours(options);
-  auto places = std::async(options.threads > 1 ? std::launch::async : std::launch::deferred, [&] {
-    return checkPlaces(mesh, options.coincidenceTolerance, findings);
-  });
-  const bool areApart = checkFaces(mesh, ofNeighbours);
+  const bool areApart = checkFaces(mesh, options.threads, ofNeighbours);
   checkSurface(mesh, ofNeighbours);
-  const bool areSound = places.get();
   checkDuplicates(mesh, !(areSound && areApart), findings);
   findings.append(ofNeighbours.take());
 }
@@ -38,8 +48,7 @@ void checkDocument(const DocumentView& document, const Believed& believed,
                    std::vector<CellQuality>& quality) {
   checkNames(document, believed, findings);
   CheckedMesh mesh = meshOf(document, believed, findings);
-  checkIndices(mesh, believed, findings);
-  checkMesh(mesh, options, findings);
+  checkMesh(mesh, believed, options, findings);
   if (options.quality && mesh.coordinates != nullptr) {
     auto measured = measureQuality(mesh, document.kind());
     std::move(measured.begin(), measured.end(), std::back_inserter(quality));

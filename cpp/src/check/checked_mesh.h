@@ -87,28 +87,38 @@ struct CheckedMesh {
   return isTwice;
 }
 
-/// Calls a function with the index in its group and the nodes of each cell whose nodes exist, of
-/// all blocks that have a node index from `low` to before `high`. Cells that are known to name a
-/// node twice are left out: what else is wrong with them follows from that.
+/// Calls a function with the index in its group and the nodes of each cell of a block whose nodes
+/// exist.
+///
+/// @param areCollapsed  whether cells that name a node twice are among them: those are left out,
+///                      because what else is wrong with them follows from that
+template <class Function>
+void forEachCellOfBlock(const CheckedGroup& group, std::size_t block, std::int64_t nodes,
+                        bool areCollapsed, Function function) {
+  const int width = group.width();
+  const IndexRange range = group.blocks[block];
+  const auto isNode = [nodes](int node) { return node >= 0 && node < nodes; };
+  const bool areAllNodes = range.lowest >= 0 && range.highest < nodes;
+  const std::int64_t begin = static_cast<std::int64_t>(block) * kCellsPerBlock;
+  const std::int64_t end = std::min<std::int64_t>(begin + kCellsPerBlock, group.cells.size());
+  for (std::int64_t i = begin; i < end; ++i) {
+    const int* cell = group.cell(i);
+    if ((areAllNodes || std::all_of(cell, cell + width, isNode)) &&
+        !(areCollapsed && isCollapsed(cell, width))) {
+      function(i, cell);
+    }
+  }
+}
+
+/// The same for all blocks of a mesh whose indices have been checked that have a node index from
+/// `low` to before `high`.
 template <class Function>
 void forEachCell(const CheckedGroup& group, std::int64_t nodes, std::int64_t low, std::int64_t high,
                  Function function) {
-  const int width = group.width();
-  const auto isNode = [nodes](int node) { return node >= 0 && node < nodes; };
   for (std::size_t block = 0; block < group.blocks.size(); ++block) {
     const IndexRange range = group.blocks[block];
-    if (range.highest < low || range.lowest >= high) {
-      continue;
-    }
-    const bool areAllNodes = range.lowest >= 0 && range.highest < nodes;
-    const std::int64_t begin = static_cast<std::int64_t>(block) * kCellsPerBlock;
-    const std::int64_t end = std::min<std::int64_t>(begin + kCellsPerBlock, group.cells.size());
-    for (std::int64_t i = begin; i < end; ++i) {
-      const int* cell = group.cell(i);
-      if ((areAllNodes || std::all_of(cell, cell + width, isNode)) &&
-          !(group.hasCollapsed && isCollapsed(cell, width))) {
-        function(i, cell);
-      }
+    if (range.highest >= low && range.lowest < high) {
+      forEachCellOfBlock(group, block, nodes, group.hasCollapsed, function);
     }
   }
 }
@@ -128,9 +138,6 @@ void forEachCell(const CheckedGroup& group, std::int64_t nodes, Function functio
 
 // The checks of a mesh, in the order in which they are made. Each says what it found.
 
-/// Node indices that are out of range, nodes that a cell names twice, and nodes that none names.
-void checkIndices(CheckedMesh& mesh, const Believed& believed, FindingList& findings);
-
 /// Coordinates that are not finite.
 void checkFinite(const CheckedMesh& mesh, FindingList& findings);
 
@@ -139,9 +146,6 @@ void checkFinite(const CheckedMesh& mesh, FindingList& findings);
 /// @param share  the tolerance as a share of the diagonal of the bounding box; negative for none
 void checkCoincidence(const CheckedMesh& mesh, double share, FindingList& findings);
 
-/// Cells without size, inside out, or folded. Returns whether every cell is known to be sound.
-bool checkJacobians(const CheckedMesh& mesh, FindingList& findings);
-
 /// Cells with the nodes of another one.
 ///
 /// @param ofElements  whether elements are looked at, too
@@ -149,7 +153,7 @@ void checkDuplicates(const CheckedMesh& mesh, bool ofElements, FindingList& find
 
 /// Faces and volume elements beside each other. Returns whether no two elements are on one side of
 /// a face, as two sound ones with the same nodes are.
-bool checkFaces(const CheckedMesh& mesh, FindingList& findings);
+bool checkFaces(const CheckedMesh& mesh, int threads, FindingList& findings);
 
 /// Faces of a surface, or of a mesh in the plane, beside each other.
 void checkSurface(const CheckedMesh& mesh, FindingList& findings);

@@ -1,4 +1,5 @@
 #include "check/checked_mesh.h"
+#include "check/face_scan.h"
 #include "check/key_groups.h"
 #include "check/rules.h"
 
@@ -9,102 +10,23 @@ namespace orvml::detail {
 
 namespace {
 
-// A key of a face has the hash of its corners in the upper bits.
-constexpr std::uint64_t kIsTurned = 1;        // which way round the corners go
-constexpr std::uint64_t kIsDocumentFace = 2;  // of the faces of the document, not of an element
-constexpr std::uint64_t kFlags = kIsTurned | kIsDocumentFace;
-
-struct FaceKey {
-  std::int64_t lowest;
-  std::uint64_t key;
-};
-
-/// Which way round three corners go: from the lowest one to the greater or to the smaller of the
-/// others, which the parity of their order tells.
-std::uint64_t turnOf(int a, int b, int c) noexcept {
-  const bool isOdd = (a > b) != ((a > c) != (b > c));
-  return isOdd ? 0 : kIsTurned;
-}
-
-/// The same of four: the neighbours of the lowest one are compared.
-std::uint64_t turnOf(int a, int b, int c, int d) noexcept {
-  const bool isLowestAmongBD = std::min(b, d) < std::min(a, c);
-  return ((b < d) != (c < a)) != isLowestAmongBD ? kIsTurned : 0;
-}
-
-/// Calls a function with the lowest corner and the key of a face, if the corner is from `low` to
-/// before `high`.
-///
-/// @param hashes  those of the nodes, by the same numbers as the nodes
-template <class Function>
-void scanFace(const FaceCorners& face, const int* nodes, const std::uint64_t* hashes,
-              std::uint64_t flags, std::int64_t low, std::int64_t high, Function& function) {
-  const auto& c = face.corners;
-  int lowest = std::min({nodes[c[0]], nodes[c[1]], nodes[c[2]]});
-  lowest = face.count == 4 ? std::min(lowest, nodes[c[3]]) : lowest;
-  if (lowest < low || lowest >= high) {
-    return;
-  }
-  std::uint64_t sum = hashes[c[0]] + hashes[c[1]] + hashes[c[2]];
-  if (face.count == 4) {
-    sum += hashes[c[3]];
-    flags |= turnOf(nodes[c[0]], nodes[c[1]], nodes[c[2]], nodes[c[3]]);
-  } else {
-    flags |= turnOf(nodes[c[0]], nodes[c[1]], nodes[c[2]]);
-  }
-  function(FaceKey{lowest, (sum & ~kFlags) | flags});
-}
-
-/// Calls function(kind, cell, key) with the faces of the cells of a group.
-///
-/// @param kFaces  the faces of the shape, of which the compiler makes straight code
-template <std::size_t Corners, const auto& kFaces, class Function>
-void scanGroup(const CheckedMesh& mesh, const CheckedGroup& group, PlaceKind kind, std::int64_t low,
-               std::int64_t high, Function& function) {
-  const std::uint64_t flags = kind == PlaceKind::face ? kIsDocumentFace : 0;
-  forEachCell(group, mesh.nodes, low, high, [&](std::int64_t i, const int* cell) {
-    std::array<std::uint64_t, Corners> hashes;
-    for (std::size_t corner = 0; corner < Corners; ++corner) {
-      hashes[corner] = scattered(static_cast<std::uint64_t>(cell[corner]));
-    }
-    auto emit = [&](const FaceKey& key) { function(kind, group.first + i, key); };
-    for (const FaceCorners& face : kFaces) {
-      scanFace(face, cell, hashes.data(), flags, low, high, emit);
-    }
-  });
-}
-
-constexpr FaceCorners kTriangleItself[] = {{3, {0, 1, 2}}};
-constexpr FaceCorners kQuadrilateralItself[] = {{4, {0, 1, 2, 3}}};
-
-template <class Function>
-void scanGroup(const CheckedMesh& mesh, const CheckedGroup& group, PlaceKind kind, std::int64_t low,
-               std::int64_t high, Function& function) {
-  switch (group.facts->shape) {
-    case Shape::tetrahedron:
-      return scanGroup<4, kTetrahedronFaces>(mesh, group, kind, low, high, function);
-    case Shape::hexahedron:
-      return scanGroup<8, kHexahedronFaces>(mesh, group, kind, low, high, function);
-    case Shape::prism:
-      return scanGroup<6, kPrismFaces>(mesh, group, kind, low, high, function);
-    case Shape::pyramid:
-      return scanGroup<5, kPyramidFaces>(mesh, group, kind, low, high, function);
-    case Shape::triangle:
-      return scanGroup<3, kTriangleItself>(mesh, group, kind, low, high, function);
-    case Shape::quadrilateral:
-      return scanGroup<4, kQuadrilateralItself>(mesh, group, kind, low, high, function);
-    default:
-      return;
-  }
+constexpr std::uint64_t hashOfNode(int node) noexcept {
+  return scattered(static_cast<std::uint64_t>(node));
 }
 
 /// Calls function(kind, cell, key) with the faces of the volume elements and of the document.
 template <class Function>
-void scanFaces(const CheckedMesh& mesh, std::int64_t low, std::int64_t high, Function function) {
+void scanFaces(const CheckedMesh& mesh, NodeRange nodes, Function function) {
   for (const CheckedCells* cells : {&mesh.elements(), &mesh.faces()}) {
+    const PlaceKind kind = placeKindOf(cells->entity);
     for (const CheckedGroup& group : cells->groups) {
-      if (group.facts != nullptr) {
-        scanGroup(mesh, group, placeKindOf(cells->entity), low, high, function);
+      for (std::size_t i = 0; group.facts != nullptr && i < group.blocks.size(); ++i) {
+        const IndexRange range = group.blocks[i];
+        if (range.highest >= nodes.low && range.lowest < nodes.high) {
+          scanBlock<hashOfNode>(
+              {&group, i, range, kind}, mesh.nodes, nodes,
+              [&](std::int64_t cell, const FaceKey& face) { function(kind, cell, face); });
+        }
       }
     }
   }
@@ -153,7 +75,7 @@ void judge(std::int64_t bucket, std::span<const std::uint64_t> same, int most,
 /// The elements or faces of the first few keys.
 void tellPlaces(const CheckedMesh& mesh, FlaggedFaces& flagged) {
   std::sort(flagged.keys.begin(), flagged.keys.end());
-  scanFaces(mesh, 0, mesh.nodes, [&](PlaceKind kind, std::int64_t cell, const FaceKey& face) {
+  scanFaces(mesh, {0, mesh.nodes}, [&](PlaceKind kind, std::int64_t cell, const FaceKey& face) {
     if (kind == flagged.places.kind() &&
         std::binary_search(flagged.keys.begin(), flagged.keys.end(),
                            FlaggedKey{face.lowest, face.key & ~kFlags})) {
@@ -171,22 +93,20 @@ void add(CheckCode code, const CheckedMesh& mesh, FlaggedFaces flagged, const st
   }
 }
 
-}  // namespace
-
-bool checkFaces(const CheckedMesh& mesh, FindingList& findings) {
-  const std::int64_t elements = knownCells(mesh.elements(), 3);
-  if (elements == 0 || !mesh.areNodesHeld()) {
-    return false;
-  }
+/// Brings the faces at some of the nodes together and judges them.
+FaceTrouble findTrouble(const CheckedMesh& mesh, const NodeParts& nodes, std::size_t mostKeys,
+                        const FindingList& findings) {
   FaceTrouble trouble{false,
                       {findings.places(PlaceKind::face), {}},
                       {findings.places(PlaceKind::element), {}},
                       {findings.places(PlaceKind::face), {}}};
   forEachBucket(
-      mesh.nodes, mostKeys(elements),
+      mesh.nodes, mostKeys,
       [&](std::int64_t low, std::int64_t high, auto emit) {
-        scanFaces(mesh, low, high, [&](PlaceKind, std::int64_t, const FaceKey& face) {
-          emit(face.lowest, face.key);
+        scanFaces(mesh, {low, high}, [&](PlaceKind, std::int64_t, const FaceKey& face) {
+          if (nodes.holds(face.lowest)) {
+            emit(face.lowest, face.key);
+          }
         });
       },
       [&](std::int64_t bucket, std::span<const std::uint64_t> keys) {
@@ -199,6 +119,21 @@ bool checkFaces(const CheckedMesh& mesh, FindingList& findings) {
           begin = end;
         }
       });
+  return trouble;
+}
+
+}  // namespace
+
+bool checkFaces(const CheckedMesh& mesh, int threads, FindingList& findings) {
+  const std::int64_t elements = knownCells(mesh.elements(), 3);
+  if (elements == 0 || !mesh.areNodesHeld()) {
+    return false;
+  }
+  const NodeParts suspects = suspectFaces(mesh, mostKeys(elements), threads);
+  if (suspects.empty()) {
+    return true;
+  }
+  FaceTrouble trouble = findTrouble(mesh, suspects, mostKeys(elements), findings);
   if (mesh.elements().isWhole) {
     add(CheckCode::faceWithoutElement, mesh, std::move(trouble.withoutElement), mesh.faces().object,
         " without a volume element", findings);

@@ -23,6 +23,13 @@ class Places {
       first_.push_back({kind_, index});
     }
   }
+  /// Adds places that come after all of these.
+  void append(const Places& later) {
+    count_ += later.count_;
+    const std::size_t more = std::min(later.first_.size(), most_ - first_.size());
+    first_.insert(first_.end(), later.first_.begin(),
+                  later.first_.begin() + static_cast<std::ptrdiff_t>(more));
+  }
   /// Counts without saying where.
   void count(std::int64_t more) noexcept { count_ += more; }
   /// Says where, of what has been counted.

@@ -13,9 +13,9 @@ class HashSet {
  public:
   /// @param bits   at least as many are taken; the more, the fewer are held that were not given
   /// @param shift  the first bit of a hash that counts: two sets with other bits err otherwise
-  HashSet(std::uint64_t bits, unsigned shift) : shift_(shift) {
-    words_.resize(std::bit_ceil(bits + 4096) / 64);
-  }
+  HashSet(std::uint64_t bits, unsigned shift) : shift_(shift) { empty(bits); }
+  /// Takes everything out, and has so many bits from then on. Memory is kept for the next time.
+  void empty(std::uint64_t bits) { words_.assign(std::bit_ceil(bits + 4096) / 64, 0); }
   /// Asks for the memory of a hash ahead of its use.
   void prefetch(std::uint64_t hash) const noexcept { __builtin_prefetch(&words_[wordOf(hash)], 1); }
   /// Returns whether it was there before.
