@@ -261,6 +261,19 @@ TEST_F(LinkedArrays, PrismsStandAsTheyAreStoredUnlessTheyAreTurned) {
   }());
 }
 
+TEST_F(LinkedArrays, TurnedPrismsStandWhereTheyStoodAmongOtherCells) {
+  TestMesh mesh = cellOf(formOf(Shape::prism, 6));
+  mesh.faces.clear();
+  mesh.elements = {{Shape::prism, 6, {0, 1, 2, 3, 4, 5}},
+                   {Shape::tetrahedron, 4, {0, 1, 2, 3}},
+                   {Shape::prism, 6, {3, 4, 5, 0, 1, 2}}};
+
+  link(mesh, {.turnsPrisms = true});
+
+  EXPECT_EQ(file().ints("/VTKHDF/Connectivity"),
+            (std::vector<int>{0, 2, 1, 3, 5, 4, 0, 1, 2, 3, 3, 5, 4, 0, 2, 1}));
+}
+
 TEST_F(LinkedArrays, OutputIsShownWhereThereAreBothUnlessTheInputIsAskedFor) {
   const orvml::Output output = outputOfAllKinds();
   const TestMesh input = blockOf(formOf(Shape::triangle, 3), 1);
@@ -295,34 +308,53 @@ struct StorageRow {
   }
 };
 
-const StorageRow kStorages[] = {{"RankTwoAttribute",
-                                 [](RawFile& file) {
-                                   const std::vector<double> values = {5, 6, 7, 8, 9};
-                                   replaceDataset(file, "/OrvOutput/Nodes/Attributes/size",
-                                                  H5T_NATIVE_DOUBLE, {5, 1}, values.data());
-                                 },
-                                 "/OrvOutput/Nodes/Attributes/size", "/VTKHDF/PointData/size"},
-                                {"LongDoubleAttribute",
-                                 [](RawFile& file) {
-                                   const std::vector<long double> values = {5, 6, 7, 8, 9};
-                                   replaceDataset(file, "/OrvOutput/Nodes/Attributes/size",
-                                                  H5T_NATIVE_LDOUBLE, {5}, values.data());
-                                 },
-                                 "/OrvOutput/Nodes/Attributes/size", "/VTKHDF/PointData/size"},
-                                {"UnsignedNodeIndices",
-                                 [](RawFile& file) {
-                                   const std::vector<unsigned> values = {0, 1, 2, 3, 1, 4, 2, 3};
-                                   replaceDataset(file, "/OrvOutput/Elements/connectivities",
-                                                  H5T_NATIVE_UINT, {8}, values.data());
-                                 },
-                                 "/OrvOutput/Elements/connectivities", "/VTKHDF/Connectivity"},
-                                {"RankTwoNodeIndices",
-                                 [](RawFile& file) {
-                                   const std::vector<int> values = {0, 1, 2, 3, 1, 4, 2, 3};
-                                   replaceDataset(file, "/OrvOutput/Elements/connectivities",
-                                                  H5T_NATIVE_INT, {8, 1}, values.data());
-                                 },
-                                 "/OrvOutput/Elements/connectivities", "/VTKHDF/Connectivity"}};
+const StorageRow kStorages[] = {
+    {"RankTwoAttribute",
+     [](RawFile& file) {
+       const std::vector<double> values = {5, 6, 7, 8, 9};
+       replaceDataset(file, "/OrvOutput/Nodes/Attributes/size", H5T_NATIVE_DOUBLE, {5, 1},
+                      values.data());
+     },
+     "/OrvOutput/Nodes/Attributes/size", "/VTKHDF/PointData/size"},
+    {"LongDoubleAttribute",
+     [](RawFile& file) {
+       const std::vector<long double> values = {5, 6, 7, 8, 9};
+       replaceDataset(file, "/OrvOutput/Nodes/Attributes/size", H5T_NATIVE_LDOUBLE, {5},
+                      values.data());
+     },
+     "/OrvOutput/Nodes/Attributes/size", "/VTKHDF/PointData/size"},
+    {"AttributeBehindAnotherFilter",
+     [](RawFile& file) {
+       const std::vector<int> values = {5, 6, 7, 8, 9};
+       const hsize_t extent = values.size();
+       const hid_t space = H5Screate_simple(1, &extent, nullptr);
+       const hid_t creation = H5Pcreate(H5P_DATASET_CREATE);
+       ASSERT_GE(H5Pset_chunk(creation, 1, &extent), 0);
+       ASSERT_GE(H5Pset_scaleoffset(creation, H5Z_SO_INT, H5Z_SO_INT_MINBITS_DEFAULT), 0);
+       file.remove("/OrvOutput/Nodes/Attributes/size");
+       const hid_t dataset = H5Dcreate2(file.id(), "/OrvOutput/Nodes/Attributes/size",
+                                        H5T_NATIVE_INT, space, H5P_DEFAULT, creation, H5P_DEFAULT);
+       ASSERT_GE(H5Dwrite(dataset, H5T_NATIVE_INT, H5S_ALL, H5S_ALL, H5P_DEFAULT, values.data()),
+                 0);
+       ASSERT_GE(H5Dclose(dataset), 0);
+       ASSERT_GE(H5Pclose(creation), 0);
+       ASSERT_GE(H5Sclose(space), 0);
+     },
+     "/OrvOutput/Nodes/Attributes/size", "/VTKHDF/PointData/size"},
+    {"UnsignedNodeIndices",
+     [](RawFile& file) {
+       const std::vector<unsigned> values = {0, 1, 2, 3, 1, 4, 2, 3};
+       replaceDataset(file, "/OrvOutput/Elements/connectivities", H5T_NATIVE_UINT, {8},
+                      values.data());
+     },
+     "/OrvOutput/Elements/connectivities", "/VTKHDF/Connectivity"},
+    {"RankTwoNodeIndices",
+     [](RawFile& file) {
+       const std::vector<int> values = {0, 1, 2, 3, 1, 4, 2, 3};
+       replaceDataset(file, "/OrvOutput/Elements/connectivities", H5T_NATIVE_INT, {8, 1},
+                      values.data());
+     },
+     "/OrvOutput/Elements/connectivities", "/VTKHDF/Connectivity"}};
 
 class OddStorages : public ::testing::TestWithParam<StorageRow> {};
 

@@ -59,6 +59,13 @@ const RefusalRow kRefusals[] = {
      "orvml.vtk.group-of-others"},
     {"DatasetWithTheNameOfTheGroup", [](RawFile& file) { file.intVector("/VTKHDF", {1}); },
      "orvml.vtk.group-of-others"},
+    {"LinkToAMarkedGroup",
+     [](RawFile& file) {
+       file.group("/Elsewhere");
+       file.textAttribute("/Elsewhere", "ORVML_DOCUMENT", "/OrvOutput");
+       ASSERT_GE(H5Lcreate_soft("/Elsewhere", file.id(), "/VTKHDF", H5P_DEFAULT, H5P_DEFAULT), 0);
+     },
+     "orvml.vtk.group-of-others"},
     {"LinkWithTheNameOfTheGroup",
      [](RawFile& file) {
        ASSERT_GE(H5Lcreate_external("other.h5", "/VTKHDF", file.id(), "/VTKHDF", H5P_DEFAULT,

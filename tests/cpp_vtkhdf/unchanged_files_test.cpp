@@ -66,6 +66,27 @@ TEST(LinkedFiles, AreReadByTheFlatReaderAsBefore) {
   EXPECT_TRUE(OrvML_IO_OrvOutputsAreEqual(linked.handle(), plain.handle()));
 }
 
+// Where a name of the present layout would be, something else may stand in an older file.
+TEST(LinkedFiles, OfOlderLayoutsShowTheAttributesThatReadersFind) {
+  const TempFile temp;
+  makeLegacyFile(temp.path(), "1.3");
+  const orvml::Input input = orvml::loadInput(temp.path());
+  const orvml::InputView view = input.view();
+  const std::string name(view.nodes().attributes().begin()->name);
+  {
+    RawFile file = RawFile::openForWriting(temp.path());
+    file.group("/OrvInput/Nodes/Attributes");
+    file.doubleVector("/OrvInput/Nodes/Attributes/" + name,
+                      std::vector<double>(static_cast<std::size_t>(view.nodes().size()), 77.0));
+  }
+
+  (void)orvml::linkVtk(temp.path(), {.document = orvml::Kind::input});
+
+  const RawFile linked = RawFile::open(temp.path());
+  EXPECT_EQ(linked.members("/VTKHDF/PointData").size(), view.nodes().attributes().size());
+  EXPECT_NE(linked.doubles("/VTKHDF/PointData/" + name).front(), 77.0);
+}
+
 /// A file with a mesh of tetrahedra in a folder of its own.
 class LinkedInPlace : public ::testing::Test {
  protected:

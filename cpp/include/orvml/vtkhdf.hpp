@@ -48,8 +48,8 @@ struct VtkLinkReport {
 /// apart: 1 is an edge, 2 a face, 3 an element.
 ///
 /// - Copied are coordinates of the plane, which get a third one; prisms that are turned; scalar
-///   parameters, which become field data; whatever is stored in a way that VTK does not read; and
-///   joined arrays when this library was built with HDF5 before 1.10.
+///   parameters, which become field data; whatever is stored in a way that VTK does not read, or in
+///   a layout before names; and joined arrays when this library was built with HDF5 before 1.10.
 /// - Dropped are cells that VTK has no type for, and attributes without one value for each of their
 ///   nodes or cells. An attribute that only some kinds of cells have is padded on the others: with
 ///   NaN, and with -1 where it holds ints.

@@ -1,6 +1,8 @@
 #include "vtkhdf/stored_arrays.h"
 
 #include "hdf5/layout.h"
+#include "hdf5/legacy_layouts.h"
+#include "hdf5/probes.h"
 #include "opened_file.h"
 
 #include <algorithm>
@@ -8,6 +10,7 @@
 #include <initializer_list>
 #include <span>
 #include <utility>
+#include <vector>
 
 namespace orvml::detail {
 
@@ -18,48 +21,48 @@ using orvml_io::DatatypeId;
 using orvml_io::OpenGroup;
 using orvml_io::SourceFile;
 
-/// Calls a function with the group at the end of a way of sub-paths.
-template <class Function>
-StoredArray inGroup(SourceFile& source, const OpenGroup& group, std::span<const char* const> way,
-                    const Function& function) {
-  if (way.empty()) {
-    return function(group);
-  }
-  const auto opened = source.openGroup(group, way.front());
-  return opened.isObject()
-             ? inGroup(source, group.below(opened.id.get(), way.front()), way.subspan(1), function)
-             : StoredArray();
-}
-
 const char* containerOf(Entity entity) noexcept {
   constexpr std::array kNames = {layout::kNodes, layout::kEdges, layout::kFaces, layout::kElements};
   return kNames[static_cast<std::size_t>(entity)];
 }
 
-/// Opens a dataset at the end of a way, by its sub-path or as a member of a group of vectors.
-StoredArray openArray(SourceFile& source, std::span<const char* const> way, const char* subPath) {
-  StoredArray array = inGroup(source, source.root(), way, [&](const OpenGroup& group) {
-    auto opened = source.openDataset(group, subPath);
-    return StoredArray{{}, opened.isObject() ? std::move(opened.id) : orvml_io::DatasetId()};
-  });
+using Way = std::initializer_list<const char*>;
+
+/// Opens a dataset in the group at the end of a way of sub-paths.
+///
+/// @param subPath  that of the dataset
+/// @param open     opens it in the group
+template <class Open>
+StoredArray openArray(SourceFile& source, Way way, const std::string& subPath, const Open& open) {
+  StoredArray array;
+  OpenGroup group = source.root();
+  std::vector<orvml_io::GroupId> groups;  // open as long as something is looked for in them
+  bool isThere = true;
   for (const char* part : way) {
     array.object += part;
+    auto opened = source.openGroup(group, part);
+    isThere = isThere && opened.isObject();
+    group = group.below(opened.id.get(), part);
+    groups.push_back(std::move(opened.id));
   }
   array.object += subPath;
+  if (isThere) {
+    auto opened = open(group);
+    array.dataset = opened.isObject() ? std::move(opened.id) : orvml_io::DatasetId();
+  }
   return array;
 }
 
-StoredArray openVector(SourceFile& source, std::span<const char* const> way,
-                       std::string_view name) {
-  StoredArray array = inGroup(source, source.root(), way, [&](const OpenGroup& group) {
-    auto opened = source.openMember(group, std::string(name));
-    return StoredArray{{}, opened.isObject() ? std::move(opened.id) : orvml_io::DatasetId()};
+StoredArray openMesh(SourceFile& source, Way way, const char* subPath) {
+  return openArray(source, way, subPath,
+                   [&](const OpenGroup& group) { return source.openDataset(group, subPath); });
+}
+
+StoredArray openVector(SourceFile& source, Way way, std::string_view vector, bool hasNames) {
+  const std::string name(vector);
+  return openArray(source, way, "/" + name, [&](const OpenGroup& group) {
+    return hasNames ? source.openMember(group, name) : orvml_io::Opened<orvml_io::DatasetId>();
   });
-  for (const char* part : way) {
-    array.object += part;
-  }
-  array.object.append("/").append(name);
-  return array;
 }
 
 bool hasExtents(hid_t dataset, std::span<const hsize_t> wanted) {
@@ -100,24 +103,27 @@ bool isOneOf(hid_t dataset, std::initializer_list<hid_t> types) {
 
 }  // namespace
 
+StoredArrays::StoredArrays(hid_t file, Kind kind)
+    : source_(file),
+      kind_(kind),
+      hasNames_(!orvml_io::isBelowNamedFormat(
+          orvml_io::readRootText(file, layout::kFormatVersion).value_or("").c_str())) {}
+
 StoredArray StoredArrays::coordinates() {
-  const std::array way = {groupOf(kind_), layout::kNodes};
-  return openArray(source_, way, layout::kCoordinates);
+  return openMesh(source_, {groupOf(kind_), layout::kNodes}, layout::kCoordinates);
 }
 
 StoredArray StoredArrays::nodeIndices(Entity entity) {
-  const std::array way = {groupOf(kind_), containerOf(entity)};
-  return openArray(source_, way, layout::kConnectivities);
+  return openMesh(source_, {groupOf(kind_), containerOf(entity)}, layout::kConnectivities);
 }
 
 StoredArray StoredArrays::attribute(Entity entity, std::string_view name) {
-  const std::array way = {groupOf(kind_), containerOf(entity), layout::kAttributes};
-  return openVector(source_, way, name);
+  return openVector(source_, {groupOf(kind_), containerOf(entity), layout::kAttributes}, name,
+                    hasNames_);
 }
 
 StoredArray StoredArrays::vectorParameter(std::string_view name) {
-  const std::array way = {groupOf(kind_), layout::kParametersVector};
-  return openVector(source_, way, name);
+  return openVector(source_, {groupOf(kind_), layout::kParametersVector}, name, hasNames_);
 }
 
 bool isReadByVtk(hid_t dataset, std::int64_t length) {

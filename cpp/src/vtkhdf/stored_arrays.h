@@ -11,17 +11,17 @@
 
 namespace orvml::detail {
 
-/// A dataset of a document, which may not be there: a document may have got its values from another
-/// one, as those of older layouts do.
+/// A dataset of a document. It is not open where the document has its values from elsewhere: in
+/// older layouts vectors have no names.
 struct StoredArray {
-  std::string object;  ///< its absolute path in the file
+  std::string object;  ///< its absolute path in a file of the present layout
   orvml_io::DatasetId dataset;
 };
 
 /// The datasets of a document. What readers refuse, as data of other files, is not opened.
 class StoredArrays {
  public:
-  StoredArrays(hid_t file, Kind kind) : source_(file), kind_(kind) {}
+  StoredArrays(hid_t file, Kind kind);
 
   [[nodiscard]] StoredArray coordinates();
   [[nodiscard]] StoredArray nodeIndices(Entity entity);
@@ -31,6 +31,7 @@ class StoredArrays {
  private:
   orvml_io::SourceFile source_;
   Kind kind_;
+  bool hasNames_;  // of vectors
 };
 
 /// Whether VTK reads the values of a dataset, which is open, with these extents and no others.
