@@ -138,6 +138,7 @@ class Help(Shell):
         self.write("before.h5", tetrahedron())
         self.write("old.h5", tetrahedron())
         self.write("after.h5", documents.full_document())
+        self.write("part.hdf", documents.full_document())
         (self.folder / "part.stl").write_text(
             "solid\nfacet\nvertex 0 0 0\nvertex 1 0 0\nvertex 0 1 0\nendfacet\nendsolid\n")
 
@@ -157,7 +158,7 @@ class Help(Shell):
 
     def test_help_lists_every_command(self):
         printed = self.run_line("orvml --help")[1]
-        listed = re.findall(r"^  (\w+)  ", printed.split("Subcommands:")[1], re.M)
+        listed = re.findall(r"^  ([\w-]+)  ", printed.split("Subcommands:")[1], re.M)
         self.assertEqual(sorted(listed), sorted(COMMANDS))
 
     def test_manual_page_knows_every_option(self):
