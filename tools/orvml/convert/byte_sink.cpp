@@ -11,16 +11,28 @@
 namespace orvml_tool {
 
 ByteSink::ByteSink(int descriptor, std::filesystem::path file)
-    : descriptor_(descriptor), file_(std::move(file)), block_(kBlock) {}
+    : descriptor_(descriptor), file_(std::move(file)), block_(2 * kBlock) {}
 
 void ByteSink::write(std::string_view bytes) {
-  if (bytes.size() >= block_.size()) {
-    flush();
-    writeThrough(bytes);
-    return;
+  if (bytes.size() >= kBlock) {
+    const std::size_t toBoundary = (kBlock - position() % kBlock) % kBlock;
+    write(bytes.substr(0, toBoundary));
+    writeWholeBlocks();
+    bytes.remove_prefix(toBoundary);
+    const std::size_t whole = bytes.size() / kBlock * kBlock;
+    writeThrough(bytes.substr(0, whole));
+    bytes.remove_prefix(whole);
   }
   bytes.copy(room(bytes.size()), bytes.size());
   advance(bytes.size());
+}
+
+void ByteSink::writeWholeBlocks() {
+  const std::uint64_t boundary = position() / kBlock * kBlock;
+  const std::size_t whole = boundary > written_ ? static_cast<std::size_t>(boundary - written_) : 0;
+  writeThrough({block_.data(), whole});
+  used_ -= whole;
+  std::memmove(block_.data(), block_.data() + whole, used_);
 }
 
 void ByteSink::flush() {

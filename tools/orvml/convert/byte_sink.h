@@ -17,6 +17,8 @@ static_assert(std::endian::native == std::endian::little,
 
 /// Bytes on their way into a file. Small pieces are collected; large ones, such as arrays that lie
 /// in mapped pages, go from where they are. Throws Refusal when the file cannot be written.
+///
+/// What is written begins and ends at whole blocks of the file, for which systems need less work.
 class ByteSink {
  public:
   /// @param descriptor  of an empty file that is open; it stays open
@@ -47,7 +49,7 @@ class ByteSink {
   static constexpr std::size_t kBlock = std::size_t{1} << 18U;
   [[nodiscard]] char* room(std::size_t bytes) {
     if (block_.size() - used_ < bytes) {
-      flush();
+      writeWholeBlocks();
     }
     return block_.data() + used_;
   }
@@ -63,12 +65,13 @@ class ByteSink {
   [[nodiscard]] std::uint64_t position() const noexcept { return written_ + used_; }
 
  private:
+  void writeWholeBlocks();
   void writeThrough(std::string_view bytes);
   void writeAt(std::uint64_t position, std::string_view bytes);
 
   int descriptor_;
   std::filesystem::path file_;
-  std::vector<char> block_;
+  std::vector<char> block_;  // twice as large as one, so that there is room for one behind the last
   std::size_t used_ = 0;
   std::uint64_t written_ = 0;
 };
