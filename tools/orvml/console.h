@@ -41,8 +41,8 @@ enum class Colour { bold, red, yellow, cyan, green };
 [[nodiscard]] std::string coloured(std::string_view text, Colour colour,
                                    Stream stream = Stream::output);
 
-/// The bytes of the first character of a text that is not empty; 0 when it is none that can be shown:
-/// no UTF-8, or one that controls terminals.
+/// The bytes of the first character of a text that is not empty; 0 when it is none that can be
+/// shown: no UTF-8, or one that controls terminals.
 [[nodiscard]] std::size_t characterLength(std::string_view text);
 
 /// A name as it can be shown on one line: control characters as \n or \x1b and bytes that are no

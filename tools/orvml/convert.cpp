@@ -17,6 +17,7 @@
 #include "save_documents.h"
 
 #include <algorithm>
+#include <future>
 #include <map>
 #include <memory>
 #include <optional>
@@ -84,23 +85,66 @@ void requireDirections(const ConvertArguments& options, const MeshFormat* from,
   }
 }
 
-/// Indices beyond the nodes would have other programs read elsewhere.
-void requireNodesOfCells(const DocumentView& document, const std::string& shown) {
-  const auto nodes = static_cast<unsigned>(document.nodes().size());
-  for (const Entity container : {Entity::edges, Entity::faces, Entity::elements}) {
-    for (const orvml::CellGroup& group : document.cells(container).groups()) {
-      unsigned greatest = 0;  // of negative ones, too, which are the greatest as unsigned
-      for (const int node : group.nodeIndices()) {
-        greatest = std::max(greatest, static_cast<unsigned>(node));
-      }
-      if (!group.nodeIndices().empty() && greatest >= nodes) {
+constexpr std::size_t kPiece = std::size_t{1} << 20U;  // indices that a thread looks at in turn
+
+/// Whether a node index is beyond the nodes. Negative ones are, too: as unsigned they are the
+/// greatest.
+bool isBeyond(std::span<const int> nodeIndices, unsigned nodes) {
+  unsigned greatest = 0;
+  for (const int node : nodeIndices) {
+    greatest = std::max(greatest, static_cast<unsigned>(node));
+  }
+  return !nodeIndices.empty() && greatest >= nodes;
+}
+
+/// Indices beyond the nodes would have other programs read elsewhere. They are looked for on
+/// threads, which a format that does not look nodes up itself need not wait for; and who comes
+/// behind them finds the pages of the file in memory.
+class NodesOfCells {
+ public:
+  NodesOfCells(const DocumentView& document, std::string shown, std::size_t threads)
+      : document_(document), shown_(std::move(shown)) {
+    for (std::size_t thread = 0; thread < threads; ++thread) {
+      found_.push_back(std::async(std::launch::async, [this, thread, threads] {
+        return firstBadContainer(thread, threads);
+      }));
+    }
+  }
+
+  /// Throws Refusal when there are such.
+  void require() {
+    for (auto& found : found_) {
+      if (const auto container = found.get()) {
         throw Refusal(
-            shown + ": cells of " + groupName(container) + " name nodes that there are not",
+            shown_ + ": cells of " + groupName(*container) + " name nodes that there are not",
             "see which ones with orvml check, or leave them out with orvml rescue");
       }
     }
+    found_.clear();
   }
-}
+
+ private:
+  /// Of every so many pieces, from one on.
+  [[nodiscard]] std::optional<Entity> firstBadContainer(std::size_t first,
+                                                        std::size_t threads) const {
+    const auto nodes = static_cast<unsigned>(document_.nodes().size());
+    for (const Entity container : {Entity::edges, Entity::faces, Entity::elements}) {
+      for (const orvml::CellGroup& group : document_.cells(container).groups()) {
+        const std::span<const int> all = group.nodeIndices();
+        for (std::size_t begin = first * kPiece; begin < all.size(); begin += threads * kPiece) {
+          if (isBeyond(all.subspan(begin, std::min(kPiece, all.size() - begin)), nodes)) {
+            return container;
+          }
+        }
+      }
+    }
+    return std::nullopt;
+  }
+
+  const DocumentView& document_;
+  std::string shown_;
+  std::vector<std::future<std::optional<Entity>>> found_;
+};
 
 /// Every document of a file in turn would end in the same file, so it has to be one.
 const DocumentView& chosen(const orvml::Exchange& documents, const DocumentChoice& choice,
@@ -229,7 +273,12 @@ std::vector<std::pair<std::string, std::vector<Entity>>> filesOf(const ConvertAr
 }
 
 std::vector<std::string> writeForeign(const ConvertArguments& options, const MeshFormat& format,
-                                      const DocumentView& document, ConversionReport& report) {
+                                      const DocumentView& document, const std::string& shown,
+                                      ConversionReport& report) {
+  NodesOfCells nodes(document, shown, format.looksNodesUp ? 2 : 1);
+  if (format.looksNodesUp) {
+    nodes.require();
+  }
   std::vector<std::string> names;
   for (auto& [name, containers] : filesOf(options, document)) {
     ExportOptions exported = options.exported;
@@ -238,6 +287,7 @@ std::vector<std::string> writeForeign(const ConvertArguments& options, const Mes
     written.write([&](const std::filesystem::path& path) {
       writeWholeFile(path, [&](ByteSink& sink) {
         format.writes(document, exported, sink, report);
+        nodes.require();
         refuseChanges(options, report);
       });
     });
@@ -270,8 +320,7 @@ int runConvert(const ConvertArguments& options) {
                     [&] { return writeExchange(options, source.documents(), report); });
     } else {
       const DocumentView& document = chosen(source.documents(), options.choice, source.shown());
-      requireNodesOfCells(document, source.shown());
-      files = writeForeign(options, *to, document, report);
+      files = writeForeign(options, *to, document, source.shown(), report);
     }
   }
   printReport(options, report, from, to, files);

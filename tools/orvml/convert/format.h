@@ -24,8 +24,8 @@ struct ExportOptions {
   std::string entityAttribute;  ///< the attribute of cells that numbers the entities or sets
 };
 
-/// Writes a document. Its node indices were checked. Throws Refusal for what cannot be written at
-/// all.
+/// Writes a document. Its node indices were checked where the format looks nodes up. Throws Refusal
+/// for what cannot be written at all.
 using Exporter = void (*)(const orvml::DocumentView& document, const ExportOptions& options,
                           ByteSink& sink, ConversionReport& report);
 
@@ -40,6 +40,8 @@ struct MeshFormat {
   std::vector<std::string_view> endings;  ///< without the dot, in small letters
   Exporter writes = nullptr;              ///< null for formats that are only read
   Importer reads = nullptr;               ///< null for formats that are only written
+  /// Whether the exporter uses node indices for more than writing them down.
+  bool looksNodesUp = true;
 };
 
 /// All of them.

@@ -8,7 +8,7 @@ namespace orvml_tool {
 
 std::span<const MeshFormat> foreignFormats() {
   static const std::vector<MeshFormat> kFormats = {
-      {"vtu", {"vtu"}, writeVtu, readVtu},
+      {"vtu", {"vtu"}, writeVtu, readVtu, false},
       {"msh", {"msh"}, writeMsh, readMsh},
       {"inp", {"inp"}, writeInp, nullptr},
       {"nastran", {"nas", "bdf", "dat"}, writeNastran, nullptr},
