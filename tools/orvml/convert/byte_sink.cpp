@@ -16,13 +16,17 @@ ByteSink::ByteSink(int descriptor, std::filesystem::path file)
 void ByteSink::write(std::string_view bytes) {
   if (bytes.size() >= kBlock) {
     const std::size_t toBoundary = (kBlock - position() % kBlock) % kBlock;
-    write(bytes.substr(0, toBoundary));
+    collect(bytes.substr(0, toBoundary));
     writeWholeBlocks();
     bytes.remove_prefix(toBoundary);
     const std::size_t whole = bytes.size() / kBlock * kBlock;
     writeThrough(bytes.substr(0, whole));
     bytes.remove_prefix(whole);
   }
+  collect(bytes);
+}
+
+void ByteSink::collect(std::string_view bytes) {
   bytes.copy(room(bytes.size()), bytes.size());
   advance(bytes.size());
 }

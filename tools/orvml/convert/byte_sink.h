@@ -65,6 +65,7 @@ class ByteSink {
   [[nodiscard]] std::uint64_t position() const noexcept { return written_ + used_; }
 
  private:
+  void collect(std::string_view bytes);
   void writeWholeBlocks();
   void writeThrough(std::string_view bytes);
   void writeAt(std::uint64_t position, std::string_view bytes);

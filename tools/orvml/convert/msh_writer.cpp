@@ -28,7 +28,7 @@ constexpr std::size_t kLongestMshNumber = 32;
 
 /// How the binary form holds numbers: as they lie in memory, nothing between them.
 struct MshBinary {
-  static constexpr bool isText = false;
+  static constexpr bool kIsText = false;
   template <class T>
   static char* put(char* out, T value, char /*after*/) {
     std::memcpy(out, &value, sizeof value);
@@ -37,7 +37,7 @@ struct MshBinary {
 };
 
 struct MshText {
-  static constexpr bool isText = true;
+  static constexpr bool kIsText = true;
   template <class T>
   static char* put(char* out, T value, char after) {
     out = std::to_chars(out, out + kLongestMshNumber - 1, value).ptr;
@@ -199,14 +199,14 @@ class MshWriter {
 
   void beginSection(std::string_view name) { sink_.write("$" + std::string(name) + "\n"); }
   void endSection(std::string_view name) {
-    sink_.write((Numbers::isText ? "$End" : "\n$End") + std::string(name) + "\n");
+    sink_.write((Numbers::kIsText ? "$End" : "\n$End") + std::string(name) + "\n");
   }
 
   // Sections.
 
   void writeFormat() {
-    sink_.write(Numbers::isText ? "$MeshFormat\n4.1 0 8\n" : "$MeshFormat\n4.1 1 8\n");
-    if (!Numbers::isText) {
+    sink_.write(Numbers::kIsText ? "$MeshFormat\n4.1 0 8\n" : "$MeshFormat\n4.1 1 8\n");
+    if (!Numbers::kIsText) {
       put(1, '\n');
     }
     endSection("MeshFormat");
@@ -274,7 +274,7 @@ class MshWriter {
     if (width != 3) {
       report_.add(orvml::Fate::padded, pathOf(document_, Entity::nodes),
                   static_cast<std::int64_t>(nodes), "get z = 0, which msh has of every node");
-    } else if (!Numbers::isText) {
+    } else if (!Numbers::kIsText) {
       sink_.writeValues(xyz);
       return;
     }
@@ -401,7 +401,7 @@ class MshWriter {
           });
         },
         attribute.values);
-    if (Numbers::isText && !attribute.holdsInts()) {
+    if (Numbers::kIsText && !attribute.holdsInts()) {
       reportPayloads(entity, attribute, attribute.doubles().subspan(first, count));
     }
   }
