@@ -5,6 +5,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 
@@ -56,9 +57,11 @@ void ByteSink::writeThrough(std::string_view bytes) {
 }
 
 void ByteSink::writeAt(std::uint64_t position, std::string_view bytes) {
+  // Linux copies 1 MiB after the other a quarter faster than all of a large array at once.
+  constexpr std::size_t kPortion = std::size_t{1} << 20U;
   while (!bytes.empty()) {
-    const ssize_t written =
-        ::pwrite(descriptor_, bytes.data(), bytes.size(), static_cast<off_t>(position));
+    const ssize_t written = ::pwrite(descriptor_, bytes.data(), std::min(bytes.size(), kPortion),
+                                     static_cast<off_t>(position));
     if (written < 0 && errno != EINTR) {
       throw Refusal(printable(file_) + ": cannot be written: " + std::strerror(errno),
                     "make room, or write elsewhere");

@@ -283,11 +283,10 @@ class VtuWriter {
 
   template <class T>
   static void writeRepeated(AppendedArray& array, T value, std::size_t count) {
-    MadeValues<T> made(array);
-    for (std::size_t i = 0; i < count; ++i) {
-      made.add(value);
+    const std::vector<T> block(std::min(count, kBlockBytes), value);
+    for (; count > 0; count -= std::min(count, block.size())) {
+      array.writeValues(std::span(block).first(std::min(count, block.size())));
     }
-    made.finish();
   }
 
   template <class T, class Of>
@@ -344,16 +343,28 @@ class VtuWriter {
             });
     declare("Cells", type, "offsets", "", numberOfCells(groups_) * sizeof(Index),
             [this](AppendedArray& array) {
-              MadeValues<Index> made(array);
               Index end = 0;
               for (const PlacedGroup& placed : groups_) {
-                for (int cell = 0; cell < placed.group.size(); ++cell) {
-                  end += placed.group.nodesPerCell();
-                  made.add(end);
-                }
+                end = writeEnds(array, end, placed.group);
               }
-              made.finish();
             });
+  }
+
+  /// Writes where each cell of a group ends and returns where the last one does.
+  template <class Index>
+  static Index writeEnds(AppendedArray& array, Index end, const orvml::CellGroup& group) {
+    std::vector<Index> block(kBlockBytes);
+    const Index width = group.nodesPerCell();
+    for (auto left = static_cast<std::size_t>(group.size()); left > 0;) {
+      const std::size_t count = std::min(left, block.size());
+      for (std::size_t i = 0; i < count; ++i) {
+        end += width;
+        block[i] = end;
+      }
+      array.writeValues(std::span<const Index>(block).first(count));
+      left -= count;
+    }
+    return end;
   }
 
   template <class Index>
@@ -397,19 +408,28 @@ class VtuWriter {
             factsText_.size(), [this](AppendedArray& array) { array.write(factsText_); });
   }
 
+  void writeTag(std::string_view opening, const std::string& section) {
+    sink_.write(opening);
+    sink_.write(section);
+    sink_.write(">\n");
+  }
+
   void writeDeclarations(std::vector<Declared>& arrays) {
-    std::string section;
-    for (Declared& array : arrays) {
-      if (array.section != section) {
-        sink_.write(section.empty() ? "" : "</" + section + ">\n");
-        section = array.section;
-        sink_.write("<" + section + ">\n");
+    for (std::size_t i = 0; i < arrays.size(); ++i) {
+      Declared& array = arrays[i];
+      if (i == 0 || arrays[i - 1].section != array.section) {
+        writeTag("<", array.section);
       }
-      sink_.write("<DataArray " + array.attributes + " format=\"appended\" ");
+      sink_.write("<DataArray ");
+      sink_.write(array.attributes);
+      sink_.write(" format=\"appended\" ");
       array.offsetPosition = sink_.position();
-      sink_.write(std::string(kOffsetRoom, ' ') + "/>\n");
+      sink_.write(std::string(kOffsetRoom, ' '));
+      sink_.write("/>\n");
+      if (i + 1 == arrays.size() || arrays[i + 1].section != array.section) {
+        writeTag("</", array.section);
+      }
     }
-    sink_.write(section.empty() ? "" : "</" + section + ">\n");
   }
 
   /// Compressed arrays have a size when they are written, so the offsets are set then.
