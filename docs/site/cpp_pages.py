@@ -27,6 +27,7 @@ PAGES = {
     "check": "Checks",
     "rescue": "Rescue and upgrade",
     "vtkhdf": "Files that VTK opens",
+    "vtk_cells": "Cells of VTK",
     "conversion": "What conversions keep",
     "interop": "Handles of the flat functions",
     "error": "Errors and findings",

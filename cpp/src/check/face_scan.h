@@ -49,9 +49,9 @@ struct NodeRange {
 template <const auto& kFaces, std::size_t kFace>
 int lowestOf(const int* nodes) noexcept {
   constexpr FaceCorners kCorners = kFaces[kFace];
-  constexpr auto c = kCorners.corners;
-  const int lowest = std::min({nodes[c[0]], nodes[c[1]], nodes[c[2]]});
-  return kCorners.count == 4 ? std::min(lowest, nodes[c[3]]) : lowest;
+  constexpr auto kAt = kCorners.corners;
+  const int lowest = std::min({nodes[kAt[0]], nodes[kAt[1]], nodes[kAt[2]]});
+  return kCorners.count == 4 ? std::min(lowest, nodes[kAt[3]]) : lowest;
 }
 
 /// The key of a face.
@@ -60,13 +60,13 @@ int lowestOf(const int* nodes) noexcept {
 template <const auto& kFaces, std::size_t kFace>
 std::uint64_t keyOf(const int* nodes, const std::uint64_t* hashes) noexcept {
   constexpr FaceCorners kCorners = kFaces[kFace];
-  constexpr auto c = kCorners.corners;
-  const std::uint64_t sum = hashes[c[0]] + hashes[c[1]] + hashes[c[2]];
+  constexpr auto kAt = kCorners.corners;
+  const std::uint64_t sum = hashes[kAt[0]] + hashes[kAt[1]] + hashes[kAt[2]];
   if constexpr (kCorners.count == 4) {
-    return ((sum + hashes[c[3]]) & ~kFlags) |
-           turnOf(nodes[c[0]], nodes[c[1]], nodes[c[2]], nodes[c[3]]);
+    return ((sum + hashes[kAt[3]]) & ~kFlags) |
+           turnOf(nodes[kAt[0]], nodes[kAt[1]], nodes[kAt[2]], nodes[kAt[3]]);
   } else {
-    return (sum & ~kFlags) | turnOf(nodes[c[0]], nodes[c[1]], nodes[c[2]]);
+    return (sum & ~kFlags) | turnOf(nodes[kAt[0]], nodes[kAt[1]], nodes[kAt[2]]);
   }
 }
 

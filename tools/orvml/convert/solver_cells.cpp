@@ -31,6 +31,7 @@ SolverCell reordered(Shape shape, int nodes, std::string_view name, NodePlaces o
 
 std::vector<MadeNode> middles(const std::vector<NodePlaces>& edges) {
   std::vector<MadeNode> made;
+  made.reserve(edges.size());
   for (const NodePlaces& edge : edges) {
     made.push_back({MadeNode::Place::middleOfEdge, edge});
   }

@@ -2,9 +2,10 @@
 
 #include "convert/format_error.h"
 
+#include <array>
 #include <bit>
 #include <climits>
-#include <cstring>
+#include <cstdint>
 
 namespace orvml_tool {
 
@@ -28,6 +29,11 @@ std::uint64_t hashOf(const Places::Point& point) noexcept {
   return hash;
 }
 
+/// Places are the same that have the same bits: not a number is one, too.
+std::array<std::uint64_t, 3> bitsOf(const std::array<double, 3>& point) noexcept {
+  return std::bit_cast<std::array<std::uint64_t, 3>>(point);
+}
+
 }  // namespace
 
 /// Where a place is, or the free slot where it belongs.
@@ -35,7 +41,7 @@ std::size_t Places::slotOf(const Point& point) const noexcept {
   const std::size_t mask = slots_.size() - 1;
   std::size_t slot = hashOf(point) & mask;
   while (slots_[slot] >= 0 &&
-         std::memcmp(&points_[static_cast<std::size_t>(slots_[slot])], &point, sizeof point) != 0) {
+         bitsOf(points_[static_cast<std::size_t>(slots_[slot])]) != bitsOf(point)) {
     slot = (slot + 1) & mask;
   }
   return slot;
