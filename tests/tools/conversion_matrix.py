@@ -114,13 +114,13 @@ class Converter:
 
 def table():
     endings = ROUND_TRIPS + WRITTEN_ONLY
-    lines = ["| Shape | Nodes | " + " | ".join(f".{ending}" for ending in endings) + " |",
-             "|---|---|" + "---|" * len(endings)]
+    lines = ["| Shape, nodes | " + " | ".join(f".{ending}" for ending in endings) + " |",
+             "|---|" + "---|" * len(endings)]
     with tempfile.TemporaryDirectory() as folder:
         converter = Converter(folder)
         for form in FORMS:
             cells = [converter.cell_of(form, ending) for ending in endings]
-            lines.append(f"| {NAMES[form[0]]} | {form[1]} | " + " | ".join(cells) + " |")
+            lines.append(f"| {NAMES[form[0]]} {form[1]} | " + " | ".join(cells) + " |")
     return "\n".join(lines)
 
 

@@ -53,7 +53,8 @@ _STYLE = """<style>
   text { font-family: 'DejaVu Sans', 'Inter', system-ui, sans-serif; font-size: 11.5px; fill: #1d2b2b; }
   .head { font-weight: 600; font-size: 13px; }
   .small { font-size: 11.5px; fill: #4a5c5c; }
-  .edge { stroke: #0b6e6e; stroke-width: 1.5; }
+  .edge { stroke: #0b6e6e; stroke-width: 1.5; fill: none; }
+  .node { paint-order: stroke; stroke: #f7faf9; stroke-width: 3; }
   .corner { fill: #0b6e6e; stroke: #0b6e6e; stroke-width: 1.2; }
   .between { fill: #ffffff; stroke: #b4690e; stroke-width: 1.5; }
 </style>"""
@@ -102,7 +103,7 @@ def panel_svg(shape, form, title, name, order, left, top):
         x, y = points[node]
         kind = "corner" if node < len(CORNERS[shape]) else "between"
         text.append(f'<circle class="{kind}" cx="{x:.0f}" cy="{y:.0f}" r="3.5"/>')
-        text.append(f'<text x="{x + 6:.0f}" y="{y - 5:.0f}">{number}</text>')
+        text.append(f'<text class="node" x="{x + 6:.0f}" y="{y - 5:.0f}">{number}</text>')
     return text
 
 
