@@ -8,7 +8,7 @@ import unittest
 import numpy as np
 
 import documents
-from shell import COMMAND, INT, Cells, Document, Shell, TypeGroup, exchange_writer, tetrahedron
+from shell import COMMAND, INT, Cells, Document, Shell, TypeGroup, exchange_writer, tetrahedron, within_memory
 
 OFF = "OFF\n4 2 0\n0 0 0\n1 0 0\n0 1 0\n0 0 1\n3 0 1 2\n3 0 2 3\n"
 
@@ -163,7 +163,7 @@ class Convert(Shell):
         size = (self.folder / "part.h5").stat().st_size
         self.assertGreater(size, 50 * 2**20)
         code, _, told = self.run_line(
-            f"ulimit -d {25 * 1024}; orvml convert part.h5 part.vtu")  # KiB of data
+            within_memory(f"-d {25 * 1024}", "orvml convert part.h5 part.vtu"))  # KiB of data
         self.assertEqual((code, told), (0, ""))
 
 

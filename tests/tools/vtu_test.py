@@ -9,7 +9,7 @@ from vtk.util.numpy_support import numpy_to_vtk, vtk_to_numpy
 
 import documents
 from cells_of_vtk import CONTAINERS, VTK_TYPES, random_cell
-from shell import INT, Cells, Document, Shell, TypeGroup, Vector, tetrahedron
+from shell import INT, Cells, Document, Shell, TypeGroup, Vector, tetrahedron, within_memory
 
 OLDER_PRISMS = {6: [0, 2, 1, 3, 5, 4], 12: [0, 2, 1, 3, 5, 4, 8, 7, 6, 11, 10, 9],
                 15: [0, 2, 1, 3, 5, 4, 8, 7, 6, 11, 10, 9, 12, 14, 13],
@@ -436,7 +436,7 @@ class Hostile(Vtu):
             with self.subTest(values=values):
                 (self.folder / "huge.vtu").write_text(text.format(*values))
                 code, _, told = self.run_line(
-                    "ulimit -v 2000000; orvml convert huge.vtu found.h5")
+                    within_memory("-v 2000000", "orvml convert huge.vtu found.h5"))
                 self.assertEqual(code, 2, told)
                 self.assertIn("orvml: error: huge.vtu: ", told)
 
