@@ -64,7 +64,7 @@ class Convert(Shell):
         code, printed, told = self.run_line("orvml convert part.step part.iges")
         self.assertEqual((code, printed), (2, ""))
         self.assertIn("part.iges: has an ending that is not known\n  cure: say ", told)
-        for arguments in ("part.hdf", "part.orvml", "part", "part.iges --to exchange"):
+        for arguments in ("part.hdf", "PART.H5", "part.orvml", "part", "part.iges --to exchange"):
             self.assertEqual(self.run_line(f"orvml convert part.step {arguments}")[0], 0)
 
     def test_document_of_another_format_is_what_is_asked_for(self):
@@ -156,6 +156,29 @@ class Convert(Shell):
             code, printed, told = self.run_line(f"orvml convert {line}")
             self.assertEqual((code, printed), (2, ""))
             self.assertIn("--split is for files of other formats that have names", told)
+
+    def test_split_files_come_together_or_not_at_all(self):
+        document = tetrahedron()
+        document.cells["Elements"] = Cells([TypeGroup(99, 1, 1)], np.array([0], INT), {})
+        self.write("part.h5", document)
+        for line in ("part.h5 part.vtu --split --strict",
+                     "part.h5 none/part.vtu --split"):
+            code, printed, _ = self.run_line(f"orvml convert {line}")
+            self.assertEqual((code, printed), (2, ""))
+            self.assertEqual(self.files(), ["part.h5"])
+
+    def test_split_tells_of_each_change_once(self):
+        plane = documents.plane_document()
+        plane.cells["Edges"] = Cells([TypeGroup(1, 2, 1)], np.array([0, 1], INT), {})
+        self.write("part.h5", plane)
+        printed = self.run_line("orvml convert part.h5 part.vtu --split")[1]
+        self.assertEqual(printed.count("get z = 0"), 1, printed)
+
+    def test_split_of_no_cells_is_refused(self):
+        self.write("part.h5", documents.document_without_parameters())
+        code, printed, told = self.run_line("orvml convert part.h5 part.vtu --split")
+        self.assertEqual((code, printed), (2, ""))
+        self.assertIn("part.h5: there are no cells to be split", told)
 
     def test_memory_does_not_grow_with_the_mesh(self):
         """Beyond the pages of the file, which are the system's to take back."""

@@ -96,9 +96,8 @@ void printFigure(const orvml::QualityFigure& figure) {
 
 void printQuality(const std::vector<orvml::CellQuality>& quality) {
   for (const orvml::CellQuality& cells : quality) {
-    print("  quality of " + countedCells(cells.cells, cells.shape) + " in /" +
-          (cells.kind == orvml::Kind::input ? "OrvInput/" : "OrvOutput/") +
-          groupName(cells.entity) + "\n");
+    print("  quality of " + countedCells(cells.cells, cells.shape) + " in " +
+          documentPath(cells.kind) + "/" + groupName(cells.entity) + "\n");
     for (const orvml::QualityFigure& figure : cells.figures) {
       printFigure(figure);
     }

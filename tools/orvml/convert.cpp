@@ -18,6 +18,7 @@
 
 #include <algorithm>
 #include <future>
+#include <list>
 #include <map>
 #include <memory>
 #include <optional>
@@ -49,9 +50,9 @@ struct ConvertArguments {
 /// Exchange files are read whatever their ending is. A new one has none, or one of these: a format
 /// that the command does not know must not look as if it had been written.
 bool isEndingOfExchange(const std::string& file) {
-  const std::string ending = std::filesystem::path(file).extension().string();
-  return file == "-" || ending.empty() || ending == ".h5" || ending == ".hdf5" ||
-         ending == ".hdf" || ending == ".orvml";
+  const std::string ending = endingOf(file);
+  return file == "-" || ending.empty() || ending == "h5" || ending == "hdf5" || ending == "hdf" ||
+         ending == "orvml";
 }
 
 /// The format that was named, else that of the ending; null for exchange files.
@@ -257,21 +258,30 @@ std::string splitName(const std::string& file, Entity container) {
       .string();
 }
 
-/// The files that are written with the containers that go into each.
-std::vector<std::pair<std::string, std::vector<Entity>>> filesOf(const ConvertArguments& options,
-                                                                 const DocumentView& document) {
+struct FileOfContainers {
+  std::string name;
+  std::vector<Entity> containers;
+};
+
+std::vector<FileOfContainers> filesOf(const ConvertArguments& options, const DocumentView& document,
+                                      const std::string& shown) {
   if (!options.splits) {
     return {{options.written, options.exported.containers}};
   }
-  std::vector<std::pair<std::string, std::vector<Entity>>> files;
+  std::vector<FileOfContainers> files;
   for (const Entity container : options.exported.containers) {
     if (document.cells(container).size() > 0) {
-      files.emplace_back(splitName(options.written, container), std::vector{container});
+      files.push_back({splitName(options.written, container), {container}});
     }
+  }
+  if (files.empty()) {
+    throw Refusal(shown + ": there are no cells to be split",
+                  "leave --split out to write the nodes, or name other cells with --only");
   }
   return files;
 }
 
+/// Writes them all before the first takes its place: what is refused leaves none of them.
 std::vector<std::string> writeForeign(const ConvertArguments& options, const MeshFormat& format,
                                       const DocumentView& document, const std::string& shown,
                                       ConversionReport& report) {
@@ -280,19 +290,23 @@ std::vector<std::string> writeForeign(const ConvertArguments& options, const Mes
     nodes.require();
   }
   std::vector<std::string> names;
-  for (auto& [name, containers] : filesOf(options, document)) {
-    ExportOptions exported = options.exported;
-    exported.containers = containers;
-    const OutputFile written(name);
-    written.write([&](const std::filesystem::path& path) {
-      writeWholeFile(path, [&](ByteSink& sink) {
-        format.writes(document, exported, sink, report);
-        nodes.require();
-        refuseChanges(options, report);
-      });
-    });
-    names.push_back(name);
-  }
+  const OutputFile output(options.written);
+  output.write([&](const std::filesystem::path& path) {
+    std::list<WrittenFile> written;
+    for (const FileOfContainers& file : filesOf(options, document, shown)) {
+      ExportOptions exported = options.exported;
+      exported.containers = file.containers;
+      WrittenFile& one =
+          written.emplace_back(options.splits ? std::filesystem::path(file.name) : path);
+      format.writes(document, exported, one.sink(), report);
+      names.push_back(file.name);
+    }
+    nodes.require();
+    refuseChanges(options, report);
+    for (WrittenFile& file : written) {
+      file.takePlace();
+    }
+  });
   return names;
 }
 

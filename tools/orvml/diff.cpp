@@ -82,10 +82,6 @@ Compared compare(orvml::Kind kind, const View& first, const View& second,
   return compared;
 }
 
-std::string groupOf(const Compared& compared) {
-  return compared.kind == orvml::Kind::input ? "/OrvInput" : "/OrvOutput";
-}
-
 std::string contractText(const Compared& compared) {
   if (!compared.report.areEqualByContract) {
     return "the comparison of the flat interface has no answer";
@@ -112,15 +108,15 @@ void printMatch(const orvml::MatchReport& match) {
 
 void printText(const Compared& compared) {
   if (compared.isInFirst != compared.isInSecond) {
-    print(groupOf(compared) + " is in the " + (compared.isInFirst ? "first" : "second") +
+    print(documentPath(compared.kind) + " is in the " + (compared.isInFirst ? "first" : "second") +
           " alone\n");
   }
   for (const orvml::Difference& difference : compared.report.differences) {
-    print(groupOf(compared) + printable(difference.object) + ": " + printable(difference.sentence) +
-          "\n");
+    print(documentPath(compared.kind) + printable(difference.object) + ": " +
+          printable(difference.sentence) + "\n");
   }
   if (compared.isInFirst && compared.isInSecond) {
-    print(groupOf(compared) + ": " + contractText(compared) + "\n");
+    print(documentPath(compared.kind) + ": " + contractText(compared) + "\n");
   }
   if (compared.report.match) {
     printMatch(*compared.report.match);

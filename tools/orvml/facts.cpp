@@ -78,6 +78,10 @@ std::string countedCells(std::int64_t count, orvml::Shape shape) {
 
 std::string kindName(orvml::Kind kind) { return kind == orvml::Kind::input ? "input" : "output"; }
 
+std::string documentPath(orvml::Kind kind) {
+  return kind == orvml::Kind::input ? "/OrvInput" : "/OrvOutput";
+}
+
 std::string groupName(orvml::Entity entity) {
   constexpr std::array<const char*, 4> kNames = {"Nodes", "Edges", "Faces", "Elements"};
   return kNames[static_cast<std::size_t>(entity)];

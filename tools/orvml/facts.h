@@ -44,6 +44,9 @@ struct ShapeCount {
 /// "input" or "output".
 [[nodiscard]] std::string kindName(orvml::Kind kind);
 
+/// "/OrvInput" or "/OrvOutput".
+[[nodiscard]] std::string documentPath(orvml::Kind kind);
+
 /// The four kinds of entities by their names in the format.
 [[nodiscard]] std::string groupName(orvml::Entity entity);  ///< such as "Nodes"
 

@@ -14,10 +14,6 @@ using orvml::Entity;
 
 namespace {
 
-std::string groupOf(const DocumentView& document) {
-  return document.kind() == orvml::Kind::input ? "/OrvInput" : "/OrvOutput";
-}
-
 bool isNamed(const NamedValue& value, std::string_view name) {
   return value.path == name ||
          (value.path.ends_with(name) && value.path[value.path.size() - name.size() - 1] == '/');
@@ -140,7 +136,7 @@ void NamedValues::addCells(const DocumentView& document, Entity entity) {
 void NamedValues::addArray(const DocumentView& document, const std::string& path,
                            orvml::Attribute::Values values, std::size_t rowLength) {
   NamedValue value;
-  value.path = groupOf(document) + path;
+  value.path = documentPath(document.kind()) + path;
   value.name = path.substr(path.rfind('/') + 1);
   value.kind = document.kind();
   value.values = values;

@@ -14,80 +14,59 @@
 #include "save_documents.h"
 
 #include <algorithm>
-#include <cctype>
 #include <memory>
+#include <string_view>
+#include <vector>
 
 namespace orvml_tool {
 
 namespace {
 
-enum class Source { json, stl, obj, off, ply };
-
 struct NewArguments {
   std::string written;
   std::string from;
-  std::optional<Source> format;
+  std::string format;  // empty: the ending tells
   std::optional<std::string> module;
   std::optional<std::string> moduleFormatVersion;
   std::string creator = "orvml";
   Assignments assignments;
 };
 
-const std::map<std::string, Source>& sources() {
-  static const std::map<std::string, Source> kSources = {{"json", Source::json},
-                                                         {"stl", Source::stl},
-                                                         {"obj", Source::obj},
-                                                         {"off", Source::off},
-                                                         {"ply", Source::ply}};
-  return kSources;
-}
+constexpr std::string_view kJson = "json";
+
+/// JSON, and the surfaces among the formats.
+std::vector<std::string> sourceNames() { return {std::string(kJson), "stl", "obj", "off", "ply"}; }
 
 /// The format that was named, else that of the file's ending; what comes from a pipe is JSON.
-Source sourceOf(const NewArguments& options) {
-  if (options.format) {
-    return *options.format;
+std::string sourceOf(const NewArguments& options) {
+  if (!options.format.empty()) {
+    return options.format;
   }
-  std::string ending = std::filesystem::path(options.from).extension().string();
-  std::transform(ending.begin(), ending.end(), ending.begin(),
-                 [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
-  const auto found = sources().find(ending.empty() ? "" : ending.substr(1));
   if (options.from == "-") {
-    return Source::json;
+    return std::string(kJson);
   }
-  if (found == sources().end()) {
+  const std::vector<std::string> names = sourceNames();
+  std::string ending = endingOf(options.from);
+  if (std::find(names.begin(), names.end(), ending) == names.end()) {
     throw Refusal(printable(options.from) + ": has no ending that tells what it is",
                   "say it with --format json, stl, obj, off or ply");
   }
-  return found->second;
-}
-
-/// An input document in space with the surface as its faces.
-Draft draftOfSurface(Source source, std::string_view bytes) {
-  ConversionReport report;  // of what files have beside a surface, which is all that is asked for
-  switch (source) {
-    case Source::stl:
-      return readStl(bytes, {}, report);
-    case Source::obj:
-      return readObj(bytes, {}, report);
-    case Source::off:
-      return readOff(bytes, {}, report);
-    default:
-      return readPly(bytes, {}, report);
-  }
+  return ending;
 }
 
 Draft draftFrom(const NewArguments& options) {
   if (options.from.empty()) {
     return {orvml::Kind::input, 3};
   }
-  const Source source = sourceOf(options);
+  const std::string source = sourceOf(options);
   const std::string shown = options.from == "-" ? "standard input" : printable(options.from);
   const std::string bytes = bytesOf(options.from);
-  if (source == Source::json) {
+  if (source == kJson) {
     return draftFromJson(bytes, shown);
   }
   try {
-    return draftOfSurface(source, bytes);
+    ConversionReport report;  // of what files have beside a surface, which is all that is asked for
+    return formatNamed(source)->reads(bytes, {}, report);
   } catch (const FormatError& error) {
     throw Refusal(shown + ": " + printable(std::string_view(error.what())),
                   "have it written again, as a surface of triangles and quadrilaterals");
@@ -96,7 +75,7 @@ Draft draftFrom(const NewArguments& options) {
 
 /// What the command line says goes before what the file says.
 void identify(Draft& draft, const NewArguments& options) {
-  const bool isOfJson = !options.from.empty() && sourceOf(options) == Source::json;
+  const bool isOfJson = !options.from.empty() && sourceOf(options) == kJson;
   if (options.module) {
     draft.setModule(*options.module);
   }
@@ -135,7 +114,7 @@ void addNew(CLI::App& app, Run& run) {
       "surface as .stl, .obj, .off or .ply; - is standard input; without it there is no mesh");
   command
       .add_option("--format", options->format, "json, stl, obj, off or ply, else the ending says")
-      ->transform(CLI::CheckedTransformer(sources()).description(""));
+      ->check(CLI::IsMember(sourceNames()).description(""));
   command.add_option("--module", options->module, "the meshing module that it is for");
   command.add_option("--module-format", options->moduleFormatVersion,
                      "the version of the module's parameters");

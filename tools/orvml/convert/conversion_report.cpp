@@ -1,12 +1,16 @@
 #include "convert/conversion_report.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace orvml_tool {
 
 void ConversionReport::add(orvml::Fate kind, const std::string& object, std::int64_t count,
                            const std::string& what) {
-  changes_.push_back({kind, object, count, object + " " + what});
+  Change change = {kind, object, count, object + " " + what};
+  if (std::find(changes_.begin(), changes_.end(), change) == changes_.end()) {
+    changes_.push_back(std::move(change));
+  }
 }
 
 bool ConversionReport::isLossless() const noexcept {

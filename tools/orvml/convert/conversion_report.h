@@ -13,11 +13,14 @@ struct Change {
   std::string object;  ///< what it is about: a path of the exchange file, or a name in the other
   std::int64_t count = 1;  ///< of cells, values or the like; 1 for a whole object
   std::string sentence;    ///< what became of it and why, beginning with the object
+
+  [[nodiscard]] bool operator==(const Change&) const = default;
 };
 
 /// What a conversion tells when it is done: nothing is lost in silence.
 class ConversionReport {
  public:
+  /// Once: several files of one document lose the same.
   /// @param what  the rest of the sentence, such as "has no cells of volume, which stl cannot hold"
   void add(orvml::Fate kind, const std::string& object, std::int64_t count,
            const std::string& what);

@@ -14,10 +14,6 @@ namespace {
 using orvml::DocumentView;
 using orvml::Entity;
 
-std::string documentPath(const DocumentView& document) {
-  return document.kind() == orvml::Kind::input ? "/OrvInput" : "/OrvOutput";
-}
-
 void reportDroppedAttributes(const DocumentView& document, Entity entity, std::string_view format,
                              const KeepsAttribute& keeps, ConversionReport& report) {
   for (const orvml::Attribute& attribute : document.attributes(entity)) {
@@ -40,7 +36,7 @@ void reportDroppedNames(const DocumentView& document, std::string_view format,
   if (names.moduleName.empty() && names.moduleFormatVersion.empty() && names.creator.empty()) {
     return;
   }
-  report.add(orvml::Fate::dropped, documentPath(document), 1,
+  report.add(orvml::Fate::dropped, documentPath(document.kind()), 1,
              "names its module '" + std::string(names.moduleName) + "', the version '" +
                  std::string(names.moduleFormatVersion) + "' and its creator '" +
                  std::string(names.creator) + "', which " + std::string(format) +
@@ -60,12 +56,12 @@ void reportDroppedValues(const DocumentView& document, std::span<const Entity> c
   const std::string without = " that " + std::string(format) + " has no place for";
   const auto parameters = static_cast<std::int64_t>(document.parameters().size());
   if (parameters > 0) {
-    report.add(orvml::Fate::dropped, documentPath(document) + "/parameters", parameters,
+    report.add(orvml::Fate::dropped, documentPath(document.kind()) + "/parameters", parameters,
                "has " + counted(parameters, "number") + without);
   }
   const auto vectors = static_cast<std::int64_t>(document.vectorParameters().size());
   if (vectors > 0) {
-    report.add(orvml::Fate::dropped, documentPath(document) + "/vector parameters", vectors,
+    report.add(orvml::Fate::dropped, documentPath(document.kind()) + "/vector parameters", vectors,
                "are " + counted(vectors, "vector") + without);
   }
 }

@@ -47,6 +47,9 @@ struct MeshFormat {
 /// All of them.
 [[nodiscard]] std::span<const MeshFormat> foreignFormats();
 
+/// What follows the last dot of a file's name, in small letters.
+[[nodiscard]] std::string endingOf(const std::string& file);
+
 /// The format of a name, or of the ending of a file's name; null when there is none.
 [[nodiscard]] const MeshFormat* formatNamed(std::string_view name);
 [[nodiscard]] const MeshFormat* formatOfEnding(const std::string& file);

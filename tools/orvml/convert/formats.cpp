@@ -27,14 +27,18 @@ const MeshFormat* formatNamed(std::string_view name) {
   return found == formats.end() ? nullptr : &*found;
 }
 
-const MeshFormat* formatOfEnding(const std::string& file) {
+std::string endingOf(const std::string& file) {
   std::string ending = std::filesystem::path(file).extension().string();
   std::transform(ending.begin(), ending.end(), ending.begin(),
                  [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
+  return ending.empty() ? ending : ending.substr(1);
+}
+
+const MeshFormat* formatOfEnding(const std::string& file) {
+  const std::string ending = endingOf(file);
   const auto formats = foreignFormats();
   const auto found = std::find_if(formats.begin(), formats.end(), [&](const MeshFormat& format) {
-    return !ending.empty() && std::find(format.endings.begin(), format.endings.end(),
-                                        ending.substr(1)) != format.endings.end();
+    return std::find(format.endings.begin(), format.endings.end(), ending) != format.endings.end();
   });
   return found == formats.end() ? nullptr : &*found;
 }

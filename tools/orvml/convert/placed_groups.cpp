@@ -40,7 +40,7 @@ std::size_t numberOfCells(std::span<const PlacedGroup> groups) noexcept {
 }
 
 std::string pathOf(const DocumentView& document, Entity entity) {
-  return (document.kind() == orvml::Kind::input ? "/OrvInput/" : "/OrvOutput/") + groupName(entity);
+  return documentPath(document.kind()) + "/" + groupName(entity);
 }
 
 std::string attributePath(const DocumentView& document, Entity entity, std::string_view attribute) {

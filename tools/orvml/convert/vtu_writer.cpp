@@ -5,6 +5,7 @@
 #include "convert/placed_groups.h"
 #include "convert/vtu.h"
 #include "convert/xml_names.h"
+#include "facts.h"
 
 #include <zlib.h>
 
@@ -387,7 +388,7 @@ class VtuWriter {
   void declareFieldData() {
     XmlNames names(report_);
     names.reserve(kFactsArray);
-    const std::string root = document_.kind() == orvml::Kind::input ? "/OrvInput/" : "/OrvOutput/";
+    const std::string root = documentPath(document_.kind()) + "/";
     for (const orvml::Parameter& parameter : document_.parameters()) {
       declare("FieldData", "Float64",
               names.of(parameter.name, root + "parameters " + std::string(parameter.name)),

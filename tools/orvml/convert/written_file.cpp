@@ -39,64 +39,53 @@ mode_t rightsOfNewFiles() noexcept {
   return kOfFiles & ~mask;
 }
 
-/// A file without its name, which is removed unless it takes that. While it is open, its own name
-/// tells whoever ends the program by a signal that it has to go.
-class FileBesideIt {
- public:
-  explicit FileBesideIt(const std::filesystem::path& path)
-      : path_(path), target_(followed(path)), name_(target_.parent_path() / ".orvml_io-XXXXXX") {
-    struct stat old = {};
-    const bool isThere = ::stat(target_.c_str(), &old) == 0;
-    if (isThere && !S_ISREG(old.st_mode)) {
-      throw Refusal(printable(path) + ": is no regular file", "name another file");
-    }
-    if (isThere && ::access(target_.c_str(), W_OK) != 0) {
-      refuse(path, errno);
-    }
-    descriptor_ = ::mkostemp(name_.data(), O_CLOEXEC);
-    constexpr mode_t kRights = 07777;
-    if (descriptor_ < 0 ||
-        ::fchmod(descriptor_, isThere ? old.st_mode & kRights : rightsOfNewFiles()) != 0) {
-      refuse(path, errno);
-    }
+/// Opens a file of a name that is its own, which is put in place of the pattern.
+int openBeside(const std::filesystem::path& path, const std::filesystem::path& target,
+               std::string& pattern) {
+  struct stat old = {};
+  const bool isThere = ::stat(target.c_str(), &old) == 0;
+  if (isThere && !S_ISREG(old.st_mode)) {
+    throw Refusal(printable(path) + ": is no regular file", "name another file");
   }
-  FileBesideIt(const FileBesideIt&) = delete;
-  FileBesideIt& operator=(const FileBesideIt&) = delete;
-  FileBesideIt(FileBesideIt&&) = delete;
-  FileBesideIt& operator=(FileBesideIt&&) = delete;
-
-  [[nodiscard]] int descriptor() const noexcept { return descriptor_; }
-
-  void takeName() {
-    if (::rename(name_.c_str(), target_.c_str()) != 0) {
-      refuse(path_, errno);
-    }
-    name_.clear();
+  if (isThere && ::access(target.c_str(), W_OK) != 0) {
+    refuse(path, errno);
   }
-
-  ~FileBesideIt() {
-    if (!name_.empty()) {
-      (void)::unlink(name_.c_str());
-    }
-    (void)::close(descriptor_);
+  const int descriptor = ::mkostemp(pattern.data(), O_CLOEXEC);
+  if (descriptor < 0) {
+    refuse(path, errno);
   }
-
- private:
-  std::filesystem::path path_;
-  std::filesystem::path target_;
-  std::string name_;
-  int descriptor_ = -1;
-};
+  constexpr mode_t kRights = 07777;
+  if (::fchmod(descriptor, isThere ? old.st_mode & kRights : rightsOfNewFiles()) != 0) {
+    const int error = errno;
+    (void)::unlink(pattern.c_str());
+    (void)::close(descriptor);
+    refuse(path, error);
+  }
+  return descriptor;
+}
 
 }  // namespace
 
-void writeWholeFile(const std::filesystem::path& path,
-                    const std::function<void(ByteSink& sink)>& write) {
-  FileBesideIt file(path);
-  ByteSink sink(file.descriptor(), path);
-  write(sink);
-  sink.flush();
-  file.takeName();
+WrittenFile::WrittenFile(const std::filesystem::path& path)
+    : path_(path),
+      target_(followed(path)),
+      name_(target_.parent_path() / ".orvml_io-XXXXXX"),
+      descriptor_(openBeside(path_, target_, name_)),
+      sink_(descriptor_, path_) {}
+
+WrittenFile::~WrittenFile() {
+  if (!name_.empty()) {
+    (void)::unlink(name_.c_str());
+  }
+  (void)::close(descriptor_);
+}
+
+void WrittenFile::takePlace() {
+  sink_.flush();
+  if (::rename(name_.c_str(), target_.c_str()) != 0) {
+    refuse(path_, errno);
+  }
+  name_.clear();
 }
 
 }  // namespace orvml_tool

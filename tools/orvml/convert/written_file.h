@@ -3,16 +3,37 @@
 #include "convert/byte_sink.h"
 
 #include <filesystem>
-#include <functional>
+#include <string>
 
 namespace orvml_tool {
 
-/// Has a file of another format written beside its place and moved there when it is whole, so that
-/// whatever fails leaves the old file, or none. Symbolic links are followed, the rights of an old
-/// file stay. It is not flushed to the device: it can be made again.
+/// A file of another format that is written beside its place and moved there when it is whole, so
+/// that whatever fails leaves the old file, or none. Symbolic links are followed, the rights of an
+/// old file stay. It is not flushed to the device: it can be made again.
 ///
-/// Throws Refusal when it cannot be written, and what `write` throws.
-void writeWholeFile(const std::filesystem::path& path,
-                    const std::function<void(ByteSink& sink)>& write);
+/// While it is open, its own name tells whoever ends the program by a signal that it has to go.
+class WrittenFile {
+ public:
+  /// Throws Refusal when there cannot be such a file.
+  explicit WrittenFile(const std::filesystem::path& path);
+  WrittenFile(const WrittenFile&) = delete;
+  WrittenFile& operator=(const WrittenFile&) = delete;
+  WrittenFile(WrittenFile&&) = delete;
+  WrittenFile& operator=(WrittenFile&&) = delete;
+  /// Removes it unless it has taken its place.
+  ~WrittenFile();
+
+  [[nodiscard]] ByteSink& sink() noexcept { return sink_; }
+
+  /// Throws Refusal when the last bytes cannot be written or the place cannot be taken.
+  void takePlace();
+
+ private:
+  std::filesystem::path path_;
+  std::filesystem::path target_;
+  std::string name_;
+  int descriptor_;
+  ByteSink sink_;
+};
 
 }  // namespace orvml_tool
