@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <iterator>
+
 namespace orvml_io_tests {
 
 using orvml::Entity;
@@ -37,11 +40,12 @@ std::string toldOf(const orvml::VtkLinkReport& report) {
 }
 
 bool areOneObject(const RawFile& file, const std::string& first, const std::string& second) {
-  H5O_info_t a = {};
-  H5O_info_t b = {};
-  EXPECT_GE(H5Oget_info_by_name(file.id(), first.c_str(), &a, H5P_DEFAULT), 0) << first;
-  EXPECT_GE(H5Oget_info_by_name(file.id(), second.c_str(), &b, H5P_DEFAULT), 0) << second;
-  return a.addr == b.addr && a.fileno == b.fileno;
+  H5G_stat_t a = {};
+  H5G_stat_t b = {};
+  EXPECT_GE(H5Gget_objinfo(file.id(), first.c_str(), true, &a), 0) << first;
+  EXPECT_GE(H5Gget_objinfo(file.id(), second.c_str(), true, &b), 0) << second;
+  return std::equal(std::begin(a.objno), std::end(a.objno), std::begin(b.objno)) &&
+         std::equal(std::begin(a.fileno), std::end(a.fileno), std::begin(b.fileno));
 }
 
 bool isVirtual(const RawFile& file, const std::string& dataset) {
