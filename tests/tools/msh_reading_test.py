@@ -15,7 +15,8 @@ from shell import INT, Cells, Document, TypeGroup, documents, tetrahedron
 HEAD = "$MeshFormat\n4.1 0 8\n$EndMeshFormat\n"
 NODES = "$Nodes\n1 4 1 4\n3 1 0 4\n1\n2\n3\n4\n0 0 0\n1 0 0\n0 1 0\n0 0 1\n$EndNodes\n"
 ELEMENTS = "$Elements\n2 2 1 2\n2 5 2 1\n1 1 2 3\n3 6 4 1\n2 1 2 3 4\n$EndElements\n"
-CHANGES = int(os.environ.get("ORVML_MSH_CHANGES", "600"))  # of bytes, for each form of a file
+CHANGES = int(os.environ.get("ORVML_MSH_CHANGES", "100"))  # of bytes, for each form of a file
+CUT_STEP = 7  # bytes; no size of a number or of a line, so that cuts fall into all parts of them
 FIELD = '${0}\n1\n"{1}"\n1\n{2}\n3\n{3}\n{4}\n{5}\n{6}\n$End{0}\n'
 OF_GMSH = "  dropped: $Entities loses which entities bound which, and which ones nodes lie on"
 
@@ -267,7 +268,8 @@ class Foreign(MshShell):
 
 
 class Damaged(MshShell):
-    """All in one shell, which tells how each run ended."""
+    """All in one shell, which tells how each run ended. Each run is a process: thousands of changes
+    a second are the business of the fuzzer of the readers."""
 
     def assert_all_end_well(self, files):
         """Returns how many are refused."""
@@ -293,13 +295,13 @@ class Damaged(MshShell):
         self.convert("part.h5", f"part.msh {mode}")
         return (self.folder / "part.msh").read_bytes()
 
-    def test_every_cut_of_a_file_ends_well(self):
+    def test_cuts_of_a_file_end_well(self):
         for mode in ("", "--text"):
             whole = self.written(mode)
-            refused = self.assert_all_end_well([whole[:size] for size in range(len(whole))])
-            self.assertGreater(refused, len(whole) * 0.9)
+            cuts = [whole[:size] for size in range(0, len(whole), CUT_STEP)]
+            self.assertGreater(self.assert_all_end_well(cuts), len(cuts) * 0.9)
 
-    def test_every_changed_byte_ends_well(self):
+    def test_changed_bytes_end_well(self):
         random = np.random.default_rng(15)
         for mode in ("", "--text"):
             whole = np.frombuffer(self.written(mode), "uint8")

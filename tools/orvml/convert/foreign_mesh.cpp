@@ -138,6 +138,10 @@ class MeshDraft {
       addRuns(told, true);
     } else {
       addRuns(mesh_.runs, false);
+      if (mesh_.facts) {
+        report_.add(orvml::Fate::dropped, "the division of cells into groups", 1,
+                    "is that of other cells than the file has now; those of one form are one group");
+      }
     }
     std::stable_sort(runs_.begin(), runs_.end(),
                      [](const PlacedRun& a, const PlacedRun& b) { return a.group < b.group; });

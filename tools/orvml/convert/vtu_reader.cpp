@@ -180,7 +180,7 @@ class VtuReader {
         report_.add(orvml::Fate::dropped, "field data '" + array.name + "'", 1,
                     "are texts or of a type that is none of numbers");
       } else {
-        addParameter(array.name, valuesOf(file_, array, std::nullopt));
+        addParameter(array.name, storableValuesOf(array, std::nullopt));
       }
     }
   }
@@ -193,6 +193,18 @@ class VtuReader {
     } else {
       mesh_.vectorParameters.emplace_back(name, std::move(values));
     }
+  }
+
+  /// The values of an array that becomes an attribute or a vector parameter, which are of 32 bits or
+  /// floating-point numbers.
+  Numbers storableValuesOf(const VtkArray& array, std::optional<std::uint64_t> wanted) {
+    Numbers values = valuesOf(file_, array, wanted);
+    if (array.type->kind != 'f' && std::holds_alternative<std::vector<double>>(values)) {
+      report_.add(orvml::Fate::approximated, "the array '" + array.name + "'",
+                  static_cast<std::int64_t>(sizeOf(values)),
+                  "has integers beyond 32 bits and becomes one of doubles");
+    }
+    return values;
   }
 
   static const VtkArray& arrayOf(const VtkPiece& piece, Section section, std::string_view name) {
@@ -298,7 +310,7 @@ class VtuReader {
     if (components > INT_MAX || rows > UINT64_MAX / components) {
       throw FormatError("the array '" + array.name + "' has too many components");
     }
-    const Numbers values = valuesOf(file_, array, rows * components);
+    const Numbers values = storableValuesOf(array, rows * components);
     if (components == 1) {
       grow(arrays, array.name, values, before);
       return;
