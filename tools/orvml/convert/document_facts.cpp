@@ -17,7 +17,7 @@ using orvml::Entity;
 namespace {
 
 // Told by who reads the text: nobody else writes it.
-constexpr std::string_view kFormat = "orvml-document";
+constexpr std::string_view kFactsFormat = "orvml-document";
 constexpr int kVersion = 1;
 
 /// A text as JSON has it; as a list of its bytes when it is no UTF-8, which names may be.
@@ -186,7 +186,7 @@ DocumentFacts factsOf(const orvml::DocumentView& document) {
 }
 
 std::string textOf(const DocumentFacts& facts) {
-  const Json json = {{"format", kFormat},
+  const Json json = {{"format", kFactsFormat},
                      {"version", kVersion},
                      {"kind", facts.kind == orvml::Kind::input ? "input" : "output"},
                      {"module", asJsonText(facts.moduleName)},
@@ -204,7 +204,7 @@ std::string textOf(const DocumentFacts& facts) {
 std::optional<DocumentFacts> factsIn(std::string_view text) {
   const Json json = Json::parse(text, nullptr, false);
   try {
-    const bool isOurs = json.is_object() && json.value("format", "") == kFormat &&
+    const bool isOurs = json.is_object() && json.value("format", "") == kFactsFormat &&
                         json.value("version", 0) == kVersion;
     return isOurs ? std::optional(factsOfJson(json)) : std::nullopt;
   } catch (const std::exception&) {  // changed by who does not know it

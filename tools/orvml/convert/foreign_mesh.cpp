@@ -139,8 +139,9 @@ class MeshDraft {
     } else {
       addRuns(mesh_.runs, false);
       if (mesh_.facts) {
-        report_.add(orvml::Fate::dropped, "the division of cells into groups", 1,
-                    "is that of other cells than the file has now; those of one form are one group");
+        report_.add(
+            orvml::Fate::dropped, "the division of cells into groups", 1,
+            "is that of other cells than the file has now; those of one form are one group");
       }
     }
     std::stable_sort(runs_.begin(), runs_.end(),

@@ -123,7 +123,7 @@ void reportStlNodes(const DocumentView& document, const WrittenSurface& surface,
       isSeen[index] = true;
       Corner point = surface.pointOf(index);
       for (double& value : point) {
-        value = asText ? value : double{floats.of(value)};
+        value = asText ? value : static_cast<double>(floats.of(value));
       }
       merged += places.numberOf(point).isNew ? 0 : 1;
       moved += node < last ? 1 : 0;

@@ -195,8 +195,8 @@ class VtuReader {
     }
   }
 
-  /// The values of an array that becomes an attribute or a vector parameter, which are of 32 bits or
-  /// floating-point numbers.
+  /// The values of an array that becomes an attribute or a vector parameter, which are of 32 bits
+  /// or floating-point numbers.
   Numbers storableValuesOf(const VtkArray& array, std::optional<std::uint64_t> wanted) {
     Numbers values = valuesOf(file_, array, wanted);
     if (array.type->kind != 'f' && std::holds_alternative<std::vector<double>>(values)) {

@@ -191,14 +191,14 @@ double WrittenSurface::squaredDistance(int from, int to) const noexcept {
 }
 
 float RoundedFloats::of(double value) {
-  if (std::abs(value) > double{std::numeric_limits<float>::max()}) {
+  if (std::abs(value) > static_cast<double>(std::numeric_limits<float>::max())) {
     throw Refusal("there is a coordinate " + shown(value) + ", beyond the range of floats",
                   "write text with --text, or obj or off, which have doubles");
   }
   const auto rounded = static_cast<float>(value);
-  if (double{rounded} != value) {
+  if (static_cast<double>(rounded) != value) {
     ++roundedNumbers_;
-    largestError_ = std::max(largestError_, std::abs(double{rounded} - value));
+    largestError_ = std::max(largestError_, std::abs(static_cast<double>(rounded) - value));
   }
   return rounded;
 }
