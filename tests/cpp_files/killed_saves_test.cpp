@@ -68,9 +68,9 @@ class Saver {
   pid_t process_ = -1;
 };
 
-/// When the next saver is killed. How long a save takes changes by a factor of ten with what else the
-/// machine does, so the window follows: it grows with each saver that was killed and shrinks with
-/// each that was done before, which lets about half of them get to the end.
+/// When the next saver is killed. How long a save takes changes by a factor of ten with what else
+/// the machine does, so the window follows: it grows with each saver that was killed and shrinks
+/// with each that was done before, which lets about half of them get to the end.
 class Moments {
  public:
   explicit Moments(unsigned seed) : random_(seed) {}

@@ -1,11 +1,10 @@
-// Reads files of other formats. The first byte of an input says of which one and with which options;
-// what follows is the file. What was read has to be sound, and is written in every format.
-#include "fuzz/harness/finding.h"
-#include "fuzz/harness/fuzz_target.h"
-
+// Reads files of other formats. The first byte of an input says of which one and with which
+// options; what follows is the file. What was read has to be sound, and is written in every format.
 #include "convert/byte_sink.h"
 #include "convert/format.h"
 #include "convert/format_error.h"
+#include "fuzz/harness/finding.h"
+#include "fuzz/harness/fuzz_target.h"
 #include "messages.h"
 
 #include <fcntl.h>
