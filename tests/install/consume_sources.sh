@@ -7,6 +7,7 @@ scratch=$2
 
 rm -rf "$scratch"
 cmake -S "$source/tests/install/consumer" -B "$scratch" -G Ninja \
+  -DCMAKE_UNITY_BUILD=ON -DCMAKE_UNITY_BUILD_BATCH_SIZE=20 \
   -DCMAKE_BUILD_TYPE=Release -DORVML_IO_SOURCE="$source" >/dev/null
 cmake --build "$scratch" >/dev/null
 cd "$scratch"

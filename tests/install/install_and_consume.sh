@@ -14,6 +14,7 @@ mkdir -p "$scratch/moved here"
 if [ -z "$build" ]; then
   build="$scratch/build"
   cmake -S "$source" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release \
+    -DCMAKE_UNITY_BUILD=ON -DCMAKE_UNITY_BUILD_BATCH_SIZE=20 \
     -DORVML_IO_DEVELOPER=OFF -DBUILD_SHARED_LIBS="$shared" >/dev/null
   cmake --build "$build" >/dev/null
 fi

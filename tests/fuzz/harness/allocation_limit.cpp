@@ -18,7 +18,9 @@ void requireModest(std::size_t bytes) noexcept {
 
 // The linker sends the program's calls of operator new, new[], malloc and calloc (the names after
 // the second pair of underscores) to the functions that begin with __wrap_. The sanitizers see them
-// all the same. NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
+// all the same. They are visible because the linker has shared libraries find them, too.
+// NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
+#pragma GCC visibility push(default)
 extern "C" {
 void* __real__Znwm(std::size_t size);
 void* __real__Znam(std::size_t size);
@@ -45,4 +47,5 @@ void* __wrap_calloc(std::size_t count, std::size_t size) {
   return __real_calloc(count, size);
 }
 }
+#pragma GCC visibility pop
 // NOLINTEND(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
