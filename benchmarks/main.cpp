@@ -54,11 +54,18 @@ Options optionsOf(int& count, char** arguments) {
   return options;
 }
 
+orvml_io_bench::Tasks allTasks() {
+  orvml_io_bench::Tasks tasks = orvml_io_bench::tasksOfFreshProcesses();
+#if defined(ORVML_IO_BENCH_CPP)
+  tasks.merge(orvml_io_bench::tasksOfChecks());
+#endif
+  return tasks;
+}
+
 }  // namespace
 
 int main(int count, char** arguments) {
-  const std::optional<int> status =
-      orvml_io_bench::performTask(count, arguments, orvml_io_bench::tasksOfFreshProcesses());
+  const std::optional<int> status = orvml_io_bench::performTask(count, arguments, allTasks());
   if (status) {
     return *status;
   }

@@ -4,6 +4,7 @@
 
 #include "contests/contests.h"
 #include "contests/file_runs.h"
+#include "harness/fresh_program.h"
 #include "inputs/sound_meshes.h"
 
 #include <unistd.h>
@@ -162,14 +163,39 @@ Contest diffContest(const Options& options, SoundMesh mesh, int mostNodes) {
   return contest;
 }
 
+constexpr char kLoad[] = "load by the layer";
+constexpr char kCheck[] = "check by the layer";
+constexpr double kCheckTimesLoad = 3.0;
+
+/// As a user meets both: in a program that has just been started, whose memory is fresh.
+Contest freshContest(const Options& options, SoundMesh mesh, int mostNodes) {
+  std::string path;
+  const Files files = fileOf(options, mesh, mostNodes, path);
+  const Run checked = startedAfresh(kCheck, path, options.pause);
+  Contest contest([files, checked](Measurement& measurement) { checked(measurement); });
+  contest.addGoal("load", kCheckTimesLoad, startedAfresh(kLoad, path, options.pause));
+  return contest;
+}
+
 void registerMesh(const Options& options, SoundMesh mesh, int mostNodes, const std::string& name) {
-  constexpr double kTimesLoad = 3.0;
   registerContest("check, 2 threads", name, options,
-                  [=] { return checkContest(options, mesh, mostNodes, kTimesLoad); });
+                  [=] { return checkContest(options, mesh, mostNodes, kCheckTimesLoad); });
+  registerContest("check, 2 threads, fresh process", name, options,
+                  [=] { return freshContest(options, mesh, mostNodes); });
   registerContest("diff", name, options, [=] { return diffContest(options, mesh, mostNodes); });
 }
 
 }  // namespace
+
+Tasks tasksOfChecks() {
+  return {{kLoad,
+           [](const std::string& path, Measurement& measurement) {
+             reading([&] { return orvml::load(path); })(measurement);
+           }},
+          {kCheck, [](const std::string& path, Measurement& measurement) {
+             checking(nullptr, path, 2)(measurement);
+           }}};
+}
 
 void registerChecks(const Options& options) {
   registerMesh(options, SoundMesh::tetrahedra, kLarge, "2 M nodes, block of tets");

@@ -20,5 +20,6 @@ void registerChecks(const Options& options);    // where the layer is built
 
 /// What this program is started anew for.
 Tasks tasksOfFreshProcesses();
+Tasks tasksOfChecks();  // where the layer is built
 
 }  // namespace orvml_io_bench
