@@ -2,7 +2,7 @@
 # Installs a build into a prefix with spaces in its name, moves the installed tree, and builds and
 # runs programs outside the tree with it: with CMake's package and with pkg-config. Arguments: the
 # source tree, a scratch folder, ON or OFF for a shared or a static library, and a build of that kind;
-# without one it builds a release itself.
+# without one it builds a release of the libraries itself.
 set -euo pipefail
 source=$1
 scratch=$2
@@ -15,7 +15,7 @@ if [ -z "$build" ]; then
   build="$scratch/build"
   cmake -S "$source" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release \
     -DCMAKE_UNITY_BUILD=ON -DCMAKE_UNITY_BUILD_BATCH_SIZE=20 \
-    -DORVML_IO_DEVELOPER=OFF -DBUILD_SHARED_LIBS="$shared" >/dev/null
+    -DORVML_IO_DEVELOPER=OFF -DORVML_TOOLS=OFF -DBUILD_SHARED_LIBS="$shared" >/dev/null
   cmake --build "$build" >/dev/null
 fi
 cmake --install "$build" --prefix "$scratch/first prefix" >/dev/null
