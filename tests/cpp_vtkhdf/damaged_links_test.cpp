@@ -13,7 +13,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <functional>
 #include <random>
+#include <string>
+#include <vector>
 
 namespace orvml_io_tests {
 namespace {
@@ -76,12 +79,23 @@ std::vector<std::string> datasetsOf(const char* path) {
   return datasets;
 }
 
+/// Each damage falls on every dataset, or on every third one where the sanitizers make it take ten
+/// times as long: other ones for other damages.
+#if defined(__SANITIZE_ADDRESS__)
+constexpr std::size_t kDatasetStep = 3;
+#else
+constexpr std::size_t kDatasetStep = 1;
+#endif
+
 class DamagedDatasets : public ::testing::TestWithParam<Damage> {};
 
 TEST_P(DamagedDatasets, AreLinkedSoundlyOrRefused) {
   const TempFile original;
   makeCurrentFile(original.path());
-  for (const std::string& dataset : datasetsOf(original.path())) {
+  const std::vector<std::string> datasets = datasetsOf(original.path());
+  const std::size_t first = std::hash<std::string>()(GetParam().name) % kDatasetStep;
+  for (std::size_t i = first; i < datasets.size(); i += kDatasetStep) {
+    const std::string& dataset = datasets[i];
     const TempFile temp;
     makeCurrentFile(temp.path());
     {
