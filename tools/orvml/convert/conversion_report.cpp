@@ -7,9 +7,9 @@ namespace orvml_tool {
 
 void ConversionReport::add(orvml::Fate kind, const std::string& object, std::int64_t count,
                            const std::string& what) {
-  Change change = {kind, object, count, object + " " + what};
-  if (std::find(changes_.begin(), changes_.end(), change) == changes_.end()) {
-    changes_.push_back(std::move(change));
+  std::string sentence = object + " " + what;
+  if (told_.insert(sentence).second) {
+    changes_.push_back({kind, object, count, std::move(sentence)});
   }
 }
 

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 namespace orvml_tool {
@@ -13,8 +14,6 @@ struct Change {
   std::string object;  ///< what it is about: a path of the exchange file, or a name in the other
   std::int64_t count = 1;  ///< of cells, values or the like; 1 for a whole object
   std::string sentence;    ///< what became of it and why, beginning with the object
-
-  [[nodiscard]] bool operator==(const Change&) const = default;
 };
 
 /// What a conversion tells when it is done: nothing is lost in silence.
@@ -31,6 +30,7 @@ class ConversionReport {
 
  private:
   std::vector<Change> changes_;
+  std::unordered_set<std::string> told_;  // the sentences of the changes
 };
 
 }  // namespace orvml_tool

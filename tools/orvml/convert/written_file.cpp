@@ -39,53 +39,58 @@ mode_t rightsOfNewFiles() noexcept {
   return kOfFiles & ~mask;
 }
 
-/// Opens a file of a name that is its own, which is put in place of the pattern.
-int openBeside(const std::filesystem::path& path, const std::filesystem::path& target,
-               std::string& pattern) {
+/// The rights that the new file gets. Throws Refusal where there is what cannot be replaced.
+mode_t rightsAt(const std::filesystem::path& path, const std::filesystem::path& target) {
   struct stat old = {};
-  const bool isThere = ::stat(target.c_str(), &old) == 0;
-  if (isThere && !S_ISREG(old.st_mode)) {
+  if (::stat(target.c_str(), &old) != 0) {
+    return rightsOfNewFiles();
+  }
+  if (!S_ISREG(old.st_mode)) {
     throw Refusal(printable(path) + ": is no regular file", "name another file");
   }
-  if (isThere && ::access(target.c_str(), W_OK) != 0) {
-    refuse(path, errno);
-  }
-  const int descriptor = ::mkostemp(pattern.data(), O_CLOEXEC);
-  if (descriptor < 0) {
+  if (::access(target.c_str(), W_OK) != 0) {
     refuse(path, errno);
   }
   constexpr mode_t kRights = 07777;
-  if (::fchmod(descriptor, isThere ? old.st_mode & kRights : rightsOfNewFiles()) != 0) {
-    const int error = errno;
-    (void)::unlink(pattern.c_str());
-    (void)::close(descriptor);
-    refuse(path, error);
-  }
-  return descriptor;
+  return old.st_mode & kRights;
 }
 
 }  // namespace
 
+WrittenFile::Beside::Beside(const std::filesystem::path& path, const std::filesystem::path& target)
+    : name(target.parent_path() / ".orvml_io-XXXXXX") {
+  const mode_t rights = rightsAt(path, target);
+  descriptor = ::mkostemp(name.data(), O_CLOEXEC);
+  if (descriptor < 0) {
+    refuse(path, errno);
+  }
+  if (::fchmod(descriptor, rights) != 0) {
+    const int error = errno;
+    (void)::unlink(name.c_str());
+    (void)::close(descriptor);
+    refuse(path, error);
+  }
+}
+
+WrittenFile::Beside::~Beside() {
+  if (!name.empty()) {
+    (void)::unlink(name.c_str());
+  }
+  (void)::close(descriptor);
+}
+
 WrittenFile::WrittenFile(const std::filesystem::path& path)
     : path_(path),
       target_(followed(path)),
-      name_(target_.parent_path() / ".orvml_io-XXXXXX"),
-      descriptor_(openBeside(path_, target_, name_)),
-      sink_(descriptor_, path_) {}
-
-WrittenFile::~WrittenFile() {
-  if (!name_.empty()) {
-    (void)::unlink(name_.c_str());
-  }
-  (void)::close(descriptor_);
-}
+      beside_(path_, target_),
+      sink_(beside_.descriptor, path_) {}
 
 void WrittenFile::takePlace() {
   sink_.flush();
-  if (::rename(name_.c_str(), target_.c_str()) != 0) {
+  if (::rename(beside_.name.c_str(), target_.c_str()) != 0) {
     refuse(path_, errno);
   }
-  name_.clear();
+  beside_.name.clear();
 }
 
 }  // namespace orvml_tool

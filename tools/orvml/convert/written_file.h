@@ -21,7 +21,7 @@ class WrittenFile {
   WrittenFile(WrittenFile&&) = delete;
   WrittenFile& operator=(WrittenFile&&) = delete;
   /// Removes it unless it has taken its place.
-  ~WrittenFile();
+  ~WrittenFile() = default;
 
   [[nodiscard]] ByteSink& sink() noexcept { return sink_; }
 
@@ -29,10 +29,22 @@ class WrittenFile {
   void takePlace();
 
  private:
+  /// An open file that goes with its name, if it still has that.
+  struct Beside {
+    std::string name;
+    int descriptor = -1;
+
+    Beside(const std::filesystem::path& path, const std::filesystem::path& target);
+    Beside(const Beside&) = delete;
+    Beside& operator=(const Beside&) = delete;
+    Beside(Beside&&) = delete;
+    Beside& operator=(Beside&&) = delete;
+    ~Beside();
+  };
+
   std::filesystem::path path_;
   std::filesystem::path target_;
-  std::string name_;
-  int descriptor_;
+  Beside beside_;
   ByteSink sink_;
 };
 
