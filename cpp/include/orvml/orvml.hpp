@@ -1,5 +1,6 @@
 #pragma once
 
+#include <orvml/cell_measures.hpp>
 #include <orvml/check.hpp>
 #include <orvml/conversion.hpp>
 #include <orvml/describe.hpp>

@@ -238,7 +238,54 @@ constexpr auto kHexahedron =
 constexpr auto kPrism = solid<Shape::prism>(scaledJacobianOfPrism, edgeRatio<Shape::prism>);
 constexpr auto kPyramid = solid<Shape::pyramid>(scaledJacobianOfPyramid, edgeRatio<Shape::pyramid>);
 
+double lengthOfLine(const Vec* x) noexcept { return length(x[1] - x[0]); }
+
+double areaOfTriangle(const Vec* x) noexcept { return length(cross(x[1] - x[0], x[2] - x[0])) / 2; }
+
+double areaOfQuadrilateral(const Vec* x) noexcept {
+  return length(cross(x[2] - x[0], x[3] - x[1])) / 2;
+}
+
+/// The volume by the theorem of Gauss. A face of four corners counts as the mean of its two cuts
+/// into triangles, which is exact for the bilinear surface between its sides.
+template <Shape shape>
+double volume(const Vec* x) noexcept {
+  double sixfold = 0.0;
+  for (const FaceCorners& face : factsOf(shape)->faces) {
+    // From a corner of the cell, so that a cell far from the origin loses no digits.
+    const Vec a = x[face.corners[0]] - x[0];
+    const Vec b = x[face.corners[1]] - x[0];
+    const Vec c = x[face.corners[2]] - x[0];
+    const Vec d = x[face.corners[3]] - x[0];
+    sixfold += face.count == 3
+                   ? triple(a, b, c)
+                   : (triple(a, b, c) + triple(a, c, d) + triple(a, b, d) + triple(b, c, d)) / 2;
+  }
+  return sixfold / 6;
+}
+
 }  // namespace
+
+NumberOfCorners sizeOf(Shape shape) noexcept {
+  switch (shape) {
+    case Shape::line:
+      return lengthOfLine;
+    case Shape::triangle:
+      return areaOfTriangle;
+    case Shape::quadrilateral:
+      return areaOfQuadrilateral;
+    case Shape::tetrahedron:
+      return volume<Shape::tetrahedron>;
+    case Shape::hexahedron:
+      return volume<Shape::hexahedron>;
+    case Shape::prism:
+      return volume<Shape::prism>;
+    case Shape::pyramid:
+      return volume<Shape::pyramid>;
+    default:
+      return nullptr;
+  }
+}
 
 std::span<const Measure> measuresOf(Shape shape) noexcept {
   switch (shape) {

@@ -1,0 +1,188 @@
+"""The parts of a mesh: nodes, and cells in groups of one shape."""
+from __future__ import annotations
+
+from typing import TYPE_CHECKING, Any, Iterable, List, Sequence, Tuple, Union, overload
+
+import numpy as np
+import numpy.typing as npt
+
+from ._arrays import Doubles, Ints, as_node_indices, as_points
+from ._named import Attributes
+from ._shapes import Shape, ShapeLike, shape_name, shape_number, shape_of
+
+if TYPE_CHECKING:
+    import pandas
+
+    from ._documents import Document
+
+
+class CellGroup:
+    """Consecutive cells of one shape and one number of nodes."""
+
+    def __init__(self, shape: ShapeLike, node_indices: npt.ArrayLike,
+                 argument: str = "node_indices") -> None:
+        self._shape = shape_number(shape, argument)
+        self._node_indices = as_node_indices(node_indices, argument)
+
+    @property
+    def shape(self) -> Union[Shape, int]:
+        """The shape; a plain number where a file holds one that names none."""
+        return shape_of(self._shape)
+
+    @property
+    def node_indices(self) -> Ints:
+        """``(cells, nodes per cell)``, 0-based; no columns where a file tells the number of cells
+        alone."""
+        return self._node_indices
+
+    @property
+    def nodes_per_cell(self) -> int:
+        return int(self._node_indices.shape[1])
+
+    @property
+    def size(self) -> int:
+        """The number of cells."""
+        return int(self._node_indices.shape[0])
+
+    def __len__(self) -> int:
+        return self.size
+
+    def __getitem__(self, cell: Any) -> Any:
+        return self._node_indices[cell]
+
+    def __array__(self, dtype: Any = None, copy: Any = None) -> Any:
+        if copy:
+            return np.array(self._node_indices, dtype=dtype)
+        return np.asarray(self._node_indices, dtype=dtype)
+
+    def __repr__(self) -> str:
+        return f"<{self.size} of {shape_name(self._shape)} with {self.nodes_per_cell} nodes>"
+
+
+CellsLike = Iterable[Union[CellGroup, Tuple[ShapeLike, npt.ArrayLike]]]
+
+
+def _size_may_change(part: str, attributes: Attributes, now: int, then: int) -> None:
+    if attributes and now != then:
+        raise ValueError(f"{part} has {then} entries, its attributes {', '.join(attributes)} have "
+                         f"{now}: remove them first, so that none is lost unseen")
+
+
+class Cells(Sequence[CellGroup]):
+    """The edges, the faces or the volume elements: a sequence of groups."""
+
+    def __init__(self, document: "Document", entity: str) -> None:
+        self._document = document
+        self._entity = entity
+        self._groups: List[CellGroup] = []
+        self.attributes = Attributes(entity, lambda: self.size)
+        """One value per cell, over all groups, by name."""
+
+    @property
+    def size(self) -> int:
+        """The number of cells of all groups."""
+        return sum(group.size for group in self._groups)
+
+    @overload
+    def __getitem__(self, index: int) -> CellGroup: ...
+
+    @overload
+    def __getitem__(self, index: slice) -> List[CellGroup]: ...
+
+    def __getitem__(self, index: Union[int, slice]) -> Union[CellGroup, List[CellGroup]]:
+        return self._groups[index]
+
+    def __len__(self) -> int:
+        return len(self._groups)
+
+    def __repr__(self) -> str:
+        return f"<{self.size} {self._entity}: {', '.join(map(repr, self._groups)) or 'none'}>"
+
+    def set(self, groups: CellsLike) -> None:
+        """Sets the cells. Attributes stay where the number of cells does; else they have to be
+        removed first.
+
+        Args:
+            groups: Groups, or pairs of a shape and an array ``(cells, nodes per cell)``.
+        """
+        if isinstance(groups, tuple) and len(groups) == 2 and isinstance(groups[0], str):
+            groups = [groups]  # type: ignore[list-item]
+        made = []
+        for index, group in enumerate(groups):
+            argument = f"{self._entity}[{index}]"
+            if not isinstance(group, CellGroup):
+                try:
+                    shape, node_indices = group
+                except (TypeError, ValueError):
+                    raise TypeError(f"{argument} is {type(group).__name__}, expected a shape and "
+                                    "an array") from None
+                group = CellGroup(shape, node_indices, argument)
+            made.append(group)
+        _size_may_change(self._entity, self.attributes, self.size, sum(g.size for g in made))
+        self._groups = made
+
+    def quality(self, measure: str = "scaled Jacobian") -> Doubles:
+        """Measures every cell.
+
+        Args:
+            measure: "scaled Jacobian", "aspect ratio", "smallest angle", "largest angle" (in
+                degrees, of volume elements between faces) or "size" (length, area or volume).
+
+        Returns:
+            One value per cell, NaN where the measure is not defined.
+        """
+        from ._reports import measure_cells
+
+        return measure_cells(self._document, self._entity, measure)
+
+    def sizes(self) -> Doubles:
+        """The length, the area or the volume of every cell, negative where it is inside out."""
+        return self.quality("size")
+
+    def to_pandas(self) -> "pandas.DataFrame":
+        """A table with a row for each cell: its shape, its nodes and its attributes."""
+        import pandas
+
+        shapes = [shape_name(g._shape) for g in self._groups for _ in range(g.size)]
+        nodes = [tuple(cell) for g in self._groups for cell in g.node_indices.tolist()]
+        table = pandas.DataFrame({"shape": pandas.Categorical(shapes), "nodes": nodes})
+        return pandas.concat([table, self.attributes.to_pandas()], axis=1)
+
+
+class Nodes:
+    """The nodes of a mesh."""
+
+    def __init__(self, points: Doubles) -> None:
+        self._points = points
+        self.attributes = Attributes("nodes", lambda: self.size)
+        """One value per node, by name."""
+
+    @property
+    def points(self) -> Doubles:
+        """``(n, dimension)``; no columns where a tolerant reader could not read them."""
+        return self._points
+
+    @points.setter
+    def points(self, points: npt.ArrayLike) -> None:
+        made = as_points(points, "points")
+        _size_may_change("points", self.attributes, self.size, made.shape[0])
+        self._points = made
+
+    @property
+    def size(self) -> int:
+        """The number of nodes."""
+        return int(self._points.shape[0])
+
+    def __len__(self) -> int:
+        return self.size
+
+    def __repr__(self) -> str:
+        return f"<{self.size} nodes>"
+
+    def to_pandas(self) -> "pandas.DataFrame":
+        """A table with a row for each node: its coordinates and its attributes."""
+        import pandas
+
+        columns = {axis: self._points[:, i]
+                   for i, axis in enumerate("xyz"[:self._points.shape[1]])}
+        return pandas.concat([pandas.DataFrame(columns), self.attributes.to_pandas()], axis=1)

@@ -1,0 +1,225 @@
+"""Pictures of meshes, drawn by VTK without a window."""
+from __future__ import annotations
+
+import atexit
+import contextlib
+import os
+import shutil
+import subprocess
+import sys
+from typing import TYPE_CHECKING, Any, Iterator, List, Optional, Tuple, Union
+
+import numpy as np
+
+from . import _orvml
+from ._vtk import _shared, grid_of
+
+if TYPE_CHECKING:
+    from ._documents import Document
+
+_servers: List[Tuple[subprocess.Popen[bytes], str]] = []
+"""The display that pictures are drawn on where there is none; it ends with the program."""
+
+_EDGES = (0.10, 0.16, 0.18)
+_PLAIN = (0.62, 0.75, 0.76)
+
+
+def _stop_servers() -> None:
+    for server, _ in _servers:
+        server.terminate()
+        server.wait()
+
+
+def _start_server() -> str:
+    if shutil.which("Xvfb") is None:
+        raise RuntimeError("there is no display to draw on, and no Xvfb to make one: "
+                           "set DISPLAY, or install the package xvfb")
+    reading, writing = os.pipe()
+    server = subprocess.Popen(
+        ["Xvfb", "-displayfd", str(writing), "-screen", "0", "1280x1024x24", "-nolisten", "tcp"],
+        pass_fds=[writing], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+    os.close(writing)
+    with os.fdopen(reading) as numbers:
+        number = numbers.readline().strip()
+    if not number:
+        server.wait()
+        raise RuntimeError("Xvfb did not start")
+    atexit.register(_stop_servers)
+    _servers.append((server, f":{number}"))
+    return _servers[0][1]
+
+
+@contextlib.contextmanager
+def _display() -> Iterator[None]:
+    """A display for VTK, which ends the program where it finds none."""
+    if "DISPLAY" in os.environ or not sys.platform.startswith("linux"):
+        yield
+        return
+    os.environ["DISPLAY"] = _servers[0][1] if _servers else _start_server()
+    try:
+        yield
+    finally:
+        del os.environ["DISPLAY"]
+
+
+def _colors(document: "Document", grid: Any, color: Optional[str], cells: Optional[str]) -> Any:
+    """Gives the grid the values that it is coloured by; returns the data set attributes that have
+    them, or None."""
+    if color is None:
+        return None
+    chosen = document._main_cells(cells)
+    if color in chosen.attributes:
+        return _coloured_by(grid.GetCellData(), color)
+    if color in document.nodes.attributes:
+        return _coloured_by(grid.GetPointData(), color)
+    if color not in _orvml.measure_names:
+        known = [*chosen.attributes, *document.nodes.attributes, *_orvml.measure_names]
+        raise ValueError(f"color is {color!r}, expected one of {', '.join(known)}")
+    values = _shared(chosen.quality(color))
+    values.SetName(color)
+    grid.GetCellData().AddArray(values)
+    return _coloured_by(grid.GetCellData(), color)
+
+
+def _coloured_by(data: Any, name: str) -> Any:
+    if data.GetArray(name) is None:
+        raise ValueError(f"color is {name!r}, which has not one value for each")
+    data.SetActiveScalars(name)
+    return data
+
+
+def _range_of(array: Any) -> Tuple[float, float]:
+    from vtkmodules.util.numpy_support import vtk_to_numpy
+
+    values = vtk_to_numpy(array)
+    finite = values[np.isfinite(values)]
+    return (float(finite.min()), float(finite.max())) if finite.size else (0.0, 1.0)
+
+
+def _mapper_of(grid: Any, data: Any) -> Any:
+    from vtkmodules.vtkFiltersGeometry import vtkDataSetSurfaceFilter
+    from vtkmodules.vtkRenderingCore import vtkPolyDataMapper
+
+    surface = vtkDataSetSurfaceFilter()
+    surface.SetInputData(grid)
+    surface.SetNonlinearSubdivisionLevel(2)
+    mapper = vtkPolyDataMapper()
+    mapper.SetInputConnection(surface.GetOutputPort())
+    mapper.SetScalarVisibility(data is not None)
+    if data is not None:
+        mapper.SetScalarRange(*_range_of(data.GetScalars()))
+        mapper.SetLookupTable(_palette(mapper.GetScalarRange()))
+        mapper.UseLookupTableScalarRangeOn()
+    return mapper
+
+
+_VIRIDIS = ((0.267, 0.005, 0.329), (0.231, 0.322, 0.545), (0.129, 0.569, 0.549),
+            (0.369, 0.788, 0.382), (0.993, 0.906, 0.144))
+"""Five of the colours of the map viridis, which is read in grey and by the colour-blind, too."""
+
+
+def _palette(limits: Tuple[float, float]) -> Any:
+    from vtkmodules.vtkRenderingCore import vtkColorTransferFunction
+
+    low, high = limits
+    table = vtkColorTransferFunction()
+    for i, colour in enumerate(_VIRIDIS):
+        table.AddRGBPoint(low + (high - low) * i / (len(_VIRIDIS) - 1), *colour)
+    table.SetNanColor(0.85, 0.85, 0.85)
+    return table
+
+
+def _legend(mapper: Any, title: str) -> Any:
+    from vtkmodules.vtkRenderingAnnotation import vtkScalarBarActor
+
+    legend = vtkScalarBarActor()
+    legend.SetLookupTable(mapper.GetLookupTable())
+    # What the legend would take for the end of its text, or for markup, is left out.
+    legend.SetTitle(title.encode("ascii", "replace").decode().replace("$", ""))
+    legend.SetNumberOfLabels(5)
+    legend.SetMaximumWidthInPixels(110)
+    legend.SetPosition(0.88, 0.1)
+    legend.SetHeight(0.6)
+    legend.UnconstrainedFontSizeOn()
+    for text, size in ((legend.GetTitleTextProperty(), 20), (legend.GetLabelTextProperty(), 18)):
+        text.SetColor(0.1, 0.1, 0.1)
+        text.SetFontSize(size)
+        text.SetItalic(False)
+        text.SetBold(False)
+        text.SetShadow(False)
+    return legend
+
+
+def _actor_of(mapper: Any, edges: bool) -> Any:
+    from vtkmodules.vtkRenderingCore import vtkActor
+
+    actor = vtkActor()
+    actor.SetMapper(mapper)
+    look = actor.GetProperty()
+    look.SetColor(*_PLAIN)
+    look.SetEdgeVisibility(edges)
+    look.SetEdgeColor(*_EDGES)
+    look.SetAmbient(0.25)
+    look.SetDiffuse(0.8)
+    return actor
+
+
+def _look(renderer: Any, document: "Document", direction: Tuple[float, float, float]) -> None:
+    camera = renderer.GetActiveCamera()
+    camera.SetFocalPoint(0, 0, 0)
+    if document.dimension == 2:
+        camera.SetPosition(0, 0, 1)
+        camera.SetViewUp(0, 1, 0)
+    else:
+        camera.SetPosition(*direction)
+        camera.SetViewUp(*((0, 1, 0) if direction[0] == direction[1] == 0 else (0, 0, 1)))
+    camera.ParallelProjectionOn()
+    renderer.ResetCamera()
+    camera.Zoom(1.25)
+
+
+def draw(document: "Document", path: "Union[str, os.PathLike[str]]", color: Optional[str],
+         cells: Optional[str], size: Tuple[int, int], direction: Tuple[float, float, float],
+         edges: bool) -> None:
+    """Draws a picture; see ``Document.plot``."""
+    import vtkmodules.vtkRenderingFreeType  # noqa: F401, it makes the texts
+    import vtkmodules.vtkRenderingOpenGL2  # noqa: F401, it makes the pictures
+    from vtkmodules.vtkRenderingCore import vtkRenderer, vtkRenderWindow
+
+    file = os.fspath(path)
+    grid = grid_of(document, cells, turn_prisms=False)
+    data = _colors(document, grid, color, cells)
+    mapper = _mapper_of(grid, data)
+    renderer = vtkRenderer()
+    renderer.SetBackground(1, 1, 1)
+    renderer.AddActor(_actor_of(mapper, edges))
+    if data is not None:
+        renderer.AddActor2D(_legend(mapper, str(color)))
+    _look(renderer, document, direction)
+    with _display():
+        window = vtkRenderWindow()
+        window.SetOffScreenRendering(True)
+        window.SetSize(*size)
+        window.SetMultiSamples(8)
+        window.AddRenderer(renderer)
+        _save(window, file)
+        window.Finalize()
+
+
+def _save(window: Any, file: str) -> None:
+    from vtkmodules.vtkIOImage import vtkPNGWriter
+    from vtkmodules.vtkRenderingCore import vtkWindowToImageFilter
+
+    window.Render()
+    pixels = vtkWindowToImageFilter()
+    pixels.SetInput(window)
+    pixels.ReadFrontBufferOff()
+    writer = vtkPNGWriter()
+    writer.SetInputConnection(pixels.GetOutputPort())
+    # Into memory first: VTK itself only prints that a file cannot be written.
+    writer.WriteToMemoryOn()
+    writer.Write()
+    from vtkmodules.util.numpy_support import vtk_to_numpy
+
+    with open(file, "wb") as picture:
+        picture.write(vtk_to_numpy(writer.GetResult()).tobytes())
