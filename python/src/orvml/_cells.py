@@ -75,7 +75,7 @@ class Cells(Sequence[CellGroup]):
         self._document = document
         self._entity = entity
         self._groups: List[CellGroup] = []
-        self.attributes = Attributes(entity, lambda: self.size)
+        self.attributes = Attributes(entity, self)
         """One value per cell, over all groups, by name."""
 
     @property
@@ -154,7 +154,7 @@ class Nodes:
 
     def __init__(self, points: Doubles) -> None:
         self._points = points
-        self.attributes = Attributes("nodes", lambda: self.size)
+        self.attributes = Attributes("nodes", self)
         """One value per node, by name."""
 
     @property

@@ -14,6 +14,7 @@ if TYPE_CHECKING:
     from ._documents import Document
 
 _SIZES = {"edges": "length", "faces": "area", "elements": "volume"}
+_COLOURS = ["#0b6e6e", "#5ab4ac", "#c7a252", "#8c510a", "#4a6fa5", "#9d6381"]
 _UNMEASURABLE = 1e30
 """What cells without size have for a ratio."""
 
@@ -34,7 +35,8 @@ def histogram(document: "Document", path: "Optional[Union[str, os.PathLike[str]]
     FigureCanvasAgg(figure)
     axes = figure.subplots()
     axes.hist([values[drawn & (names == shape)] for shape in shapes], bins=40, stacked=True,
-              label=[shape_name(int(shape)) for shape in shapes])
+              label=[shape_name(int(shape)) for shape in shapes],
+              color=_COLOURS[:len(shapes)] if len(shapes) <= len(_COLOURS) else None)
     axes.set_xlabel(_SIZES[chosen._entity] if measure == "size" else measure)
     axes.set_ylabel(f"number of {chosen._entity}")
     left_out = int(values.size - drawn.sum())

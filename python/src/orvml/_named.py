@@ -2,8 +2,8 @@
 from __future__ import annotations
 
 import operator
-from typing import (TYPE_CHECKING, Any, Callable, Dict, Iterator, List, Mapping, MutableMapping,
-                    Optional, Tuple)
+from typing import (TYPE_CHECKING, Any, Dict, Iterator, List, Mapping, MutableMapping, Optional,
+                    Protocol, Tuple)
 
 import numpy as np
 import numpy.typing as npt
@@ -22,12 +22,19 @@ def _name_of(name: object, argument: str) -> str:
     return name
 
 
+class _Counted(Protocol):
+    """Nodes, or cells of one kind."""
+
+    @property
+    def size(self) -> int: ...
+
+
 class Attributes(MutableMapping[str, AttributeArray]):
     """The attributes of the nodes, or of the cells of one kind: one value for each, by name."""
 
-    def __init__(self, owner: str, size: Callable[[], int]) -> None:
+    def __init__(self, name: str, owner: _Counted) -> None:
+        self._name = name
         self._owner = owner
-        self._size = size
         self._values: Dict[str, AttributeArray] = {}
 
     def __getitem__(self, name: str) -> AttributeArray:
@@ -45,8 +52,8 @@ class Attributes(MutableMapping[str, AttributeArray]):
                 An array that is already so is not copied.
             must_be_transmitted: Whether the meshing module has to send the attribute back.
         """
-        argument = f"{self._owner}.attributes[{_name_of(name, self._owner + '.attributes')!r}]"
-        self._values[name] = AttributeArray(as_values(values, argument, self._size()),
+        argument = f"{self._name}.attributes[{_name_of(name, self._name + '.attributes')!r}]"
+        self._values[name] = AttributeArray(as_values(values, argument, self._owner.size),
                                             must_be_transmitted)
 
     def __delitem__(self, name: str) -> None:
@@ -59,7 +66,7 @@ class Attributes(MutableMapping[str, AttributeArray]):
         return len(self._values)
 
     def __repr__(self) -> str:
-        return f"<{len(self)} attributes of the {self._owner}: {', '.join(self) or 'none'}>"
+        return f"<{len(self)} attributes of the {self._name}: {', '.join(self) or 'none'}>"
 
     def to_pandas(self) -> "pandas.DataFrame":
         """A table with a column for each attribute and a row for each node or cell.

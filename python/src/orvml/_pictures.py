@@ -35,8 +35,10 @@ def _start_server() -> str:
         raise RuntimeError("there is no display to draw on, and no Xvfb to make one: "
                            "set DISPLAY, or install the package xvfb")
     reading, writing = os.pipe()
+    # It is not to begin anew whenever a picture is done: who comes meanwhile would be turned away.
     server = subprocess.Popen(
-        ["Xvfb", "-displayfd", str(writing), "-screen", "0", "1280x1024x24", "-nolisten", "tcp"],
+        ["Xvfb", "-displayfd", str(writing), "-screen", "0", "1280x1024x24", "-nolisten", "tcp",
+         "-noreset"],
         pass_fds=[writing], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
     os.close(writing)
     with os.fdopen(reading) as numbers:
@@ -138,8 +140,8 @@ def _legend(mapper: Any, title: str) -> Any:
     legend.SetTitle(title.encode("ascii", "replace").decode().replace("$", ""))
     legend.SetNumberOfLabels(5)
     legend.SetMaximumWidthInPixels(110)
-    legend.SetPosition(0.88, 0.1)
-    legend.SetHeight(0.6)
+    legend.SetPosition(0.86, 0.15)
+    legend.SetHeight(0.7)
     legend.UnconstrainedFontSizeOn()
     for text, size in ((legend.GetTitleTextProperty(), 20), (legend.GetLabelTextProperty(), 18)):
         text.SetColor(0.1, 0.1, 0.1)
@@ -159,23 +161,52 @@ def _actor_of(mapper: Any, edges: bool) -> Any:
     look.SetColor(*_PLAIN)
     look.SetEdgeVisibility(edges)
     look.SetEdgeColor(*_EDGES)
-    look.SetAmbient(0.25)
+    look.SetAmbient(0.3)
     look.SetDiffuse(0.8)
     return actor
 
 
-def _look(renderer: Any, document: "Document", direction: Tuple[float, float, float]) -> None:
+def _points_of(mapper: Any) -> Any:
+    from vtkmodules.util.numpy_support import vtk_to_numpy
+
+    mapper.Update()
+    points = mapper.GetInput().GetPoints()
+    return np.zeros((0, 3)) if points is None else vtk_to_numpy(points.GetData())
+
+
+def _look(renderer: Any, points: Any, direction: Tuple[float, float, float], size: Tuple[int, int],
+          has_legend: bool) -> None:
+    """Points the camera, and fits the points of a surface into the picture, beside the legend."""
     camera = renderer.GetActiveCamera()
-    camera.SetFocalPoint(0, 0, 0)
-    if document.dimension == 2:
-        camera.SetPosition(0, 0, 1)
-        camera.SetViewUp(0, 1, 0)
-    else:
-        camera.SetPosition(*direction)
-        camera.SetViewUp(*((0, 1, 0) if direction[0] == direction[1] == 0 else (0, 0, 1)))
     camera.ParallelProjectionOn()
+    up = (0, 1, 0) if direction[0] == direction[1] == 0 else (0, 0, 1)
+    camera.SetFocalPoint(0, 0, 0)
+    camera.SetPosition(*direction)
+    camera.SetViewUp(*up)
     renderer.ResetCamera()
-    camera.Zoom(1.25)
+
+    away = -np.array(camera.GetDirectionOfProjection())
+    right = np.cross(up, away)
+    right /= np.linalg.norm(right)
+    share = 0.84 if has_legend else 1.0
+    scale, middle = _extent(points - camera.GetFocalPoint(), right, np.cross(away, right),
+                            share * size[0] / size[1])
+    camera.SetParallelScale(scale)
+    camera.SetFocalPoint(*(camera.GetFocalPoint() + middle))
+    camera.SetPosition(*(camera.GetPosition() + middle))
+    renderer.ResetCameraClippingRange()
+    camera.SetWindowCenter(1 - share, 0)
+
+
+def _extent(points: Any, right: Any, up: Any, aspect: float) -> Tuple[float, Any]:
+    """Half the height of the picture, in the unit of the points, and the middle of what is seen."""
+    sides = points @ right
+    heights = points @ up
+    if not len(points) or not np.isfinite(sides + heights).all():
+        return 1.0, np.zeros(3)
+    scale = 0.53 * max(np.ptp(heights), np.ptp(sides) / aspect)
+    middle = [(values.min() + values.max()) / 2 for values in (sides, heights)]
+    return float(scale) or 1.0, middle[0] * right + middle[1] * up
 
 
 def draw(document: "Document", path: "Union[str, os.PathLike[str]]", color: Optional[str],
@@ -184,7 +215,7 @@ def draw(document: "Document", path: "Union[str, os.PathLike[str]]", color: Opti
     """Draws a picture; see ``Document.plot``."""
     import vtkmodules.vtkRenderingFreeType  # noqa: F401, it makes the texts
     import vtkmodules.vtkRenderingOpenGL2  # noqa: F401, it makes the pictures
-    from vtkmodules.vtkRenderingCore import vtkRenderer, vtkRenderWindow
+    from vtkmodules.vtkRenderingCore import vtkLightKit, vtkRenderer, vtkRenderWindow
 
     file = os.fspath(path)
     grid = grid_of(document, cells, turn_prisms=False)
@@ -195,7 +226,9 @@ def draw(document: "Document", path: "Union[str, os.PathLike[str]]", color: Opti
     renderer.AddActor(_actor_of(mapper, edges))
     if data is not None:
         renderer.AddActor2D(_legend(mapper, str(color)))
-    _look(renderer, document, direction)
+    _look(renderer, _points_of(mapper), (0, 0, 1) if document.dimension == 2 else direction, size,
+          data is not None)
+    vtkLightKit().AddLightsToRenderer(renderer)
     with _display():
         window = vtkRenderWindow()
         window.SetOffScreenRendering(True)

@@ -48,10 +48,13 @@ def _title(document: "Document") -> str:
 def plain(document: "Document") -> str:
     """A line for each part that there is."""
     rows = [(part, text) for part, text in _parts(document) if text]
-    # Names come from files: what would move the cursor or break the line is spelled out.
-    told = [f"  {part:<14} {text.encode('unicode_escape').decode() if not text.isprintable() else text}"
-            for part, text in rows]
+    told = [f"  {part:<17}  {_printable(text)}" for part, text in rows]
     return "\n".join([f"<{_title(document)}", *told]) + ">"
+
+
+def _printable(text: str) -> str:
+    # Names come from files: what would move the cursor or break the line is spelled out.
+    return text if text.isprintable() else text.encode("unicode_escape").decode()
 
 
 def html(document: "Document") -> str:

@@ -13,11 +13,16 @@ if TYPE_CHECKING:
     from ._documents import Document
 
 
-def _shared(values: AnyArray) -> Any:
-    """An array of VTK on the memory of one of NumPy, which lives as long."""
+def _shared(values: AnyArray, array: Any = None) -> Any:
+    """An array of VTK on the memory of one of NumPy, which lives as long.
+
+    Args:
+        array: The empty array of VTK to be used; one for the type of the values if not given.
+    """
     from vtkmodules.util.numpy_support import create_vtk_array, get_vtk_array_type
 
-    array = create_vtk_array(get_vtk_array_type(values.dtype))
+    if array is None:
+        array = create_vtk_array(get_vtk_array_type(values.dtype))
     array.SetNumberOfComponents(1 if values.ndim == 1 else values.shape[1])
     # VTK asks for a buffer that it may write, though nothing here does.
     memory = f"_{values.ctypes.data:x}_p_void" if values.size else None
@@ -99,7 +104,10 @@ def grid_of(document: "Document", cells: Optional[str], turn_prisms: bool) -> An
     groups = [_turned(group) if turn_prisms else group for group in chosen if group.size]
     types, starts, nodes = _cell_arrays(groups)
     array = vtkCellArray()
-    array.SetData(_shared(starts), _shared(nodes))
+    # Into its own arrays: of others it would take the memory, and let them go with what they keep.
+    array.Use32BitStorage()
+    _shared(starts, array.GetOffsetsArray32())
+    _shared(nodes, array.GetConnectivityArray32())
     grid = vtkUnstructuredGrid()
     grid.SetPoints(places)
     grid.SetCells(_shared(types), array)
