@@ -120,6 +120,18 @@ TEST(MeasuredCells, HaveNoValueWithoutFiniteCoordinates) {
   EXPECT_TRUE(std::isnan(measured(mesh, CellMeasure::size).at(0)));
 }
 
+TEST(MeasuredCells, AreNotThoseOfWhichANumberAloneIsKnown) {
+  const orvml::CellsView claimed(
+      {orvml::CellGroup::withoutNodes(Shape::tetrahedron, std::numeric_limits<int>::max())});
+
+  try {
+    (void)measureCells(orvml::NodesView(), claimed, CellMeasure::size);
+    FAIL();
+  } catch (const orvml::Error& error) {
+    EXPECT_EQ(error.code(), orvml::Code::valuesTooFew);
+  }
+}
+
 TEST(MeasuredCells, WithoutSizeHaveTheRatioOfDegenerateOnes) {
   TestMesh mesh;
   mesh.x = {0, 0, 0, 1, 0, 0, 2, 0, 0};

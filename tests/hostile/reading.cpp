@@ -9,6 +9,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <system_error>
 #include <utility>
 
 namespace orvml_io_tests {
@@ -104,9 +108,20 @@ void expectAgreement(const Readings& readings) {
   EXPECT_EQ(readings.both.hasOutput, reachesOutput && readings.output.hasDocument);
 }
 
+/// Leaves the file in the folder that the environment names, for the tests of other languages.
+void keepForOthers(const char* path) {
+  static int number = 0;
+  if (const char* folder = std::getenv("ORVML_IO_TESTS_KEEP"); folder != nullptr) {
+    std::error_code ignored;  // some tests read what is no file
+    std::filesystem::copy_file(
+        path, std::filesystem::path(folder) / (std::to_string(number++) + ".h5"), ignored);
+  }
+}
+
 }  // namespace
 
 Readings readInEveryWay(const char* path) {
+  keepForOthers(path);
   const OpenIds ids;
   Readings readings;
   readings.input = readWith(kInput, path);
@@ -126,6 +141,7 @@ Readings readInSilence(const char* path) {
 }
 
 Reading readInputInSilence(const char* path) {
+  keepForOthers(path);
   const OpenIds ids;
   CapturedOutput captured;
   const Reading reading = readWith(kInput, path);

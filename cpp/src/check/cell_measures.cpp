@@ -82,6 +82,11 @@ std::string_view name(CellMeasure measure) noexcept {
 
 std::vector<double> measureCells(const NodesView& nodes, const CellsView& cells,
                                  CellMeasure measure) {
+  for (const CellGroup& group : cells.groups()) {
+    if (group.size() != 0 && group.nodesPerCell() == 0) {
+      throw Error(Code::valuesTooFew, "cells whose nodes are not known cannot be measured");
+    }
+  }
   std::vector<double> values;
   values.reserve(static_cast<std::size_t>(cells.size()));
   for (const CellGroup& group : cells.groups()) {

@@ -29,7 +29,7 @@ class AttributeArray(np.ndarray):  # type: ignore[type-arg]
     def __array_finalize__(self, parent: Optional[AnyArray]) -> None:
         self.must_be_transmitted = getattr(parent, "must_be_transmitted", False)
 
-    def __array_wrap__(self, array: AnyArray, context: Any = None,  # type: ignore[override]
+    def __array_wrap__(self, array: AnyArray, context: Any = None,
                        return_scalar: bool = False) -> Any:
         plain = np.asarray(array)
         return plain[()] if return_scalar or plain.ndim == 0 else plain
@@ -50,7 +50,8 @@ def _array_of(values: npt.ArrayLike, argument: str) -> AnyArray:
 
 def _held(array: AnyArray, dtype: Any) -> AnyArray:
     """The same array where it is aligned, contiguous and of the type, else a copy that is."""
-    return np.require(array, dtype=dtype, requirements=["C", "A"])
+    held: AnyArray = np.require(array, dtype=dtype, requirements=["C", "A"])
+    return held
 
 
 def as_doubles(array: AnyArray) -> Doubles:
@@ -96,4 +97,6 @@ def as_values(values: npt.ArrayLike, argument: str, size: Optional[int] = None) 
     if array.ndim != 1 or (size is not None and array.size != size):
         wanted = "(n,)" if size is None else f"({size},)"
         raise ValueError(f"{argument} has the shape {array.shape}, expected {wanted}")
-    return as_ints(array, argument) if array.dtype.kind in "biu" else as_doubles(array)
+    if array.dtype.kind in "biu":
+        return as_ints(array, argument)
+    return as_doubles(array)

@@ -8,6 +8,7 @@ import numpy.typing as npt
 
 from ._arrays import Doubles, Ints, as_node_indices, as_points
 from ._named import Attributes
+from ._settable import Settable
 from ._shapes import Shape, ShapeLike, shape_name, shape_number, shape_of
 
 if TYPE_CHECKING:
@@ -130,6 +131,9 @@ class Cells(Sequence[CellGroup]):
 
         Returns:
             One value per cell, NaN where the measure is not defined.
+
+        Raises:
+            Error: A tolerant reader found the number of the cells alone.
         """
         from ._reports import measure_cells
 
@@ -143,6 +147,9 @@ class Cells(Sequence[CellGroup]):
         """A table with a row for each cell: its shape, its nodes and its attributes."""
         import pandas
 
+        # A few bytes of a file can claim billions of cells that it does not have.
+        if any(group.size and not group.nodes_per_cell for group in self._groups):
+            raise ValueError(f"the nodes of the {self._entity} are not known")
         shapes = [shape_name(g._shape) for g in self._groups for _ in range(g.size)]
         nodes = [tuple(cell) for g in self._groups for cell in g.node_indices.tolist()]
         table = pandas.DataFrame({"shape": pandas.Categorical(shapes), "nodes": nodes})
@@ -157,16 +164,14 @@ class Nodes:
         self.attributes = Attributes("nodes", self)
         """One value per node, by name."""
 
-    @property
-    def points(self) -> Doubles:
-        """``(n, dimension)``; no columns where a tolerant reader could not read them."""
-        return self._points
-
-    @points.setter
-    def points(self, points: npt.ArrayLike) -> None:
+    def _set_points(self, points: npt.ArrayLike) -> None:
         made = as_points(points, "points")
         _size_may_change("points", self.attributes, self.size, made.shape[0])
         self._points = made
+
+    points: Settable[Doubles, npt.ArrayLike] = Settable(
+        lambda self: self._points, _set_points,
+        "``(n, dimension)``; no columns where a tolerant reader could not read them.")
 
     @property
     def size(self) -> int:

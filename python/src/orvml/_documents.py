@@ -11,6 +11,7 @@ from . import _texts
 from ._arrays import Doubles, as_points
 from ._cells import CellGroup, Cells, CellsLike, Nodes
 from ._named import Parameters, VectorParameters, integer
+from ._settable import Settable
 
 if TYPE_CHECKING:
     import os
@@ -93,59 +94,26 @@ class Document:
         columns = self.nodes.points.shape[1]
         return int(columns) if columns else self._dimension
 
-    @property
-    def points(self) -> Doubles:
-        """The coordinates of the nodes, ``(n, dimension)``."""
-        return self.nodes.points
-
-    @points.setter
-    def points(self, points: npt.ArrayLike) -> None:
-        self.nodes.points = points  # type: ignore[assignment]
-
-    @property
-    def edges(self) -> Cells:
-        """The edges, in groups of one shape."""
-        return self._edges
-
-    @edges.setter
-    def edges(self, groups: CellsLike) -> None:
-        self._edges.set(groups)
-
-    @property
-    def faces(self) -> Cells:
-        """The faces, in groups of one shape."""
-        return self._faces
-
-    @faces.setter
-    def faces(self, groups: CellsLike) -> None:
-        self._faces.set(groups)
-
-    @property
-    def elements(self) -> Cells:
-        """The volume elements, in groups of one shape."""
-        return self._elements
-
-    @elements.setter
-    def elements(self, groups: CellsLike) -> None:
-        self._elements.set(groups)
-
-    @property
-    def parameters(self) -> Parameters:
-        """Named numbers."""
-        return self._parameters
-
-    @parameters.setter
-    def parameters(self, parameters: Mapping[str, float]) -> None:
-        self._parameters = Parameters(parameters)
-
-    @property
-    def vector_parameters(self) -> VectorParameters:
-        """Named vectors."""
-        return self._vector_parameters
-
-    @vector_parameters.setter
-    def vector_parameters(self, parameters: Mapping[str, npt.ArrayLike]) -> None:
-        self._vector_parameters = VectorParameters(parameters)
+    points: Settable[Doubles, npt.ArrayLike] = Settable(
+        lambda self: self.nodes.points, lambda self, given: setattr(self.nodes, "points", given),
+        "The coordinates of the nodes, ``(n, dimension)``.")
+    edges: Settable[Cells, CellsLike] = Settable(
+        lambda self: self._edges, lambda self, given: self._edges.set(given),
+        "The edges, in groups of one shape.")
+    faces: Settable[Cells, CellsLike] = Settable(
+        lambda self: self._faces, lambda self, given: self._faces.set(given),
+        "The faces, in groups of one shape.")
+    elements: Settable[Cells, CellsLike] = Settable(
+        lambda self: self._elements, lambda self, given: self._elements.set(given),
+        "The volume elements, in groups of one shape.")
+    parameters: Settable[Parameters, Mapping[str, float]] = Settable(
+        lambda self: self._parameters,
+        lambda self, given: setattr(self, "_parameters", Parameters(given)),
+        "Named numbers.")
+    vector_parameters: Settable[VectorParameters, Mapping[str, npt.ArrayLike]] = Settable(
+        lambda self: self._vector_parameters,
+        lambda self, given: setattr(self, "_vector_parameters", VectorParameters(given)),
+        "Named vectors.")
 
     def copy(self: AnyDocument) -> AnyDocument:
         """A document that shares nothing with this one, and whose arrays may be written."""
@@ -244,7 +212,8 @@ class Document:
             cells: Cells = getattr(document, entity)
             cells.set([CellGroup(shape, indices) for shape, indices
                        in raw[entity]])  # type: ignore[literal-required]
-            cells.attributes._adopt(raw["attributes"][entity])
+            cells.attributes._adopt(
+                raw["attributes"][entity])  # type: ignore[literal-required]
         document.nodes.attributes._adopt(raw["attributes"]["nodes"])
         document.parameters.update(raw["parameters"])
         document.vector_parameters._adopt(raw["vector_parameters"])

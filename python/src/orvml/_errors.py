@@ -31,31 +31,42 @@ class Error(Exception):
         self.file = file
         self.object = object
         self.hdf5_reason = hdf5_reason
-        if isinstance(self, OSError):
-            self.errno = _NUMBERS[type(self)]
-            self.strerror = sentence
-            self.filename = file
 
     def __str__(self) -> str:
         return self.sentence if self.file is None else f"{self.file}: {self.sentence}"
 
 
-# Of what the system says of paths, programs know the exceptions of Python.
+class _PathError(Error, OSError):
+    """What the system says of paths, for which programs know the exceptions of Python."""
 
-class NotFoundError(Error, FileNotFoundError):
+    _number = 0
+
+    def __init__(self, code: str, sentence: str, file: Optional[str] = None, object: str = "",
+                 hdf5_reason: str = "") -> None:
+        super().__init__(code, sentence, file, object, hdf5_reason)
+        self.errno = self._number
+        self.strerror = sentence
+        self.filename = file
+
+
+class NotFoundError(_PathError, FileNotFoundError):
     """There is no such file or folder."""
 
+    _number = errno.ENOENT
 
-class NotPermittedError(Error, PermissionError):
+
+class NotPermittedError(_PathError, PermissionError):
     """The file may not be read, or the folder may not be written."""
 
+    _number = errno.EACCES
 
-class DirectoryError(Error, IsADirectoryError):
+
+class DirectoryError(_PathError, IsADirectoryError):
     """The path leads to a folder."""
 
+    _number = errno.EISDIR
 
-_NUMBERS = {NotFoundError: errno.ENOENT, NotPermittedError: errno.EACCES,
-            DirectoryError: errno.EISDIR}
+
 _CLASSES = {
     "orvml.file.not-found": NotFoundError,
     "orvml.folder.not-found": NotFoundError,

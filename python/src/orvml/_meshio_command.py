@@ -65,7 +65,7 @@ def main(arguments: Optional[List[str]] = None) -> int:
 
     with warnings.catch_warnings():
         warnings.simplefilter("always")
-        warnings.showwarning = tell  # type: ignore[assignment]
+        warnings.showwarning = tell
         try:
             _convert(options)
         except SystemExit:  # meshio has printed why

@@ -105,17 +105,22 @@ class Description:
     findings: Tuple[Finding, ...]
 
 
+def _changed(row: Mapping[str, Any], **parts: Any) -> Dict[str, Any]:
+    """A row with some of its parts in the types of Python that they have here."""
+    return {**row, **parts}
+
+
 def findings_of(raw: Sequence[Any]) -> List[Finding]:
     return [Finding(**finding) for finding in raw]
 
 
 def _stored_of(raw: Any) -> Optional[StoredArray]:
     return None if raw is None else StoredArray(
-        **{**raw, "extents": tuple(raw["extents"]), "filters": tuple(raw["filters"])})
+        **_changed(raw, extents=tuple(raw["extents"]), filters=tuple(raw["filters"])))
 
 
 def _attributes_of(raw: Sequence[Any]) -> Tuple[AttributeDescription, ...]:
-    return tuple(AttributeDescription(**{**row, "stored": _stored_of(row["stored"])})
+    return tuple(AttributeDescription(**_changed(row, stored=_stored_of(row["stored"])))
                  for row in raw)
 
 
@@ -194,7 +199,7 @@ def upgrade_report_of(raw: Any) -> UpgradeReport:
 
 
 def rescue_report_of(raw: Any) -> RescueReport:
-    lost = tuple(LostObject(**{**row, "places": tuple(row["places"])}) for row in raw["lost"])
+    lost = tuple(LostObject(**_changed(row, places=tuple(row["places"]))) for row in raw["lost"])
     return RescueReport(lost, tuple(ChangedObject(**row) for row in raw["changed"]))
 
 
@@ -263,12 +268,12 @@ class CheckReport:
 
 def check_report_of(raw: Any) -> CheckReport:
     def figure(row: Any) -> QualityFigure:
-        return QualityFigure(**{**row, "worst": tuple(row["worst"])})
+        return QualityFigure(**_changed(row, worst=tuple(row["worst"])))
 
-    quality = tuple(CellQuality(**{**row, "shape": shape_of(row["shape"]),
-                                   "figures": tuple(map(figure, row["figures"]))})
+    quality = tuple(CellQuality(**_changed(row, shape=shape_of(row["shape"]),
+                                             figures=tuple(map(figure, row["figures"]))))
                     for row in raw["quality"])
-    findings = tuple(CheckFinding(**{**row, "places": tuple(row["places"])})
+    findings = tuple(CheckFinding(**_changed(row, places=tuple(row["places"])))
                      for row in raw["findings"])
     return CheckReport(findings, quality)
 

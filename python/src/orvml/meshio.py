@@ -8,7 +8,7 @@ from __future__ import annotations
 
 import os
 import warnings
-from typing import Any, Dict, List, NamedTuple, Optional, Tuple, Union
+from typing import Any, Dict, List, NamedTuple, Optional, Tuple, Type, Union
 
 import meshio
 import numpy as np
@@ -142,8 +142,9 @@ def to_meshio(document: Document, *, strict: bool = False) -> meshio.Mesh:
         losses.add(f"the parameter {name!r} has no place in meshio")
     if document.module or document.module_format_version or document.creator:
         losses.add("module and creator have no place in meshio")
-    for part in (document.nodes, document.edges, document.faces, document.elements):
-        for name, values in part.attributes.items():
+    for attributes in (document.nodes.attributes, document.edges.attributes,
+                       document.faces.attributes, document.elements.attributes):
+        for name, values in attributes.items():
             if values.must_be_transmitted:
                 losses.add(f"the attribute {name!r} no longer says that it must be transmitted")
     point_data = {}
@@ -254,7 +255,8 @@ def from_meshio(mesh: meshio.Mesh, kind: str = "output", *, strict: bool = False
         raise ValueError(f"kind is {kind!r}, expected 'input' or 'output'")
     losses = _Losses()
     gathered = _gather(mesh, losses)
-    made: Union[Input, Output] = (Input if kind == "input" else Output)(
+    make: Type[Document] = Input if kind == "input" else Output
+    made = make(
         _points_of(mesh),
         **{entity: cells.groups for entity, cells in gathered.items()},  # type: ignore[arg-type]
         **identification)

@@ -1,0 +1,46 @@
+"""Memory and descriptors stay what they are, whatever is repeated."""
+import gc
+import os
+
+import pytest
+
+import orvml
+from conftest import make_cube
+
+PAGE = os.sysconf("SC_PAGE_SIZE")
+
+
+def resident():
+    with open("/proc/self/statm") as numbers:
+        return int(numbers.read().split()[1]) * PAGE
+
+
+def descriptors():
+    return len(os.listdir("/proc/self/fd"))
+
+
+def touch(document):
+    return document.points.sum() + document.elements[0].node_indices.sum()
+
+
+@pytest.mark.parametrize("times, repeat", [
+    (10_000, lambda path: touch(orvml.read(path))),
+    (10_000, lambda path: touch(orvml.open(path))),
+    (2_000, lambda path: orvml.describe(path)),
+    (2_000, lambda path: orvml.write(path, make_cube(), flush=False)),
+    (2_000, lambda path: orvml.check(path, quality=True)),
+    (2_000, lambda path: pytest.raises(orvml.Error, orvml.read, path, "output")),
+], ids=["read", "open", "describe", "write", "check", "error"])
+def test_repeating_costs_no_memory_and_no_descriptor(cube_file, times, repeat):
+    for _ in range(500):
+        repeat(cube_file)
+    gc.collect()
+    before = resident(), descriptors()
+    for _ in range(times):
+        repeat(cube_file)
+    gc.collect()
+
+    assert descriptors() == before[1]
+    # Of ten thousand times a hundred bytes each would be a million. Sanitizers keep what is freed.
+    if not os.environ.get("ORVML_SANITIZERS"):
+        assert resident() - before[0] < 600_000
