@@ -120,6 +120,32 @@ compares, mends and makes them.")
   install(FILES "${manual}" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT tools)
 endif()
 
+if(ORVML_CPP AND ORVML_PYTHON)
+  list(APPEND CPACK_COMPONENTS_ALL python)
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-orvml)
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
+  # The module is made for the one release of Python that Debian has.
+  math(EXPR next_python "${Python3_VERSION_MINOR} + 1")
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS "${cpp_runtime_package} (= ${release}), \
+python3 (>= 3.${Python3_VERSION_MINOR}~), python3 (<< 3.${next_python}~), python3-numpy")
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_SUGGESTS
+    "python3-meshio, python3-vtk9, xvfb, python3-matplotlib, python3-pandas")
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_SHLIBDEPS ON)
+  list(APPEND CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${PROJECT_BINARY_DIR}/cpp")
+  set(CPACK_DEBIAN_PYTHON_DESCRIPTION
+"exchange of meshes and meshing parameters (Python 3)
+${about}
+This package holds the Python package orvml and the command orvml-meshio.")
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA
+    "${PROJECT_SOURCE_DIR}/cmake/debian/python/postinst;${PROJECT_SOURCE_DIR}/cmake/debian/python/prerm")
+  orvml_io_debian_documents(python python3-orvml)
+  set(manual "${PROJECT_BINARY_DIR}/debian/orvml-meshio.1.gz")
+  execute_process(COMMAND gzip -9nc "${PROJECT_SOURCE_DIR}/python/orvml-meshio.1"
+    OUTPUT_FILE "${manual}" COMMAND_ERROR_IS_FATAL ANY)
+  install(FILES "${manual}" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT python)
+endif()
+
 if(ORVML_IO_DOCUMENTATION)
   list(APPEND CPACK_COMPONENTS_ALL documentation)
   set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_NAME liborvml-io-doc)

@@ -38,6 +38,7 @@ example() { # HEADER
 }
 example orvml_io.h >"$root/tmp/example.cpp"
 example orvml/orvml.hpp >"$root/tmp/cpp_example.cpp"
+awk '/^```python$/ { inside = 1; next } /^```$/ { inside = 0 } inside' "$readme" >"$root/tmp/example.py"
 
 # What apt and the loader note for themselves is no trace of a package.
 cat >"$root/tmp/list" <<'LIST'
@@ -55,6 +56,8 @@ g++ -std=c++11 example.cpp -o example $(pkg-config --cflags --libs orvml_io)
 ./example
 g++ -std=c++20 cpp_example.cpp -o cpp_example $(pkg-config --cflags --libs orvml)
 ./cpp_example
+python3 example.py
+orvml-meshio convert --help
 orvml new part.h5 --param growth=1.5
 orvml check part.h5
 ls -l /usr/share/orvml/schema
@@ -70,6 +73,6 @@ unshare --mount chroot "$root" sh /tmp/steps >"$scratch/steps.log" 2>&1 || {
   exit 1
 }
 cat "$scratch/steps.log"
-[ "$(grep -cx '4 nodes, 1 tetrahedron, mesh size 0.25' "$scratch/steps.log")" -eq 2 ]
+[ "$(grep -cx '4 nodes, 1 tetrahedron, mesh size 0.25' "$scratch/steps.log")" -eq 3 ]
 rm -rf "$root"
-echo "the packages install, serve programs of both interfaces and leave no trace"
+echo "the packages install, serve programs in C++ and Python and leave no trace"
