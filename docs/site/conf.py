@@ -14,14 +14,22 @@ author = "the liborvml_io authors"
 copyright = "2026, the liborvml_io authors"
 version = release = re.search(r"VERSION (\d+\.\d+\.\d+)", cmake_lists).group(1)
 
-extensions = ["myst_parser", "breathe", "sphinx_copybutton", "dark_scheme", "names",
-              "wide_tables"]
+# The Python package is read for its texts alone: what is compiled of it need not be there.
+sys.path.insert(0, os.environ["ORVML_PYTHON_SOURCES"])
+autodoc_mock_imports = ["orvml._orvml", "meshio"]
+autodoc_member_order = "bysource"
+autodoc_typehints = "signature"
+autodoc_preserve_defaults = True
+
+extensions = ["myst_parser", "breathe", "sphinx_copybutton", "sphinx.ext.autodoc",
+              "sphinx.ext.napoleon", "dark_scheme", "names", "wide_tables"]
 templates_path = ["templates"]
 source_suffix = {".md": "markdown"}
 exclude_patterns = ["site", "README.md"]
 nitpicky = True
 # Types of the language itself have no page, nor have the parameters of templates.
-nitpick_ignore_regex = [("cpp:identifier", r"size_t|u?int\d+_t|std(::.*)?|orvml|Container")]
+nitpick_ignore_regex = [("cpp:identifier", r"size_t|u?int\d+_t|std(::.*)?|orvml|Container"),
+                        ("py:.*", r".*")]
 
 myst_heading_anchors = 3
 myst_enable_extensions = ["colon_fence", "deflist"]

@@ -25,6 +25,7 @@ PAGES = {
     "diff": "Differences",
     "patch": "Patches",
     "check": "Checks",
+    "cell_measures": "Measures of cells",
     "rescue": "Rescue and upgrade",
     "vtkhdf": "Files that VTK opens",
     "vtk_cells": "Cells of VTK",

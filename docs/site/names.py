@@ -6,6 +6,7 @@ from sphinx import addnodes
 
 ENTRY = re.compile(r"(?:orvml::)?(?:(?P<scope>[\w:]+)::)?(?P<prefix>OrvML_IO_|ORVML_IO_|ORVML_)?"
                    r"(?P<own>operator[^\w ]+|\w+(?:\[\])?) \(C\+\+ (?P<kind>\w+)\)")
+PYTHON_ENTRY = re.compile(r"(?P<own>\w+)(?:\(\))?(?: \((?P<kind>[\w. ]+)\))?")
 PREFIX = re.compile(r"^(OrvML_IO_|ORVML_IO_)")
 WORD_ENDS = re.compile(r"(?<=[a-z0-9])(?=[A-Z])|(?<=_)")
 ZERO_WIDTH_SPACE = "\u200b"
@@ -15,7 +16,10 @@ LISTED = ("function", "enum", "var", "member")
 # The index of all names
 
 def index_entry(name, links):
-    entry = ENTRY.fullmatch(name).groupdict()
+    found = ENTRY.fullmatch(name)
+    entry = found.groupdict() if found else {
+        "scope": None, "prefix": None, **PYTHON_ENTRY.fullmatch(name).groupdict()}
+    entry["kind"] = entry["kind"] or "exception"  # which Python's index says nothing of
     if entry["scope"]:
         entry["kind"] += f" of {entry['scope']}"
     elif entry["kind"] == "member":
@@ -23,11 +27,21 @@ def index_entry(name, links):
     return dict(entry, words=WORD_ENDS.split(entry["own"]), links=[link for _, link in links])
 
 
+def index_entries(name, links, namesakes):
+    """The entry of a name, or those of all that have it."""
+    if links:
+        yield index_entry(name, links)
+    for kind, its_links in namesakes:
+        # The first of several may have brought its own kind along.
+        yield index_entry(f"{name.partition(' (')[0]} {kind}", its_links)
+
+
 def sort_index(app, pagename, templatename, context, doctree):
     if pagename != "genindex":
         return
-    entries = [index_entry(name, links) for _, group in context["genindexentries"]
-               for name, (links, _, _) in group]
+    entries = [entry for _, group in context["genindexentries"]
+               for name, (links, namesakes, _) in group
+               for entry in index_entries(name, links, namesakes)]
     entries.sort(key=lambda entry: entry["own"].lower())
     context["genindexentries"] = [
         (letter, list(group)) for letter, group in

@@ -175,6 +175,20 @@ def test_the_ends_of_the_range_have_the_ends_of_the_palette(cube, tmp_path):
     assert right[0] > 180 and right[1] > 160 and right[2] < 90  # yellow
 
 
+@pytest.mark.parametrize("name", ["größe $x_1$", "\udcff", "n" * 79])
+def test_any_name_can_be_drawn(cube, tmp_path, name):
+    cube.nodes.attributes[name] = np.arange(8)
+    cube.plot(tmp_path / "named.png", name, size=(300, 200))
+    assert (pixels_of(tmp_path / "named.png")[:20] != 255).any()
+
+
+def test_values_that_are_no_numbers_are_grey(cube, tmp_path):
+    cube.elements.attributes["gap"] = [1.0, np.nan, np.inf, 2, 3, 4]
+    cube.plot(tmp_path / "gap.png", "gap")
+    cube.elements.attributes["none"] = np.full(6, np.nan)
+    cube.plot(tmp_path / "none.png", "none")
+
+
 def test_a_colour_that_is_none_is_told(cube, tmp_path):
     with pytest.raises(ValueError, match="color is 'beauty', expected one of material, temperature, "):
         cube.plot(tmp_path / "a.png", "beauty")

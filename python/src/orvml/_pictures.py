@@ -12,6 +12,7 @@ from typing import TYPE_CHECKING, Any, Iterator, List, Optional, Tuple, Union
 import numpy as np
 
 from . import _orvml
+from ._texts import writable
 from ._vtk import _shared, grid_of
 
 if TYPE_CHECKING:
@@ -84,9 +85,9 @@ def _colors(document: "Document", grid: Any, color: Optional[str], cells: Option
 
 
 def _coloured_by(data: Any, name: str) -> Any:
-    if data.GetArray(name) is None:
+    if data.GetArray(writable(name)) is None:
         raise ValueError(f"color is {name!r}, which has not one value for each")
-    data.SetActiveScalars(name)
+    data.SetActiveScalars(writable(name))
     return data
 
 
@@ -131,25 +132,39 @@ def _palette(limits: Tuple[float, float]) -> Any:
     return table
 
 
-def _legend(mapper: Any, title: str) -> Any:
+def _set_text(text: Any, size: Tuple[int, int]) -> None:
+    text.SetColor(0.1, 0.1, 0.1)
+    text.SetFontSize(max(11, round(min(size) / 45)))
+    text.SetItalic(False)
+    text.SetBold(False)
+    text.SetShadow(False)
+
+
+def _legend(mapper: Any, size: Tuple[int, int]) -> Any:
     from vtkmodules.vtkRenderingAnnotation import vtkScalarBarActor
 
     legend = vtkScalarBarActor()
     legend.SetLookupTable(mapper.GetLookupTable())
-    # What the legend would take for the end of its text, or for markup, is left out.
-    legend.SetTitle(title.encode("ascii", "replace").decode().replace("$", ""))
     legend.SetNumberOfLabels(5)
-    legend.SetMaximumWidthInPixels(110)
+    legend.SetMaximumWidthInPixels(max(60, size[0] // 10))
     legend.SetPosition(0.86, 0.15)
     legend.SetHeight(0.7)
     legend.UnconstrainedFontSizeOn()
-    for text, size in ((legend.GetTitleTextProperty(), 20), (legend.GetLabelTextProperty(), 18)):
-        text.SetColor(0.1, 0.1, 0.1)
-        text.SetFontSize(size)
-        text.SetItalic(False)
-        text.SetBold(False)
-        text.SetShadow(False)
+    _set_text(legend.GetLabelTextProperty(), size)
     return legend
+
+
+def _title(title: str, size: Tuple[int, int]) -> Any:
+    """The name of what the colours show; in the corner there is room for long ones."""
+    from vtkmodules.vtkRenderingCore import vtkTextActor
+
+    actor = vtkTextActor()
+    # What VTK would take for a formula is left out.
+    actor.SetInput(writable(title).replace("$", ""))
+    actor.GetPositionCoordinate().SetCoordinateSystemToNormalizedViewport()
+    actor.SetPosition(0.02, 0.93)
+    _set_text(actor.GetTextProperty(), size)
+    return actor
 
 
 def _actor_of(mapper: Any, edges: bool) -> Any:
@@ -225,7 +240,8 @@ def draw(document: "Document", path: "Union[str, os.PathLike[str]]", color: Opti
     renderer.SetBackground(1, 1, 1)
     renderer.AddActor(_actor_of(mapper, edges))
     if data is not None:
-        renderer.AddActor2D(_legend(mapper, str(color)))
+        renderer.AddActor2D(_legend(mapper, size))
+        renderer.AddActor2D(_title(str(color), size))
     _look(renderer, _points_of(mapper), (0, 0, 1) if document.dimension == 2 else direction, size,
           data is not None)
     vtkLightKit().AddLightsToRenderer(renderer)

@@ -8,6 +8,8 @@ if TYPE_CHECKING:
     from ._documents import Document
 
 _SHOWN = 8
+_CELL = "text-align: left; white-space: normal; overflow-wrap: anywhere"
+"""Names of 79 bytes have no place to break, and narrow pages are read, too."""
 
 
 def _names(names: "list[str]") -> str:
@@ -59,12 +61,13 @@ def _printable(text: str) -> str:
 
 def html(document: "Document") -> str:
     """A table; names from files are text in it, never markup."""
-    rows = "".join(f"<tr><th style='text-align: left'>{markup.escape(part)}</th>"
-                   f"<td style='text-align: left'>{_escaped(text)}</td></tr>"
+    rows = "".join(f"<tr><th style='{_CELL}'>{markup.escape(part)}</th>"
+                   f"<td style='{_CELL}'>{markup.escape(writable(text))}</td></tr>"
                    for part, text in _parts(document) if text)
     return f"<table><caption>{markup.escape(_title(document))}</caption>{rows}</table>"
 
 
-def _escaped(text: str) -> str:
-    # Bytes that are no UTF-8 are lone surrogates here, which no page can hold.
-    return markup.escape(text.encode("utf-8", "backslashreplace").decode())
+def writable(text: str) -> str:
+    """A text without lone surrogates, which stand for bytes that are no UTF-8 and fit no page and no
+    other library."""
+    return text.encode("utf-8", "backslashreplace").decode()

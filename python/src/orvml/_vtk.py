@@ -7,6 +7,7 @@ import numpy as np
 
 from . import _orvml
 from ._arrays import AnyArray, Ints
+from ._texts import writable
 
 if TYPE_CHECKING:
     from ._cells import CellGroup, Cells
@@ -85,7 +86,7 @@ def _add_attributes(target: Any, attributes: Any, size: int) -> None:
     for name, values in attributes.items():
         if values.size == size:
             array = _shared(np.asarray(values))
-            array.SetName(name)
+            array.SetName(writable(name))
             target.AddArray(array)
 
 
