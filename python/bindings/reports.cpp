@@ -81,7 +81,7 @@ py::array measure(const py::dict& raw, const std::string& entity, int measured) 
   double* data = owned->data();
   const py::capsule owner(owned.release(),
                           [](void* pointer) { delete static_cast<std::vector<double>*>(pointer); });
-  return py::array_t<double>({size}, data, owner);
+  return py::array_t<double>(std::vector<py::ssize_t>{size}, data, owner);
 }
 
 }  // namespace
