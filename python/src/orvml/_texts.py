@@ -61,8 +61,8 @@ def _printable(text: str) -> str:
 
 def html(document: "Document") -> str:
     """A table; names from files are text in it, never markup."""
-    rows = "".join(f"<tr><th style='{_CELL}'>{markup.escape(part)}</th>"
-                   f"<td style='{_CELL}'>{markup.escape(writable(text))}</td></tr>"
+    rows = "".join(f"<tr><th style='text-align: left; vertical-align: top'>{markup.escape(part)}</th>"
+                   f"<td style='{_CELL}'><code>{markup.escape(writable(text))}</code></td></tr>"
                    for part, text in _parts(document) if text)
     return f"<table><caption>{markup.escape(_title(document))}</caption>{rows}</table>"
 
