@@ -23,15 +23,17 @@ def statistics(path):
     quality = document.elements.quality()
     row = {"file": path.name, "nodes": document.nodes.size, "elements": document.elements.size,
            "volume": float(np.nansum(document.elements.sizes())),
-           "worst": float(np.nanmin(quality, initial=1.0)), "below 0.2": int((quality < 0.2).sum())}
+           "worst": float(np.nanmin(quality)) if np.isfinite(quality).any() else float("nan"), "below 0.2": int((quality < 0.2).sum())}
     for name, values in document.nodes.attributes.items():
         row[f"least {name}"], row[f"greatest {name}"] = float(values.min()), float(values.max())
     return row
 
 
 def main(folder):
-    rows = dask.compute(*map(statistics, sorted(pathlib.Path(folder).glob("*.h5"))),
-                        scheduler="processes")
+    files = sorted(pathlib.Path(folder).glob("*.h5"))
+    if not files:
+        sys.exit(f"{folder} holds no exchange file")
+    rows = dask.compute(*map(statistics, files), scheduler="processes")
     table = pandas.DataFrame(rows).set_index("file")
     print(table.to_string(float_format=lambda value: f"{value:g}"))
     return table

@@ -1,7 +1,9 @@
 #include "raw_document.h"
 
 #include <cstddef>
+#include <limits>
 #include <span>
+#include <string>
 #include <utility>
 
 namespace orvml::python {
@@ -59,6 +61,15 @@ py::array pointsOf(const NodesView& nodes, const py::object& owner) {
 
 constexpr Entity kEntities[] = {Entity::nodes, Entity::edges, Entity::faces, Entity::elements};
 constexpr const char* kEntityNames[] = {"nodes", "edges", "faces", "elements"};
+
+/// A number of rows or columns as the format counts them.
+int countOf(py::ssize_t count) {
+  if (count > std::numeric_limits<int>::max()) {
+    throw Error(Code::tooManyValues,
+                std::to_string(count) + " nodes or cells are more than 32 bits count");
+  }
+  return static_cast<int>(count);
+}
 
 template <class Value>
 std::span<const Value> spanOf(const py::array_t<Value>& array) {
@@ -136,7 +147,7 @@ py::array_t<Value> HeldDocument::keepArray(const py::handle& array) {
 
 NodesView HeldDocument::nodes(const py::dict& raw, int dimension) {
   const auto points = keepArray<double>(raw["points"]);
-  const auto size = static_cast<int>(points.shape(0));
+  const auto size = countOf(points.shape(0));
   if (size != 0 && points.shape(1) == 0) {
     return NodesView::withoutCoordinates(size, dimension);
   }
@@ -148,10 +159,10 @@ CellsView HeldDocument::cells(const py::dict& raw, const char* entity) {
   for (const py::handle row : raw[entity]) {
     const auto [shape, array] = row.cast<std::pair<int, py::object>>();
     const auto indices = keepArray<int>(array);
-    const auto width = static_cast<int>(indices.shape(1));
-    groups.push_back(width == 0 ? CellGroup::withoutNodes(static_cast<Shape>(shape),
-                                                          static_cast<int>(indices.shape(0)))
-                                : CellGroup(static_cast<Shape>(shape), width, spanOf(indices)));
+    const auto width = countOf(indices.shape(1));
+    groups.push_back(
+        width == 0 ? CellGroup::withoutNodes(static_cast<Shape>(shape), countOf(indices.shape(0)))
+                   : CellGroup(static_cast<Shape>(shape), width, spanOf(indices)));
   }
   return CellsView(std::move(groups), attributes(raw["attributes"][entity]));
 }

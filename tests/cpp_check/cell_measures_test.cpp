@@ -111,6 +111,14 @@ TEST(MeasuredCells, HaveNoValueWhereThereIsNone) {
   }
 }
 
+TEST(SizesOfCells, BeyondAllNumbersAreNone) {
+  TestMesh mesh;
+  mesh.x = {0, 0, 0, 1e160, 0, 0, 0, 1e160, 0, 0, 0, 1e160};
+  mesh.elements = {{Shape::tetrahedron, 4, {0, 1, 2, 3}}};
+
+  EXPECT_TRUE(std::isnan(measured(mesh, CellMeasure::size).at(0)));
+}
+
 TEST(MeasuredCells, HaveNoValueWithoutFiniteCoordinates) {
   TestMesh mesh = cellOf(formOf(Shape::tetrahedron, 4));
   mesh.x[4] = std::numeric_limits<double>::infinity();

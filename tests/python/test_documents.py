@@ -92,6 +92,21 @@ def test_objects_that_offer_an_array_are_taken():
      lambda: orvml.Input(parameters={"size": "large"})),
     (ValueError, "vector_parameters['v'] has the shape (1, 2), expected (n,)",
      lambda: orvml.Input(vector_parameters={"v": [[1, 2]]})),
+    (TypeError, "parameters['size'] is array([1, 2]), expected a number",
+     lambda: orvml.Input(parameters={"size": np.array([1, 2])})),
+    (ValueError, "points has masked values, expected none",
+     lambda: orvml.Input(np.ma.array([[0.0, 1, 2]], mask=[[0, 1, 0]]))),
+    (TypeError, "faces is ndarray, expected pairs of a shape and an array",
+     lambda: orvml.Input(faces=np.array([[0, 1, 2]]))),
+    (TypeError, "faces is NoneType, expected pairs of a shape and an array",
+     lambda: orvml.Input(faces=None)),
+    (ValueError, "faces[0] has the shape (3, 0), expected (cells, nodes per cell)",
+     lambda: orvml.Input(faces=[("triangle", np.zeros((3, 0), int))])),
+    (ValueError, "faces[0] has the shape 1099511627776, expected a number of 32 bits",
+     lambda: orvml.Input(faces=[(2**40, [[0, 1]])])),
+    (ValueError, "faces[0] holds 9223372036854775807, expected integers of 32 bits",
+     lambda: orvml.Input(faces=[("triangle", [[0, 1, 2**70]])])),
+    (TypeError, "module is b'x', expected str", lambda: orvml.Input(module=b"x")),
     (TypeError, "a document is an orvml.Input or an orvml.Output", lambda: orvml.Document()),
 ])
 def test_arguments_that_make_no_document_are_named(error, sentence, make):
@@ -178,7 +193,7 @@ def test_copies_share_nothing(cube):
 
     assert cube.points[0].tolist() == [0, 0, 0] and cube.parameters["size"] == 0.5
     assert other.nodes.attributes["id"].must_be_transmitted
-    assert other.elements._document is other
+    assert other.elements._nodes is other.nodes
 
 
 def test_documents_can_be_sent_to_other_processes(cube, cube_file):
@@ -239,3 +254,38 @@ def test_tables_have_a_row_for_each(cube):
     assert attributes.attrs["must_be_transmitted"] == ["id"]
     assert isinstance(cube.parameters.to_pandas(), pandas.Series)
     assert cube.parameters.to_pandas()["growth"] == 1.25
+
+
+def test_what_is_added_in_place_stays_an_attribute(cube):
+    cube.nodes.attributes["id"] += 1
+    assert cube.nodes.attributes["id"].must_be_transmitted
+    assert cube.nodes.attributes["id"].tolist() == list(range(1, 9))
+
+
+def test_numbers_in_boxes_and_numbers_of_numpy_are_taken():
+    part = orvml.Input(np.array([[0, 1.5, 2]], object),
+                       faces=[(np.int32(2), np.array([[0, 0, 0]], object)), ("triangle", [])])
+    assert part.points.tolist() == [[0, 1.5, 2]] and part.faces.size == 1
+    assert orvml.Input([[0, 0]], faces=(orvml.Shape.TRIANGLE, [[0, 0, 0]])).faces.size == 1
+
+
+@pytest.mark.parametrize("call, sentence", [
+    (lambda cube, path: orvml.read(path, threads=1.5), "threads is 1.5, expected an integer"),
+    (lambda cube, path: orvml.check(cube, places="a"), "places is 'a', expected an integer"),
+    (lambda cube, path: orvml.check(cube, places=2**40),
+     "places is 1099511627776, expected an integer of 32 bits"),
+    (lambda cube, path: orvml.diff(cube, cube, match_within="a"),
+     "match_within is 'a', expected a number"),
+    (lambda cube, path: orvml.diff(cube, cube, tolerance_of={"a": "b"}),
+     "tolerance_of['a'] is 'b', expected a number"),
+])
+def test_other_arguments_are_named_too(cube, cube_file, call, sentence):
+    with pytest.raises((TypeError, ValueError)) as raised:
+        call(cube, cube_file)
+    assert str(raised.value) == sentence
+
+
+def test_vectors_and_flags_are_in_tables(cube):
+    pytest.importorskip("pandas")
+    assert cube.vector_parameters.to_pandas()["counts"].tolist() == [1, 2, 3]
+    assert cube.nodes.to_pandas().attrs["must_be_transmitted"] == ["id"]

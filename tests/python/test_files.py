@@ -363,3 +363,34 @@ def test_slices_of_a_mapped_file_bring_in_what_they_show_alone(tmp_path):
     assert shared_pages() - before < 10e6
     assert points.sum() == 0
     assert shared_pages() - before > 90e6
+
+
+def test_a_process_that_is_forked_off_while_a_file_is_read_can_read(cube_file, tmp_path):
+    path = tmp_path / "large.h5"
+    orvml.write(path, orvml.Input(np.zeros((1_000_000, 3))), flush=False)
+    stop = threading.Event()
+
+    def read():
+        while not stop.is_set():
+            orvml.read(path)
+
+    thread = threading.Thread(target=read)
+    thread.start()
+    try:
+        for _ in range(5):
+            child = os.fork()
+            if child == 0:
+                signal.alarm(20)
+                os._exit(0 if orvml.read(cube_file).nodes.size == 8 else 1)
+            assert os.waitpid(child, 0)[1] == 0
+    finally:
+        stop.set()
+        thread.join()
+
+
+def test_more_cells_than_the_format_counts_are_refused(cube, tmp_path):
+    cube.elements.attributes.clear()
+    cube.elements._take([orvml.CellGroup._of_file(7, np.zeros((2**31 + 5, 0), np.int32))])
+    with pytest.raises(orvml.Error) as raised:
+        orvml.write(tmp_path / "a.h5", cube)
+    assert raised.value.code == "orvml.use.too-many-values"

@@ -1,7 +1,10 @@
 """Memory and descriptors stay what they are, whatever is repeated."""
 import gc
 import os
+import weakref
 
+import h5py
+import numpy as np
 import pytest
 
 import orvml
@@ -46,3 +49,28 @@ def test_repeating_costs_no_memory_and_no_descriptor(cube_file, times, repeat):
     # Of ten thousand times a hundred bytes each would be a million. Sanitizers keep what is freed.
     if not os.environ.get("ORVML_SANITIZERS"):
         assert resident() - before[0] < 600_000
+
+
+@pytest.mark.parametrize("read", [orvml.read, orvml.open])
+def test_documents_go_as_soon_as_nobody_has_them(tmp_path, read):
+    path = tmp_path / "large.h5"
+    large = orvml.Input(np.zeros((1_000_000, 3)), elements=[("tetrahedron", [[0, 1, 2, 3]])])
+    large.nodes.attributes["size"] = np.zeros(1_000_000)
+    orvml.write(path, large, flush=False)
+    gc.collect()
+    gc.disable()
+    try:
+        document = read(path)
+        touch(document)
+        gone = [weakref.ref(part) for part in (document, document.points, document.elements,
+                                               document.nodes.attributes["size"])]
+        del document
+        assert [part() for part in gone] == [None] * 4
+        with h5py.File(path, "r+"):
+            pass  # who has it mapped keeps others from writing
+        before = resident()
+        for _ in range(20):
+            touch(read(path))
+        assert os.environ.get("ORVML_SANITIZERS") or resident() - before < 40e6  # one is 32 MB
+    finally:
+        gc.enable()

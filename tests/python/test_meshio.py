@@ -118,7 +118,10 @@ def test_it_is_a_format_of_meshio(plain_cube, tmp_path):
     assert meshio.read(tmp_path / "cube.orvml").cells[1].data.shape == (6, 4)
     meshio.write(tmp_path / "cube.h5", mesh, file_format="orvml")
     assert orvml.describe(tmp_path / "cube.h5").output.elements.size == 6
-    assert len(meshio.read(tmp_path / "cube.h5", file_format="orvml").points) == 8
+    assert len(meshio.read(tmp_path / "cube.h5").points) == 8
+    with pytest.raises(orvml.Error) as raised:
+        meshio.read(__file__, file_format="orvml")
+    assert raised.value.code == "orvml.file.not-hdf5"
 
 
 def run(*arguments):
@@ -158,3 +161,37 @@ def test_the_command_ends_with_a_sentence_when_something_fails(cube_file, tmp_pa
     assert code == 3 and "Traceback" not in told and not (tmp_path / "a.h5").exists()
     assert run("convert")[0] == 2
     assert run("convert", "--help")[0] == 0
+
+
+def test_attributes_of_several_types_have_one(plain_cube):
+    plain_cube.faces.attributes["m"] = [-1] * 12
+    plain_cube.elements.attributes["m"] = [0.5] * 6
+    mesh = ours.to_meshio(plain_cube, strict=True)
+    assert {part.dtype for part in mesh.cell_data["m"]} == {np.dtype(float)}
+    assert list(mesh.cell_data)[-1] == ours.CONTAINER
+    back = ours.from_meshio(mesh)
+    assert back.faces.attributes["m"].tolist() == [-1.0] * 12
+
+
+def test_padding_of_others_is_data():
+    mesh = meshio.Mesh(np.zeros((3, 3)), [("line", [[0, 1]]), ("triangle", [[0, 1, 2]])],
+                       cell_data={"m": [np.array([-1]), np.array([3])]})
+    document = ours.from_meshio(mesh, strict=True)
+    assert document.edges.attributes["m"].tolist() == [-1]
+
+
+def test_names_that_one_side_cannot_hold_are_told():
+    mesh = meshio.Mesh(np.zeros((1, 3)), [], point_data={"a/b": np.ones(1), "n" * 80: np.ones(1)})
+    with pytest.warns(ours.ConversionWarning) as told:
+        assert not ours.from_meshio(mesh).nodes.attributes
+    assert "nodes: the data 'a/b' have a name that no file can hold" in str(told[0].message)
+    document = orvml.Output([[0, 0, 0]])
+    document.nodes.attributes["\udcff"] = [1]
+    with pytest.warns(ours.ConversionWarning, match="is named"):
+        assert list(ours.to_meshio(document).point_data) == ["\\udcff"]
+
+
+def test_warnings_are_of_the_line_that_converts(cube):
+    with pytest.warns(ours.ConversionWarning) as told:
+        ours.to_meshio(cube)
+    assert {warning.filename for warning in told} == {__file__}

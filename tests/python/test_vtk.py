@@ -182,11 +182,15 @@ def test_any_name_can_be_drawn(cube, tmp_path, name):
     assert (pixels_of(tmp_path / "named.png")[:20] != 255).any()
 
 
-def test_values_that_are_no_numbers_are_grey(cube, tmp_path):
-    cube.elements.attributes["gap"] = [1.0, np.nan, np.inf, 2, 3, 4]
-    cube.plot(tmp_path / "gap.png", "gap")
-    cube.elements.attributes["none"] = np.full(6, np.nan)
-    cube.plot(tmp_path / "none.png", "none")
+def test_values_that_are_no_numbers_are_grey(tmp_path):
+    flat = orvml.Output([[0, 0], [1, 0], [1, 1], [0, 1], [2, 0], [2, 1]],
+                        faces=[("quadrilateral", [[0, 1, 2, 3], [1, 4, 5, 2]])])
+    flat.faces.attributes["gap"] = [np.nan, 2.0]
+    flat.plot(tmp_path / "gap.png", "gap", edges=False, size=(600, 400))
+    left = pixels_of(tmp_path / "gap.png").astype(int)[200, 180]
+    assert np.ptp(left) < 12 and left[0] > 120
+    flat.faces.attributes["none"] = [np.nan, np.inf]
+    flat.plot(tmp_path / "none.png", "none")
 
 
 def test_a_colour_that_is_none_is_told(cube, tmp_path):
@@ -196,28 +200,79 @@ def test_a_colour_that_is_none_is_told(cube, tmp_path):
         cube.plot(tmp_path / "missing" / "a.png")
 
 
-def test_a_display_is_made_where_there_is_none_and_ends_with_the_program(cube_file, tmp_path):
+def run_program(program, *arguments, **environment):
+    kept = {name: value for name, value in os.environ.items() if name != "DISPLAY"}
+    return subprocess.run([sys.executable, "-c", program, *map(str, arguments)], text=True,
+                          capture_output=True, env=dict(kept, **environment))
+
+
+@pytest.mark.parametrize("display", [{}, {"DISPLAY": ""}, {"DISPLAY": ":77"}],
+                         ids=["none", "empty", "dead"])
+def test_pictures_have_a_display_of_their_own_that_ends_with_the_program(cube_file, tmp_path, display):
     program = ("import orvml, os, sys\n"
+               "before = os.environ.get('DISPLAY')\n"
                "for i in range(3): orvml.read(sys.argv[1]).plot(f'{sys.argv[2]}/{i}.png', size=(90, 60))\n"
-               "assert 'DISPLAY' not in os.environ\n"
+               "assert os.environ.get('DISPLAY') == before\n"
                "from orvml import _pictures\n"
-               "print(len(_pictures._servers), _pictures._servers[0][0].pid)\n")
-    environment = {name: value for name, value in os.environ.items() if name != "DISPLAY"}
-    run = subprocess.run([sys.executable, "-c", program, str(cube_file), str(tmp_path)],
-                         capture_output=True, text=True, env=environment, check=True)
-    count, server = run.stdout.split()
-    assert count == "1" and len(list(tmp_path.glob("*.png"))) == 3
-    assert not os.path.exists(f"/proc/{server}")
+               "print(_pictures._server.process.pid)\n")
+    run = run_program(program, cube_file, tmp_path, **display)
+    assert run.returncode == 0, run.stderr
+    assert len(list(tmp_path.glob("*.png"))) == 3
+    assert not os.path.exists(f"/proc/{run.stdout.strip()}")
+
+
+def test_an_interrupt_leaves_the_display_and_another_is_made_when_it_is_gone(cube_file, tmp_path):
+    program = ("import orvml, os, signal, sys\n"
+               "os.setpgid(0, 0)\n"
+               "document = orvml.read(sys.argv[1])\n"
+               "picture = sys.argv[2] + '/a.png'\n"
+               "document.plot(picture, size=(90, 60))\n"
+               "try: os.killpg(0, signal.SIGINT)\n"
+               "except KeyboardInterrupt: pass\n"
+               "document.plot(picture, size=(90, 60))\n"
+               "from orvml import _pictures\n"
+               "_pictures._server.process.kill()\n"
+               "_pictures._server.process.wait()\n"
+               "document.plot(picture, size=(90, 60))\n"
+               "print('drawn')\n")
+    run = run_program(program, cube_file, tmp_path)
+    assert (run.returncode, run.stdout) == (0, "drawn\n"), run.stderr
+
+
+def test_threads_draw_one_after_the_other(cube_file, tmp_path):
+    program = ("import orvml, sys, threading\n"
+               "def draw(i): orvml.read(sys.argv[1]).plot(f'{sys.argv[2]}/{i}.png', size=(90, 60))\n"
+               "threads = [threading.Thread(target=draw, args=(i,)) for i in range(4)]\n"
+               "for thread in threads: thread.start()\n"
+               "for thread in threads: thread.join()\n")
+    run = run_program(program, cube_file, tmp_path)
+    assert (run.returncode, run.stderr) == (0, "")
+    assert len(list(tmp_path.glob("*.png"))) == 4
 
 
 def test_without_a_display_and_xvfb_it_is_told(cube, tmp_path, monkeypatch):
     from orvml import _pictures
 
     monkeypatch.delenv("DISPLAY", raising=False)
-    monkeypatch.setattr(_pictures, "_servers", [])
+    monkeypatch.setattr(_pictures, "_server", None)
     monkeypatch.setenv("PATH", str(tmp_path))
     with pytest.raises(RuntimeError, match="no display to draw on, and no Xvfb"):
         cube.plot(tmp_path / "a.png")
+
+
+def test_a_picture_shows_the_cells_that_have_the_colour(cube, tmp_path):
+    cube.plot(tmp_path / "a.png", "side", size=(90, 60))
+    with pytest.raises(ValueError, match="expected a name that ends in .png"):
+        cube.plot(tmp_path / "a.jpg")
+    with pytest.raises(ValueError, match=r"size is \(0, 0\), expected two positive numbers"):
+        cube.plot(tmp_path / "a.png", size=(0, 0))
+    with pytest.raises(TypeError, match="size is 1.5, expected an integer"):
+        cube.plot(tmp_path / "a.png", size=(1.5, 2))
+
+
+def test_a_mesh_without_cells_has_an_empty_histogram():
+    pytest.importorskip("matplotlib")
+    assert orvml.Input(np.zeros((3, 3))).plot_quality().axes[0].get_title() == "0 elements"
 
 
 def test_histograms_count_every_cell(cube, tmp_path):

@@ -29,7 +29,8 @@ enum class CellMeasure {
 ///
 /// @return one value per cell, in the order of the groups; NaN where there is none: for shapes that
 ///         the measure is not defined for, a number of nodes that the shape does not have, nodes
-///         that do not exist, and coordinates that are not finite or not known
+///         that do not exist, coordinates that are not finite or not known, and sizes beyond all
+///         numbers
 ///
 /// Throws Code::valuesTooFew for cells of which a tolerant reader found the number alone: a few
 /// bytes of a file can claim billions of them.

@@ -37,6 +37,8 @@ class GroupMeasure {
         !nodes.coordinates().empty() && (nodes.dimension() == 2 || nodes.dimension() == 3)) {
       of_ = measureOf(group.shape(), measure);
     }
+    // A size that is beyond all numbers is none; a ratio to no size is the worst.
+    none_ = measure == CellMeasure::size ? kNone : kUnmeasurable;
   }
 
   [[nodiscard]] double of(int cell) const {
@@ -45,7 +47,7 @@ class GroupMeasure {
       return kNone;
     }
     const double value = of_(corners.data());
-    return std::isfinite(value) ? value : kUnmeasurable;
+    return std::isfinite(value) ? value : none_;
   }
 
  private:
@@ -69,6 +71,7 @@ class GroupMeasure {
   const CellGroup& group_;
   const detail::ShapeFacts* facts_;
   detail::NumberOfCorners of_ = nullptr;
+  double none_ = kNone;
 };
 
 }  // namespace

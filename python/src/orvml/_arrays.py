@@ -31,6 +31,8 @@ class AttributeArray(np.ndarray):  # type: ignore[type-arg]
 
     def __array_wrap__(self, array: AnyArray, context: Any = None,
                        return_scalar: bool = False) -> Any:
+        if array is self:  # a += b, which stays what it is
+            return self
         plain = np.asarray(array)
         return plain[()] if return_scalar or plain.ndim == 0 else plain
 
@@ -39,13 +41,30 @@ class AttributeArray(np.ndarray):  # type: ignore[type-arg]
 
 
 def _array_of(values: npt.ArrayLike, argument: str) -> AnyArray:
+    if isinstance(values, np.ma.MaskedArray) and np.any(values.mask):
+        raise ValueError(f"{argument} has masked values, expected none")
     try:
         array = np.asarray(values)
     except ValueError as error:  # rows of different lengths
         raise ValueError(f"{argument} is no array: {error}") from None
-    if array.dtype.kind not in "biuf" and array.size != 0:
+    if array.dtype.kind == "O":  # numbers one by one, as tables may hold them
+        array = _unboxed(array)
+    if array.dtype.kind not in "biuf":
         raise TypeError(f"{argument} holds {array.dtype}, expected numbers")
     return array
+
+
+def _unboxed(array: AnyArray) -> AnyArray:
+    try:
+        unboxed = np.asarray(array.tolist())
+    except ValueError:
+        return array
+    if unboxed.dtype.kind == "O" and unboxed.size and all(
+            isinstance(value, int) for value in unboxed.flat):
+        # Integers beyond 64 bits: the nearest of 64 are as little of 32.
+        limits = np.iinfo(np.int64)
+        return np.clip(unboxed, limits.min, limits.max).astype(np.int64)
+    return unboxed
 
 
 def _held(array: AnyArray, dtype: Any) -> AnyArray:
@@ -71,7 +90,7 @@ def as_ints(array: AnyArray, argument: str) -> Ints:
 
 
 def as_points(values: npt.ArrayLike, argument: str, dimension: Optional[int] = None) -> Doubles:
-    """Coordinates ``(n, dimension)``; ``(n, 0)`` stands for nodes whose coordinates are not known."""
+    """Coordinates ``(n, dimension)``."""
     array = _array_of(values, argument)
     wanted = "(n, 2) or (n, 3)" if dimension is None else f"(n, {dimension})"
     widths = (2, 3) if dimension is None else (dimension,)
@@ -85,7 +104,9 @@ def as_points(values: npt.ArrayLike, argument: str, dimension: Optional[int] = N
 def as_node_indices(values: npt.ArrayLike, argument: str) -> Ints:
     """Node indices ``(cells, nodes per cell)``, 0-based."""
     array = _array_of(values, argument)
-    if array.ndim != 2:
+    if array.ndim == 1 and array.size == 0:
+        array = array.reshape(0, 1)
+    if array.ndim != 2 or array.shape[1] == 0:
         raise ValueError(f"{argument} has the shape {array.shape}, "
                          "expected (cells, nodes per cell)")
     return as_ints(array, argument)

@@ -1,20 +1,20 @@
 """The parts of a mesh: nodes, and cells in groups of one shape."""
 from __future__ import annotations
 
+from collections.abc import Iterable as IterableABC
+from collections.abc import Mapping
 from typing import TYPE_CHECKING, Any, Iterable, List, Sequence, Tuple, Union, overload
 
 import numpy as np
 import numpy.typing as npt
 
 from ._arrays import Doubles, Ints, as_node_indices, as_points
-from ._named import Attributes
+from ._named import Attributes, Count
 from ._settable import Settable
 from ._shapes import Shape, ShapeLike, shape_name, shape_number, shape_of
 
 if TYPE_CHECKING:
     import pandas
-
-    from ._documents import Document
 
 
 class CellGroup:
@@ -24,6 +24,14 @@ class CellGroup:
                  argument: str = "node_indices") -> None:
         self._shape = shape_number(shape, argument)
         self._node_indices = as_node_indices(node_indices, argument)
+
+    @classmethod
+    def _of_file(cls, shape: int, node_indices: Ints) -> "CellGroup":
+        """A group as the library has it: a tolerant reader may know the number of the cells alone."""
+        group = cls.__new__(cls)
+        group._shape = shape
+        group._node_indices = node_indices
+        return group
 
     @property
     def shape(self) -> Union[Shape, int]:
@@ -69,20 +77,31 @@ def _size_may_change(part: str, attributes: Attributes, now: int, then: int) -> 
                          f"{now}: remove them first, so that none is lost unseen")
 
 
+def _beside(table: "pandas.DataFrame", attributes: Attributes) -> "pandas.DataFrame":
+    """A table with the attributes at its right; those of a name that it has stand there all the same."""
+    import pandas
+
+    values = attributes.to_pandas()
+    joined = pandas.concat([table, values], axis=1)
+    joined.attrs.update(values.attrs)
+    return joined
+
+
 class Cells(Sequence[CellGroup]):
     """The edges, the faces or the volume elements: a sequence of groups."""
 
-    def __init__(self, document: "Document", entity: str) -> None:
-        self._document = document
+    def __init__(self, nodes: "Nodes", entity: str) -> None:
+        self._nodes = nodes
         self._entity = entity
         self._groups: List[CellGroup] = []
-        self.attributes = Attributes(entity, self)
+        self._count = Count()
+        self.attributes = Attributes(entity, self._count)
         """One value per cell, over all groups, by name."""
 
     @property
     def size(self) -> int:
         """The number of cells of all groups."""
-        return sum(group.size for group in self._groups)
+        return self._count.value
 
     @overload
     def __getitem__(self, index: int) -> CellGroup: ...
@@ -106,7 +125,10 @@ class Cells(Sequence[CellGroup]):
         Args:
             groups: Groups, or pairs of a shape and an array ``(cells, nodes per cell)``.
         """
-        if isinstance(groups, tuple) and len(groups) == 2 and isinstance(groups[0], str):
+        if isinstance(groups, (str, bytes, Mapping, np.ndarray)) or not isinstance(groups, IterableABC):
+            raise TypeError(f"{self._entity} is {type(groups).__name__}, expected pairs of a shape "
+                            "and an array")
+        if isinstance(groups, tuple) and len(groups) == 2 and isinstance(groups[0], (str, Shape)):
             groups = [groups]  # type: ignore[list-item]
         made = []
         for index, group in enumerate(groups):
@@ -119,8 +141,13 @@ class Cells(Sequence[CellGroup]):
                                     "an array") from None
                 group = CellGroup(shape, node_indices, argument)
             made.append(group)
-        _size_may_change(self._entity, self.attributes, self.size, sum(g.size for g in made))
-        self._groups = made
+        self._take(made)
+
+    def _take(self, groups: List[CellGroup]) -> None:
+        size = sum(group.size for group in groups)
+        _size_may_change(self._entity, self.attributes, self.size, size)
+        self._groups = groups
+        self._count.value = size
 
     def quality(self, measure: str = "scaled Jacobian") -> Doubles:
         """Measures every cell.
@@ -137,7 +164,8 @@ class Cells(Sequence[CellGroup]):
         """
         from ._reports import measure_cells
 
-        return measure_cells(self._document, self._entity, measure)
+        return measure_cells(self._nodes.points, self._entity,
+                             [(group._shape, group.node_indices) for group in self], measure)
 
     def sizes(self) -> Doubles:
         """The length, the area or the volume of every cell, negative where it is inside out."""
@@ -153,7 +181,7 @@ class Cells(Sequence[CellGroup]):
         shapes = [shape_name(g._shape) for g in self._groups for _ in range(g.size)]
         nodes = [tuple(cell) for g in self._groups for cell in g.node_indices.tolist()]
         table = pandas.DataFrame({"shape": pandas.Categorical(shapes), "nodes": nodes})
-        return pandas.concat([table, self.attributes.to_pandas()], axis=1)
+        return _beside(table, self.attributes)
 
 
 class Nodes:
@@ -161,13 +189,15 @@ class Nodes:
 
     def __init__(self, points: Doubles) -> None:
         self._points = points
-        self.attributes = Attributes("nodes", self)
+        self._count = Count(int(points.shape[0]))
+        self.attributes = Attributes("nodes", self._count)
         """One value per node, by name."""
 
     def _set_points(self, points: npt.ArrayLike) -> None:
         made = as_points(points, "points")
         _size_may_change("points", self.attributes, self.size, made.shape[0])
         self._points = made
+        self._count.value = int(made.shape[0])
 
     points: Settable[Doubles, npt.ArrayLike] = Settable(
         lambda self: self._points, _set_points,
@@ -176,7 +206,7 @@ class Nodes:
     @property
     def size(self) -> int:
         """The number of nodes."""
-        return int(self._points.shape[0])
+        return self._count.value
 
     def __len__(self) -> int:
         return self.size
@@ -190,4 +220,4 @@ class Nodes:
 
         columns = {axis: self._points[:, i]
                    for i, axis in enumerate("xyz"[:self._points.shape[1]])}
-        return pandas.concat([pandas.DataFrame(columns), self.attributes.to_pandas()], axis=1)
+        return _beside(pandas.DataFrame(columns), self.attributes)

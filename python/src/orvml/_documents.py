@@ -10,7 +10,7 @@ import numpy.typing as npt
 from . import _texts
 from ._arrays import Doubles, as_points
 from ._cells import CellGroup, Cells, CellsLike, Nodes
-from ._named import Parameters, VectorParameters, integer
+from ._named import Parameters, VectorParameters, integer, text
 from ._settable import Settable
 
 if TYPE_CHECKING:
@@ -51,9 +51,6 @@ class Document:
     """"input" or "output"."""
 
     nodes: Nodes
-    module: str
-    module_format_version: str
-    creator: str
     findings: Tuple["Finding", ...]
     """What a tolerant reader met and went on from."""
 
@@ -81,9 +78,9 @@ class Document:
     def _begin(self, points: Doubles, dimension: int) -> None:
         self._dimension = dimension
         self.nodes = Nodes(points)
-        self._edges = Cells(self, "edges")
-        self._faces = Cells(self, "faces")
-        self._elements = Cells(self, "elements")
+        self._edges = Cells(self.nodes, "edges")
+        self._faces = Cells(self.nodes, "faces")
+        self._elements = Cells(self.nodes, "elements")
         self._parameters = Parameters()
         self._vector_parameters = VectorParameters()
         self.findings = ()
@@ -94,6 +91,18 @@ class Document:
         columns = self.nodes.points.shape[1]
         return int(columns) if columns else self._dimension
 
+    module: Settable[str, str] = Settable(
+        lambda self: self._module, lambda self, given: setattr(self, "_module", text(given, "module")),
+        "The meshing module that the document is meant for or from.")
+    module_format_version: Settable[str, str] = Settable(
+        lambda self: self._module_format_version,
+        lambda self, given: setattr(self, "_module_format_version",
+                                    text(given, "module_format_version")),
+        "The version of the module's parameters.")
+    creator: Settable[str, str] = Settable(
+        lambda self: self._creator,
+        lambda self, given: setattr(self, "_creator", text(given, "creator")),
+        "The program that made the document.")
     points: Settable[Doubles, npt.ArrayLike] = Settable(
         lambda self: self.nodes.points, lambda self, given: setattr(self.nodes, "points", given),
         "The coordinates of the nodes, ``(n, dimension)``.")
@@ -121,6 +130,9 @@ class Document:
 
     def to_vtk(self, cells: Optional[str] = None, turn_prisms: bool = False) -> Any:
         """The mesh as a vtkUnstructuredGrid that shows the arrays of this document.
+
+        What VTK writes into it is written into the document; of a file that is open() it must write
+        nothing, because the pages of the file cannot be written. ``document.copy().to_vtk()`` may be.
 
         Copied are coordinates of the plane, which get a third one, groups of cells that do not lie
         one behind the other in memory, as those of files do, and prisms that are turned.
@@ -210,8 +222,8 @@ class Document:
         document.creator = raw["creator"]
         for entity in ENTITIES:
             cells: Cells = getattr(document, entity)
-            cells.set([CellGroup(shape, indices) for shape, indices
-                       in raw[entity]])  # type: ignore[literal-required]
+            cells._take([CellGroup._of_file(shape, indices) for shape, indices
+                         in raw[entity]])  # type: ignore[literal-required]
             cells.attributes._adopt(
                 raw["attributes"][entity])  # type: ignore[literal-required]
         document.nodes.attributes._adopt(raw["attributes"]["nodes"])
@@ -224,9 +236,6 @@ class Document:
         def groups(cells: Cells) -> Any:
             return [(group._shape, group.node_indices) for group in cells]
 
-        for name in ("module", "module_format_version", "creator"):
-            if not isinstance(getattr(self, name), str):
-                raise TypeError(f"{name} is {getattr(self, name)!r}, expected str")
         return {
             "kind": self.kind,
             "module": self.module,

@@ -8,6 +8,7 @@ from typing import TYPE_CHECKING, List, Optional, Tuple, Union
 from . import _orvml
 from ._documents import Document, Input, Output
 from ._hdf5 import alone
+from ._named import integer
 from ._reports import (Description, Finding, RescueReport, UpgradeReport, description_of,
                        findings_of, rescue_report_of, upgrade_report_of)
 
@@ -67,8 +68,9 @@ def _exchange_of(raw: "RawExchange") -> Exchange:
 def read_exchange(path: Path, *, tolerant: bool = False, threads: int = 1) -> Exchange:
     """Reads both documents of a file, as read() reads one."""
     file = path_of(path)
+    count = integer(threads, "threads")
     with alone():
-        raw = _orvml.read(file, tolerant, threads)
+        raw = _orvml.read(file, bool(tolerant), count)
     return _exchange_of(raw)
 
 
@@ -96,7 +98,7 @@ def open_exchange(path: Path, *, tolerant: bool = False) -> Exchange:
     """Opens both documents of a file, as open() opens one."""
     file = path_of(path)
     with alone():
-        raw = _orvml.open(file, tolerant)
+        raw = _orvml.open(file, bool(tolerant))
     return _exchange_of(raw)
 
 
@@ -147,7 +149,7 @@ def write(path: Path, *documents: Union[Document, Exchange], flush: bool = True)
     file = path_of(path)
     raw = [document._raw() for document in _both(documents)]
     with alone():
-        _orvml.write(file, raw[0], raw[1] if len(raw) == 2 else None, flush)
+        _orvml.write(file, raw[0], raw[1] if len(raw) == 2 else None, bool(flush))
 
 
 def describe(path: Path) -> Description:
@@ -170,7 +172,7 @@ def upgrade(old: Path, present: Path, *, flush: bool = True) -> UpgradeReport:
     """
     files = path_of(old, "old"), path_of(present, "present")
     with alone():
-        return upgrade_report_of(_orvml.upgrade(*files, flush))
+        return upgrade_report_of(_orvml.upgrade(*files, bool(flush)))
 
 
 def rescue(damaged: Path, sound: Path, *, drop_unsound_cells: bool = True, places: int = 10,
@@ -190,5 +192,6 @@ def rescue(damaged: Path, sound: Path, *, drop_unsound_cells: bool = True, place
         Error: Nothing is written then.
     """
     files = path_of(damaged, "damaged"), path_of(sound, "sound")
+    count = integer(places, "places")
     with alone():
-        return rescue_report_of(_orvml.rescue(*files, drop_unsound_cells, places, flush))
+        return rescue_report_of(_orvml.rescue(*files, bool(drop_unsound_cells), count, bool(flush)))

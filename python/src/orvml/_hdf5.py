@@ -2,9 +2,10 @@
 from __future__ import annotations
 
 import contextlib
+import os
 import sys
 import threading
-from typing import Any, ContextManager, Iterator
+from typing import Any, ContextManager, Iterator, List
 
 _lock = threading.RLock()
 
@@ -22,3 +23,20 @@ def alone() -> Iterator[None]:
     """
     with _lock_of_h5py(), _lock:
         yield
+
+
+# A process that is forked off while another thread is in HDF5 would have the lock taken for ever.
+_held_over_forks: List[ContextManager[Any]] = []
+
+
+def _before_fork() -> None:
+    held = alone()
+    held.__enter__()
+    _held_over_forks.append(held)
+
+
+def _after_fork() -> None:
+    _held_over_forks.pop().__exit__(None, None, None)
+
+
+os.register_at_fork(before=_before_fork, after_in_parent=_after_fork, after_in_child=_after_fork)

@@ -47,9 +47,10 @@ def histogram(document: "Document", path: "Optional[Union[str, os.PathLike[str]]
 
     figure = _new_figure()
     axes = figure.subplots()
-    axes.hist([values[drawn & (names == shape)] for shape in shapes], bins=40, stacked=True,
-              label=[shape_name(int(shape)) for shape in shapes],
-              color=_COLOURS[:len(shapes)] if len(shapes) <= len(_COLOURS) else None)
+    if shapes:
+        axes.hist([values[drawn & (names == shape)] for shape in shapes], bins=40, stacked=True,
+                  label=[shape_name(int(shape)) for shape in shapes],
+                  color=_COLOURS[:len(shapes)] if len(shapes) <= len(_COLOURS) else None)
     axes.set_xlabel(_SIZES[chosen._entity] if measure == "size" else measure)
     axes.set_ylabel(f"number of {chosen._entity}")
     left_out = int(values.size - drawn.sum())

@@ -41,6 +41,9 @@ def _convert(options: argparse.Namespace) -> None:
     import orvml
     from orvml import meshio as ours
 
+    if not (_is_exchange(options.source, options.input_format)
+            or _is_exchange(options.target, options.output_format)):
+        raise ValueError("neither IN nor OUT is an exchange file")
     if _is_exchange(options.source, options.input_format):
         mesh = ours.read(options.source, options.document, strict=options.strict)
     else:

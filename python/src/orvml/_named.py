@@ -3,7 +3,7 @@ from __future__ import annotations
 
 import operator
 from typing import (TYPE_CHECKING, Any, Dict, Iterator, List, Mapping, MutableMapping, Optional,
-                    Protocol, Tuple)
+                    Tuple)
 
 import numpy as np
 import numpy.typing as npt
@@ -22,19 +22,20 @@ def _name_of(name: object, argument: str) -> str:
     return name
 
 
-class _Counted(Protocol):
-    """Nodes, or cells of one kind."""
+class Count:
+    """How many nodes or cells there are. Who has them and their attributes share one, so that neither
+    refers to the other and both go as soon as nobody has them."""
 
-    @property
-    def size(self) -> int: ...
+    def __init__(self, value: int = 0) -> None:
+        self.value = value
 
 
 class Attributes(MutableMapping[str, AttributeArray]):
     """The attributes of the nodes, or of the cells of one kind: one value for each, by name."""
 
-    def __init__(self, name: str, owner: _Counted) -> None:
+    def __init__(self, name: str, count: Count) -> None:
         self._name = name
-        self._owner = owner
+        self._count = count
         self._values: Dict[str, AttributeArray] = {}
 
     def __getitem__(self, name: str) -> AttributeArray:
@@ -53,8 +54,8 @@ class Attributes(MutableMapping[str, AttributeArray]):
             must_be_transmitted: Whether the meshing module has to send the attribute back.
         """
         argument = f"{self._name}.attributes[{_name_of(name, self._name + '.attributes')!r}]"
-        self._values[name] = AttributeArray(as_values(values, argument, self._owner.size),
-                                            must_be_transmitted)
+        self._values[name] = AttributeArray(as_values(values, argument, self._count.value),
+                                            bool(must_be_transmitted))
 
     def __delitem__(self, name: str) -> None:
         del self._values[name]
@@ -103,9 +104,7 @@ class Parameters(MutableMapping[str, float]):
 
     def __setitem__(self, name: str, value: float) -> None:
         _name_of(name, "parameters")
-        if isinstance(value, (str, bytes)) or not hasattr(type(value), "__float__"):
-            raise TypeError(f"parameters[{name!r}] is {value!r}, expected a number")
-        self._values[name] = float(value)
+        self._values[name] = number(value, f"parameters[{name!r}]")
 
     def __delitem__(self, name: str) -> None:
         del self._values[name]
@@ -153,6 +152,12 @@ class VectorParameters(MutableMapping[str, AnyArray]):
     def __repr__(self) -> str:
         return f"VectorParameters({self._values!r})"
 
+    def to_pandas(self) -> "pandas.Series[Any]":
+        """The vectors, with the names as their index."""
+        import pandas
+
+        return pandas.Series(self._values, dtype=object, name="values")
+
     def _adopt(self, rows: List[AttributeRow]) -> None:
         self._values = {name: values for name, values, _ in rows}
 
@@ -161,8 +166,28 @@ class VectorParameters(MutableMapping[str, AnyArray]):
 
 
 def integer(value: Any, argument: str) -> int:
-    """An argument that has to be an integer."""
+    """An argument that has to be an integer of 32 bits."""
     try:
-        return operator.index(value)
+        given = operator.index(value)
     except TypeError:
         raise TypeError(f"{argument} is {value!r}, expected an integer") from None
+    if not -2**31 <= given < 2**31:
+        raise ValueError(f"{argument} is {given}, expected an integer of 32 bits")
+    return given
+
+
+def number(value: Any, argument: str) -> float:
+    """An argument that has to be a number."""
+    if not isinstance(value, (str, bytes)) and hasattr(type(value), "__float__"):
+        try:
+            return float(value)
+        except (TypeError, ValueError, OverflowError):
+            pass  # an array of several, an integer that no float64 holds
+    raise TypeError(f"{argument} is {value!r}, expected a number")
+
+
+def text(value: Any, argument: str) -> str:
+    """An argument that has to be a text."""
+    if not isinstance(value, str):
+        raise TypeError(f"{argument} is {value!r}, expected str")
+    return value

@@ -7,62 +7,102 @@ import os
 import shutil
 import subprocess
 import sys
-from typing import TYPE_CHECKING, Any, Iterator, List, Optional, Tuple, Union
+import threading
+from typing import TYPE_CHECKING, Any, Iterator, Optional, Tuple, Union
 
 import numpy as np
 
 from . import _orvml
+from ._documents import ENTITIES
+from ._named import integer
 from ._texts import writable
 from ._vtk import _shared, grid_of
 
 if TYPE_CHECKING:
     from ._documents import Document
 
-_servers: List[Tuple[subprocess.Popen[bytes], str]] = []
-"""The display that pictures are drawn on where there is none; it ends with the program."""
+_drawing = threading.Lock()
+"""Held while a picture is drawn: VTK finds the display by the environment, which all threads share."""
 
 _EDGES = (0.10, 0.16, 0.18)
 _PLAIN = (0.62, 0.75, 0.76)
 
 
-def _stop_servers() -> None:
-    for server, _ in _servers:
-        server.terminate()
-        server.wait()
+class _Server:
+    """The display that pictures are drawn on. It ends with the program that began it."""
+
+    def __init__(self) -> None:
+        reading, writing = os.pipe()
+        # It is not to begin anew whenever a picture is done, for who comes meanwhile would be turned
+        # away, and not to get the interrupts of the program's terminal.
+        self.process = subprocess.Popen(
+            ["Xvfb", "-displayfd", str(writing), "-screen", "0", "1280x1024x24", "-nolisten", "tcp",
+             "-noreset"], pass_fds=[writing], start_new_session=True, stdout=subprocess.DEVNULL,
+            stderr=subprocess.DEVNULL)
+        os.close(writing)
+        with os.fdopen(reading) as numbers:
+            number = numbers.readline().strip()
+        self._program = os.getpid()
+        if not number:
+            self.process.wait()
+            raise RuntimeError("Xvfb did not start")
+        self.name = f":{number}"
+        atexit.register(self.stop)
+
+    def serves(self) -> bool:
+        """Whether it runs, for this program and not for one that it was forked from."""
+        return self._program == os.getpid() and self.process.poll() is None
+
+    def stop(self) -> None:
+        if self.serves():
+            self.process.terminate()
+            self.process.wait()
 
 
-def _start_server() -> str:
-    if shutil.which("Xvfb") is None:
+_server: Optional[_Server] = None
+
+
+def _name_of_display() -> Optional[str]:
+    """One of our own, because VTK ends the program at a display that is no longer there; the user's where
+    there is no Xvfb. None where there is no X at all."""
+    global _server
+    if not sys.platform.startswith("linux"):
+        return None
+    if _server is not None and _server.serves():
+        return _server.name
+    if shutil.which("Xvfb") is not None:
+        _server = _Server()
+        return _server.name
+    if not os.environ.get("DISPLAY"):
         raise RuntimeError("there is no display to draw on, and no Xvfb to make one: "
-                           "set DISPLAY, or install the package xvfb")
-    reading, writing = os.pipe()
-    # It is not to begin anew whenever a picture is done: who comes meanwhile would be turned away.
-    server = subprocess.Popen(
-        ["Xvfb", "-displayfd", str(writing), "-screen", "0", "1280x1024x24", "-nolisten", "tcp",
-         "-noreset"],
-        pass_fds=[writing], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-    os.close(writing)
-    with os.fdopen(reading) as numbers:
-        number = numbers.readline().strip()
-    if not number:
-        server.wait()
-        raise RuntimeError("Xvfb did not start")
-    atexit.register(_stop_servers)
-    _servers.append((server, f":{number}"))
-    return _servers[0][1]
+                           "install the package xvfb")
+    return os.environ["DISPLAY"]
 
 
 @contextlib.contextmanager
 def _display() -> Iterator[None]:
-    """A display for VTK, which ends the program where it finds none."""
-    if "DISPLAY" in os.environ or not sys.platform.startswith("linux"):
-        yield
-        return
-    os.environ["DISPLAY"] = _servers[0][1] if _servers else _start_server()
-    try:
-        yield
-    finally:
-        del os.environ["DISPLAY"]
+    with _drawing:
+        name = _name_of_display()
+        before = os.environ.get("DISPLAY")
+        if name is not None:
+            os.environ["DISPLAY"] = name
+        try:
+            yield
+        finally:
+            if before is not None:
+                os.environ["DISPLAY"] = before
+            elif name is not None:
+                del os.environ["DISPLAY"]
+
+
+def _cells_with(document: "Document", color: Optional[str], cells: Optional[str]) -> Optional[str]:
+    """The kind of cells to be drawn: the one that is asked for, or else the highest that has the
+    attribute of the colours."""
+    if cells is None and color is not None:
+        for entity in reversed(ENTITIES):
+            if color in getattr(document, entity).attributes:
+                return entity
+    return cells
 
 
 def _colors(document: "Document", grid: Any, color: Optional[str], cells: Optional[str]) -> Any:
@@ -232,7 +272,13 @@ def draw(document: "Document", path: "Union[str, os.PathLike[str]]", color: Opti
     import vtkmodules.vtkRenderingOpenGL2  # noqa: F401, it makes the pictures
     from vtkmodules.vtkRenderingCore import vtkLightKit, vtkRenderer, vtkRenderWindow
 
-    file = os.fspath(path)
+    file = os.fsdecode(path)
+    if os.path.splitext(file)[1].lower() != ".png":
+        raise ValueError(f"path is {file!r}, expected a name that ends in .png")
+    size = (integer(size[0], "size"), integer(size[1], "size"))
+    if min(size) < 1:
+        raise ValueError(f"size is {size}, expected two positive numbers of pixels")
+    cells = _cells_with(document, color, cells)
     grid = grid_of(document, cells, turn_prisms=False)
     data = _colors(document, grid, color, cells)
     mapper = _mapper_of(grid, data)

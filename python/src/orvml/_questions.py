@@ -7,7 +7,7 @@ from . import _files, _orvml
 from ._documents import Document
 from ._files import Path, path_of
 from ._hdf5 import alone
-from ._named import integer
+from ._named import integer, number
 from ._reports import (CheckReport, DiffReport, Fingerprint, check_report_of, diff_report_of)
 
 Tolerance = Union[float, Tuple[float, float]]
@@ -34,18 +34,20 @@ def check(document: Union[Document, Path], *, quality: bool = False, places: int
         Error: The file is none, or holds no document.
     """
     counts = integer(places, "places"), integer(threads, "threads")
+    share = number(coincidence_tolerance, "coincidence_tolerance")
     if isinstance(document, Document):
         return check_report_of(_orvml.check_document(
-            document._raw(), float(coincidence_tolerance), bool(quality), *counts))
+            document._raw(), share, bool(quality), *counts))
     file = path_of(document, "document")
     with alone():
         return check_report_of(_orvml.check_file(
-            file, float(coincidence_tolerance), bool(quality), *counts))
+            file, share, bool(quality), *counts))
 
 
-def _pair(tolerance: Tolerance) -> Tuple[float, float]:
-    absolute, relative = tolerance if isinstance(tolerance, tuple) else (tolerance, 0.0)
-    return float(absolute), float(relative)
+def _pair(tolerance: Tolerance, argument: str) -> Tuple[float, float]:
+    absolute, relative = (tolerance if isinstance(tolerance, (tuple, list)) and len(tolerance) == 2
+                          else (tolerance, 0.0))
+    return number(absolute, argument), number(relative, argument)
 
 
 def diff(first: Union[Document, Path], second: Union[Document, Path],
@@ -69,9 +71,12 @@ def diff(first: Union[Document, Path], second: Union[Document, Path],
         Error: As read() does.
     """
     documents = _document_of(first, document), _document_of(second, document)
-    tolerances = {name: _pair(value) for name, value in (tolerance_of or {}).items()}
-    return diff_report_of(_orvml.diff(documents[0]._raw(), documents[1]._raw(), float(absolute),
-                                      float(relative), tolerances, match_within))
+    tolerances = {name: _pair(value, f"tolerance_of[{name!r}]")
+                  for name, value in (tolerance_of or {}).items()}
+    distance = None if match_within is None else number(match_within, "match_within")
+    return diff_report_of(_orvml.diff(
+        documents[0]._raw(), documents[1]._raw(), number(absolute, "absolute"),
+        number(relative, "relative"), tolerances, distance))
 
 
 def fingerprint(document: Union[Document, Path], which: Optional[str] = None) -> Fingerprint:

@@ -366,10 +366,15 @@ class Fingerprint:
         return self.document
 
 
-def measure_cells(document: Any, entity: str, measure: str) -> Doubles:
+def measure_cells(points: Doubles, entity: str, groups: Any, measure: str) -> Doubles:
     """One value per cell of one kind; see ``Cells.quality``."""
     names = list(_orvml.measure_names)
     if measure not in names:
         raise ValueError(f"measure is {measure!r}, expected one of {', '.join(names)}")
-    return _orvml.measure(document._raw(), entity, names.index(measure))
-
+    document: Any = {
+        "kind": "output", "module": "", "module_format_version": "", "creator": "",
+        "dimension": points.shape[1] or 3, "points": points, "edges": [], "faces": [],
+        "elements": [], "attributes": {"nodes": [], "edges": [], "faces": [], "elements": []},
+        "parameters": [], "vector_parameters": []}
+    document[entity] = groups
+    return _orvml.measure(document, entity, names.index(measure))

@@ -2,6 +2,7 @@
 from __future__ import annotations
 
 import enum
+import operator
 from typing import Union
 
 
@@ -39,9 +40,13 @@ def shape_number(shape: ShapeLike, argument: str) -> int:
             raise ValueError(f"{argument} has the shape {shape!r}, expected one of "
                              + ", ".join(_BY_NAME))
         return int(_BY_NAME[shape.lower()])
-    if isinstance(shape, bool) or not isinstance(shape, int):
-        raise TypeError(f"{argument} has the shape {shape!r}, expected a Shape or its name")
-    return int(shape)
+    try:
+        number = operator.index(shape)
+    except TypeError:
+        raise TypeError(f"{argument} has the shape {shape!r}, expected a Shape or its name") from None
+    if not -2**31 <= number < 2**31:
+        raise ValueError(f"{argument} has the shape {number}, expected a number of 32 bits")
+    return number
 
 
 def shape_of(number: int) -> Union[Shape, int]:

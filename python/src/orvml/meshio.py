@@ -1,8 +1,7 @@
 """Thirty other formats, through meshio.
 
-Importing this module makes exchange files a format of meshio: ``meshio.read("part.h5",
-file_format="orvml")`` and ``meshio.write``. Their usual ending ``.h5`` belongs to another format of
-meshio, so that files need that argument unless they end in ``.orvml``.
+Importing this module makes exchange files a format of meshio: ``meshio.read("part.h5")`` and
+``meshio.write("part.h5", mesh)``, for files that end in .h5, .hdf5 and .orvml.
 """
 from __future__ import annotations
 
@@ -18,6 +17,7 @@ from ._arrays import AnyArray
 from ._documents import ENTITIES, Document, Input, Output
 from ._errors import error_of
 from ._shapes import Shape, shape_name
+from ._texts import writable
 
 __all__ = ["CONTAINER", "ConversionWarning", "from_meshio", "read", "to_meshio", "write"]
 
@@ -66,11 +66,12 @@ class _Losses:
         if sentence not in self.sentences:
             self.sentences.append(sentence)
 
-    def tell(self, strict: bool, file: Optional[str] = None) -> None:
+    def tell(self, strict: bool, calls: int) -> None:
+        """Warns, or raises; of the line that is so many calls away from who tells."""
         if strict and self.sentences:
-            raise error_of("orvml.convert.loses", "; ".join(self.sentences), file, "", "")
+            raise error_of("orvml.convert.loses", "; ".join(self.sentences), None, "", "")
         for sentence in self.sentences:
-            warnings.warn(sentence, ConversionWarning, stacklevel=4)
+            warnings.warn(sentence, ConversionWarning, stacklevel=calls + 1)
 
 
 # Towards meshio
@@ -101,31 +102,38 @@ def _blocks_of(document: Document, losses: _Losses) -> List[_Block]:
 
 def _cell_data_of(document: Document, blocks: List[_Block],
                   losses: _Losses) -> Dict[str, List[AnyArray]]:
-    data: Dict[str, List[AnyArray]] = {
-        CONTAINER: [np.full(len(b.nodes), 1 + ENTITIES.index(b.entity), np.int32)
-                    for b in blocks]}
+    shown: Dict[str, Dict[str, AnyArray]] = {}
     for entity in ENTITIES:
         cells = getattr(document, entity)
         for name, values in cells.attributes.items():
             if values.size != cells.size:
                 losses.add(f"{entity}: the attribute {name!r} has not one value for each cell")
             elif any(block.entity == entity for block in blocks):
-                data[name] = _padded(data.get(name), blocks, entity, np.asarray(values))
+                shown.setdefault(_shown_name(name, losses), {})[entity] = np.asarray(values)
+    data = {name: _joined(parts, blocks) for name, parts in shown.items()}
+    # The last: formats with room for one array take the first.
+    data[CONTAINER] = [np.full(len(b.nodes), 1 + ENTITIES.index(b.entity), np.int32)
+                       for b in blocks]
     return data
 
 
-def _padded(parts: Optional[List[AnyArray]], blocks: List[_Block], entity: str,
-            values: AnyArray) -> List[AnyArray]:
+def _joined(parts: Dict[str, AnyArray], blocks: List[_Block]) -> List[AnyArray]:
     """One array for each block, with what is no value where the cells have none."""
-    none = -1 if values.dtype.kind == "i" else np.nan
-    made = parts or [np.full(len(block.nodes), none, values.dtype) for block in blocks]
-    for i, block in enumerate(blocks):
-        if block.entity == entity:
-            made[i] = values[block.first:block.first + len(block.nodes)]
-    return made
+    dtype = np.result_type(*parts.values())
+    none = -1 if dtype.kind == "i" else np.nan
+    return [parts[block.entity][block.first:block.first + len(block.nodes)].astype(dtype, copy=False)
+            if block.entity in parts else np.full(len(block.nodes), none, dtype)
+            for block in blocks]
 
 
-def to_meshio(document: Document, *, strict: bool = False) -> meshio.Mesh:
+def _shown_name(name: str, losses: _Losses) -> str:
+    shown = writable(name)
+    if shown != name:
+        losses.add(f"the attribute {name!r} is named {shown!r}")
+    return shown
+
+
+def to_meshio(document: Document, *, strict: bool = False, _calls: int = 2) -> meshio.Mesh:
     """A mesh of meshio on the arrays of a document. What it cannot hold is warned about.
 
     Edges come before faces before elements; ``cell_data["orvml.container"]`` tells them apart. An
@@ -150,12 +158,12 @@ def to_meshio(document: Document, *, strict: bool = False) -> meshio.Mesh:
     point_data = {}
     for name, values in document.nodes.attributes.items():
         if values.size == document.nodes.size:
-            point_data[name] = np.asarray(values)
+            point_data[_shown_name(name, losses)] = np.asarray(values)
         else:
             losses.add(f"nodes: the attribute {name!r} has not one value for each node")
     mesh = meshio.Mesh(document.points, [(block.name, block.nodes) for block in blocks],
                        point_data=point_data, cell_data=_cell_data_of(document, blocks, losses))
-    losses.tell(strict)
+    losses.tell(strict, _calls)
     return mesh
 
 
@@ -179,6 +187,9 @@ def _points_of(mesh: meshio.Mesh) -> AnyArray:
 
 def _scalars(values: Any, name: str, where: str, losses: _Losses) -> Optional[AnyArray]:
     """The values of an attribute: int32 or float64, one for each node or cell."""
+    if not name or name == "." or "/" in name or "\0" in name or len(name.encode()) > 79:
+        losses.add(f"{where}: the data {name!r} have a name that no file can hold")
+        return None
     array = np.asarray(values)
     if array.ndim == 2 and array.shape[1] == 1:
         array = array[:, 0]
@@ -233,13 +244,15 @@ def _set_cell_data(document: Document, mesh: meshio.Mesh, gathered: Dict[str, _G
                                   name, entity, losses)
                 if values is not None:
                     made[entity] = values
-        # What only fills up the other kinds of cells is no attribute of theirs.
-        real = {e: v for e, v in made.items() if not _is_padding(v)} or made
+        # What only fills up the other kinds of cells is no attribute of theirs, in a mesh of ours.
+        real = made
+        if CONTAINER in mesh.cell_data and len(made) > 1:
+            real = {e: v for e, v in made.items() if not _is_padding(v)} or made
         for entity, values in real.items():
             getattr(document, entity).attributes[name] = values
 
 
-def from_meshio(mesh: meshio.Mesh, kind: str = "output", *, strict: bool = False,
+def from_meshio(mesh: meshio.Mesh, kind: str = "output", *, strict: bool = False, _calls: int = 2,
                 **identification: Any) -> Document:
     """A document of a mesh of meshio. What the format does not have is warned about.
 
@@ -268,7 +281,7 @@ def from_meshio(mesh: meshio.Mesh, kind: str = "output", *, strict: bool = False
     for part in ("point_sets", "cell_sets", "field_data", "info", "gmsh_periodic"):
         if getattr(mesh, part, None):
             losses.add(f"the {part} of the mesh have no place in the format")
-    losses.tell(strict)
+    losses.tell(strict, _calls)
     return made
 
 
@@ -278,23 +291,15 @@ def from_meshio(mesh: meshio.Mesh, kind: str = "output", *, strict: bool = False
 def read(path: Union[str, "os.PathLike[str]"], document: Optional[str] = None, *,
          strict: bool = False) -> meshio.Mesh:
     """Reads an exchange file as a mesh of meshio; see orvml.read() and to_meshio()."""
-    return to_meshio(_files.read(path, document), strict=strict)
+    return to_meshio(_files.read(path, document), strict=strict, _calls=3)
 
 
 def write(path: Union[str, "os.PathLike[str]"], mesh: meshio.Mesh, kind: str = "output", *,
           strict: bool = False, flush: bool = True, **identification: Any) -> None:
     """Writes a mesh of meshio as an exchange file; see from_meshio() and orvml.write()."""
-    _files.write(path, from_meshio(mesh, kind, strict=strict, **identification), flush=flush)
+    document = from_meshio(mesh, kind, strict=strict, _calls=3, **identification)
+    _files.write(path, document, flush=flush)
 
 
-def _read_for_meshio(path: str) -> meshio.Mesh:
-    from ._errors import Error
-
-    try:
-        return read(path)
-    except Error as error:
-        # So that meshio tries what else has the ending.
-        raise meshio.ReadError(str(error)) from error
-
-
-meshio.register_format("orvml", [".orvml"], _read_for_meshio, {"orvml": write})
+# An Error goes through to the caller: no other format of meshio has these endings.
+meshio.register_format("orvml", [".h5", ".hdf5", ".orvml"], read, {"orvml": write})
