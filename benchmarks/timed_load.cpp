@@ -1,26 +1,16 @@
-// Loads an exchange file twice and prints how many seconds the second time took: what a reader in
-// another language is measured against.
-//
-//   orvml_timed_load FILE
+// Loads an exchange file by the C++ layer and tells how long that took, for a program in another
+// language that measures its own reading in the same process: from one process to the next the same
+// call takes up to twice as long, as the pages that the system has at hand are large or small.
 #include <orvml/load.hpp>
 
 #include <chrono>
-#include <cstdio>
 
-int main(int count, char** arguments) try {
-  if (count != 2) {
-    std::fputs("usage: orvml_timed_load FILE\n", stderr);
-    return 1;
-  }
-  { const orvml::Loaded first = orvml::load(arguments[1]); }
+/// @return seconds; negative when the file cannot be loaded
+extern "C" __attribute__((visibility("default"))) double orvml_seconds_to_load(
+    const char* path) noexcept try {
   const auto begin = std::chrono::steady_clock::now();
-  {
-    const orvml::Loaded loaded = orvml::load(arguments[1]);
-    const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - begin;
-    std::printf("%.6f\n", seconds.count());
-  }
-  return 0;
-} catch (const orvml::Error& error) {
-  std::fprintf(stderr, "%s\n", error.what());
-  return 1;
+  const orvml::Loaded loaded = orvml::load(path);
+  return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+} catch (const std::exception&) {
+  return -1;
 }
