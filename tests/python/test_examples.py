@@ -75,7 +75,9 @@ def texts_of(cell):
             found.append("".join(output["text"]))
         else:
             data = output["data"]
-            found.append("picture" if "image/png" in data else "".join(data["text/plain"]))
+            # NumPy 2 names the type of a number.
+            text = re.sub(r"np\.float64\(([^()]*)\)", r"\1", "".join(data["text/plain"]))
+            found.append("picture" if "image/png" in data else text)
     return found
 
 

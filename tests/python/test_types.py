@@ -18,9 +18,17 @@ def run_mypy(*arguments, cache):
 
 
 def test_strict_types_of_the_package_and_of_who_uses_it(tmp_path):
-    for arguments in (["--python-version", "3.9", "-p", "orvml"],
-                      [str(SOURCE / "tests/python/typed_use.py")]):
-        assert run_mypy(*arguments, cache=tmp_path)[0] == 0, run_mypy(*arguments, cache=tmp_path)[1]
+    # The types of NumPy 2 are written for later versions of Python. Which of its complaints a line has
+    # to be excused from depends on mypy's version: what is not needed is looked for with that of
+    # Debian 12.
+    import numpy
+    from mypy.version import __version__ as release
+
+    version = ["--python-version", "3.9"] if numpy.__version__.startswith("1.") else []
+    excuses = [] if release.startswith("1.0.") else ["--no-warn-unused-ignores"]
+    for arguments in ([*version, "-p", "orvml"], [str(SOURCE / "tests/python/typed_use.py")]):
+        code, told = run_mypy(*excuses, *arguments, cache=tmp_path)
+        assert code == 0, told
 
 
 @pytest.mark.parametrize("line, wrong", [

@@ -179,7 +179,7 @@ class Cells(Sequence[CellGroup]):
         if any(group.size and not group.nodes_per_cell for group in self._groups):
             raise ValueError(f"the nodes of the {self._entity} are not known")
         shapes = [shape_name(g._shape) for g in self._groups for _ in range(g.size)]
-        nodes = [tuple(cell) for g in self._groups for cell in g.node_indices.tolist()]
+        nodes = [tuple(map(int, cell)) for g in self._groups for cell in g.node_indices]
         table = pandas.DataFrame({"shape": pandas.Categorical(shapes), "nodes": nodes})
         return _beside(table, self.attributes)
 

@@ -67,19 +67,18 @@ def _turned(group: "CellGroup") -> "CellGroup":
 
 def _cell_arrays(groups: "List[CellGroup]") -> Tuple[AnyArray, AnyArray, Ints]:
     """The types of the cells, where each begins, and their nodes."""
-    types = []
-    widths = []
+    types: List[AnyArray] = [np.zeros(0, np.uint8)]
+    widths: List[AnyArray] = [np.zeros(1, np.int32)]
     for group in groups:
         number = _orvml.vtk_cell_type(int(group.shape), group.nodes_per_cell)
         if number is None:
             raise ValueError(f"VTK has no cell for {group!r}")
         types.append(np.full(group.size, number, np.uint8))
         widths.append(np.full(group.size, group.nodes_per_cell, np.int32))
-    none: List[AnyArray] = [np.zeros(0, np.uint8)]
-    starts = np.concatenate([np.zeros(1, np.int32), *widths])
+    starts = np.concatenate(widths)
     # In place and with 32 bits, as the nodes have: VTK then takes both as they are.
     np.cumsum(starts, out=starts)
-    return np.concatenate(none + types), starts, _joined(groups)
+    return np.concatenate(types), starts, _joined(groups)
 
 
 def _add_attributes(target: Any, attributes: Any, size: int) -> None:
