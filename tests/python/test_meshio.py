@@ -153,6 +153,34 @@ def test_the_command_tells_losses_and_is_strict_when_asked(cube_file, tmp_path):
     assert code == 3 and "no place in meshio" in told and not (tmp_path / "b.vtu").exists()
 
 
+@pytest.mark.parametrize("ending, sentence", [
+    ("stl", "6 of 6 cells of the type 'tetra' are not in the file"),
+    ("mesh", "8 of 8 values of the data 'temperature' of the points are not in the file")])
+def test_what_the_writers_of_meshio_leave_out_is_told(plain_cube, tmp_path, ending, sentence):
+    orvml.write(tmp_path / "cube.h5", plain_cube)
+    target = tmp_path / f"out.{ending}"
+    code, _, told = run("convert", "--strict", tmp_path / "cube.h5", target)
+    assert code == 3 and sentence in told
+    assert [path.name for path in tmp_path.iterdir()] == ["cube.h5"]
+
+    code, _, told = run("convert", tmp_path / "cube.h5", target)
+    assert code == 0 and f"orvml-meshio: {sentence}\n" in told and target.exists()
+
+
+def test_formats_of_two_files_arrive_whole_and_nothing_is_lost(plain_cube, tmp_path):
+    orvml.write(tmp_path / "cube.h5", plain_cube)
+    code, _, told = run("convert", "--strict", tmp_path / "cube.h5", tmp_path / "out.xdmf")
+    assert (code, told) == (0, "")
+    assert sorted(path.name for path in tmp_path.iterdir()) == ["cube.h5", "out.h5", "out.xdmf"]
+    assert len(meshio.read(tmp_path / "out.xdmf").points) == 8
+
+
+def test_one_of_the_files_is_an_exchange_file(plain_cube, tmp_path):
+    meshio.write(tmp_path / "a.vtk", ours.to_meshio(plain_cube))
+    code, _, told = run("convert", tmp_path / "a.vtk", tmp_path / "b.vtu")
+    assert code == 3 and told == "orvml-meshio: neither IN nor OUT is an exchange file\n"
+
+
 def test_the_command_ends_with_a_sentence_when_something_fails(cube_file, tmp_path):
     code, _, told = run("convert", tmp_path / "missing.h5", tmp_path / "a.vtu")
     assert code == 3 and told == f"orvml-meshio: {tmp_path / 'missing.h5'}: there is no such file\n"

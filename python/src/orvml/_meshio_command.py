@@ -2,10 +2,13 @@
 from __future__ import annotations
 
 import argparse
+import contextlib
+import io
 import os
 import sys
+import tempfile
 import warnings
-from typing import List, Optional
+from typing import Any, Dict, List, Optional
 
 _EXCHANGE_ENDINGS = (".h5", ".hdf5", ".orvml")
 
@@ -35,6 +38,64 @@ def _is_exchange(path: str, form: Optional[str]) -> bool:
     return form == "orvml" if form else os.path.splitext(path)[1].lower() in _EXCHANGE_ENDINGS
 
 
+def _counts(mesh: Any) -> Dict[str, int]:
+    """What a mesh has, in sentences' words, and how many of each."""
+    counts: Dict[str, int] = {"points": len(mesh.points)}
+    for block in mesh.cells:
+        kind = f"cells of the type {block.type!r}"
+        counts[kind] = counts.get(kind, 0) + len(block.data)
+    for name, values in mesh.point_data.items():
+        counts[f"values of the data {name!r} of the points"] = len(values)
+    for name, parts in mesh.cell_data.items():
+        # It tells kinds apart, and belongs to nobody.
+        if name != "orvml.container":
+            counts[f"values of the data {name!r} of the cells"] = sum(map(len, parts))
+    return counts
+
+
+def _read_again(written: str, form: Optional[str]) -> Any:
+    """What a written file has; None where meshio cannot tell. A form may have other names for writing
+    than for reading, as that of Gmsh has."""
+    import meshio
+
+    for named in (form, None):
+        try:
+            with contextlib.redirect_stdout(io.StringIO()), contextlib.redirect_stderr(io.StringIO()):
+                return meshio.read(written, named)
+        except (Exception, SystemExit):  # whatever thirty readers do with what thirty writers made
+            continue
+    return None
+
+
+def _losses_of_writer(mesh: Any, written: str, form: Optional[str]) -> List[str]:
+    """What a writer of meshio has left out, of which it says nothing that a program could ask for."""
+    again = _read_again(written, form)
+    if again is None:
+        return ["meshio cannot read its own file again, so that nobody knows what is missing in it"]
+    found = _counts(again)
+    return [f"{count - found.get(what, 0)} of {count} {what} are not in the file"
+            for what, count in _counts(mesh).items() if found.get(what, 0) < count]
+
+
+def _write_looked_at(mesh: Any, target: str, form: Optional[str], strict: bool) -> None:
+    """Writes beside the target, looks at what came out, and moves it there: whatever fails, what was
+    there stays."""
+    import meshio
+
+    folder = os.path.dirname(os.path.abspath(target))
+    with tempfile.TemporaryDirectory(prefix=".orvml-meshio-", dir=folder) as beside:
+        written = os.path.join(beside, os.path.basename(target))
+        meshio.write(written, mesh, form)
+        losses = _losses_of_writer(mesh, written, form)
+        if strict and losses:
+            raise ValueError("; ".join(losses))
+        for sentence in losses:
+            warnings.warn(sentence, stacklevel=1)
+        # Some formats have a second file beside the first.
+        for name in os.listdir(beside):
+            os.replace(os.path.join(beside, name), os.path.join(folder, name))
+
+
 def _convert(options: argparse.Namespace) -> None:
     import meshio
 
@@ -52,7 +113,7 @@ def _convert(options: argparse.Namespace) -> None:
         ours.write(options.target, mesh, options.document or "output", strict=options.strict,
                    creator=f"orvml-meshio {orvml.version}")
     else:
-        meshio.write(options.target, mesh, options.output_format)
+        _write_looked_at(mesh, options.target, options.output_format, options.strict)
 
 
 def main(arguments: Optional[List[str]] = None) -> int:
