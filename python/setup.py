@@ -14,6 +14,8 @@ PROJECT = HERE.parent
 
 
 def version() -> str:
+    if not (PROJECT / "CMakeLists.txt").exists():
+        sys.exit("orvml is built in the sources of the whole project, of which this folder is a part")
     text = (PROJECT / "CMakeLists.txt").read_text()
     found = re.search(r"project\(orvml_io VERSION (\d+\.\d+\.\d+)", text)
     assert found is not None

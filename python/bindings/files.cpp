@@ -31,19 +31,23 @@ py::dict exchangeOf(py::object input, py::object output, py::list findings, py::
   return exchange;
 }
 
+/// Each document is owned by itself, so that one may go while the other stays.
+template <class Owner>
+py::object shown(std::optional<Owner>& document) {
+  if (!document) {
+    return py::none();
+  }
+  const auto owned = std::make_shared<Owner>(std::move(*document));
+  return toPython(owned->view(), ownedBy(owned));
+}
+
 py::dict read(const py::object& path, bool isTolerant, int threads) {
   const std::string file = bytesOf(path);
-  const auto loaded = [&] {
+  Loaded loaded = [&] {
     const py::gil_scoped_release released;
-    return std::make_shared<Loaded>(
-        load(file, {.policy = policyOf(isTolerant), .threads = threads}));
+    return load(file, {.policy = policyOf(isTolerant), .threads = threads});
   }();
-  const py::capsule owner = ownedBy(loaded);
-  const auto shown = [&owner](const auto& document) {
-    return document ? py::object(toPython(document->view(), owner)) : py::none();
-  };
-  return exchangeOf(shown(loaded->input), shown(loaded->output), plain(loaded->findings),
-                    py::list());
+  return exchangeOf(shown(loaded.input), shown(loaded.output), plain(loaded.findings), py::list());
 }
 
 py::dict open(const py::object& path, bool isTolerant) {

@@ -43,6 +43,8 @@ PYBIND11_MODULE(_orvml, module) {
   orvml::python::addReports(module);
   module.def("vtk_cell_type", &vtkCellNumber, py::arg("shape"), py::arg("nodes_per_cell"));
   module.def("older_vtk_prism_order", &olderPrismOrder, py::arg("nodes_per_cell"));
+  // Older ones take the size of a value from where NumPy 1 has it.
+  module.attr("knows_numpy_2") = PYBIND11_VERSION_HEX >= 0x020C0000;
   module.attr("version") = orvml::version();
   module.attr("format_version") = orvml::formatVersion();
   // In the order of their numbers, from 0.

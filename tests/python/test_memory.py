@@ -74,3 +74,14 @@ def test_documents_go_as_soon_as_nobody_has_them(tmp_path, read):
         assert os.environ.get("ORVML_SANITIZERS") or resident() - before < 40e6  # one is 32 MB
     finally:
         gc.enable()
+
+
+def test_one_document_of_a_file_does_not_keep_the_other(tmp_path):
+    path = tmp_path / "both.h5"
+    orvml.write(path, orvml.Input(np.zeros((3_000_000, 3))), orvml.Output([[0, 0, 0]]), flush=False)
+    orvml.read(path)
+    gc.collect()
+    before = resident()
+    small = orvml.read(path, "output")
+    assert small.nodes.size == 1
+    assert os.environ.get("ORVML_SANITIZERS") or resident() - before < 20e6  # the other is 72 MB

@@ -8,6 +8,13 @@
 ``read`` and ``open`` give a document, ``Input`` and ``Output`` make one, ``write`` writes it.
 ``orvml.meshio`` has thirty other formats.
 """
+import numpy as _numpy
+
+from . import _orvml
+
+if not _orvml.knows_numpy_2 and int(_numpy.__version__.split(".")[0]) >= 2:
+    raise ImportError("this build of orvml is for NumPy 1: build it again with pybind11 2.12 or later")
+
 from ._arrays import AttributeArray
 from ._cells import CellGroup, Cells, Nodes
 from ._documents import Document, Input, Output

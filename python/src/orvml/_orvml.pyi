@@ -10,6 +10,7 @@ from ._arrays import AnyArray, Doubles, Ints
 
 version: str
 format_version: str
+knows_numpy_2: bool
 shape_names: List[str]
 measure_names: List[str]
 
