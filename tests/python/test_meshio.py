@@ -175,6 +175,17 @@ def test_formats_of_two_files_arrive_whole_and_nothing_is_lost(plain_cube, tmp_p
     assert len(meshio.read(tmp_path / "out.xdmf").points) == 8
 
 
+def test_a_second_file_never_takes_the_place_of_another(plain_cube, tmp_path):
+    orvml.write(tmp_path / "cube.h5", plain_cube)
+    before = (tmp_path / "cube.h5").read_bytes()
+    code, _, told = run("convert", tmp_path / "cube.h5", tmp_path / "cube.xdmf")
+    assert code == 3
+    assert told == (f"orvml-meshio: {tmp_path / 'cube.xdmf'} comes with a second file, cube.h5, of "
+                    "which there is one already\n")
+    assert [path.name for path in tmp_path.iterdir()] == ["cube.h5"]
+    assert (tmp_path / "cube.h5").read_bytes() == before
+
+
 def test_one_of_the_files_is_an_exchange_file(plain_cube, tmp_path):
     meshio.write(tmp_path / "a.vtk", ours.to_meshio(plain_cube))
     code, _, told = run("convert", tmp_path / "a.vtk", tmp_path / "b.vtu")

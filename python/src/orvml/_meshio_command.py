@@ -77,6 +77,15 @@ def _losses_of_writer(mesh: Any, written: str, form: Optional[str]) -> List[str]
             for what, count in _counts(mesh).items() if found.get(what, 0) < count]
 
 
+def _refuse_to_replace_others(folder: str, names: List[str], target: str) -> None:
+    """An XDMF file has its numbers in an HDF5 file of the same stem, which may be the exchange file that
+    is being converted."""
+    for name in names:
+        if name != os.path.basename(target) and os.path.lexists(os.path.join(folder, name)):
+            raise ValueError(f"{target} comes with a second file, {name}, of which there is one "
+                             "already")
+
+
 def _write_looked_at(mesh: Any, target: str, form: Optional[str], strict: bool) -> None:
     """Writes beside the target, looks at what came out, and moves it there: whatever fails, what was
     there stays."""
@@ -86,6 +95,7 @@ def _write_looked_at(mesh: Any, target: str, form: Optional[str], strict: bool) 
     with tempfile.TemporaryDirectory(prefix=".orvml-meshio-", dir=folder) as beside:
         written = os.path.join(beside, os.path.basename(target))
         meshio.write(written, mesh, form)
+        _refuse_to_replace_others(folder, os.listdir(beside), target)
         losses = _losses_of_writer(mesh, written, form)
         if strict and losses:
             raise ValueError("; ".join(losses))
