@@ -3,7 +3,7 @@ from __future__ import annotations
 
 import operator
 from typing import (TYPE_CHECKING, Any, Dict, Iterator, List, Mapping, MutableMapping, Optional,
-                    Tuple)
+                    Tuple, TypeVar)
 
 import numpy as np
 import numpy.typing as npt
@@ -22,6 +22,28 @@ def _name_of(name: object, argument: str) -> str:
     return name
 
 
+Value = TypeVar("Value")
+
+
+class _Named(MutableMapping[str, Value]):
+    """Values by name, in the order in which they were set."""
+
+    def __init__(self) -> None:
+        self._values: Dict[str, Value] = {}
+
+    def __getitem__(self, name: str) -> Value:
+        return self._values[name]
+
+    def __delitem__(self, name: str) -> None:
+        del self._values[name]
+
+    def __iter__(self) -> Iterator[str]:
+        return iter(self._values)
+
+    def __len__(self) -> int:
+        return len(self._values)
+
+
 class Count:
     """How many nodes or cells there are. Who has them and their attributes share one, so that neither
     refers to the other and both go as soon as nobody has them."""
@@ -30,16 +52,13 @@ class Count:
         self.value = value
 
 
-class Attributes(MutableMapping[str, AttributeArray]):
+class Attributes(_Named[AttributeArray]):
     """The attributes of the nodes, or of the cells of one kind: one value for each, by name."""
 
     def __init__(self, name: str, count: Count) -> None:
+        super().__init__()
         self._name = name
         self._count = count
-        self._values: Dict[str, AttributeArray] = {}
-
-    def __getitem__(self, name: str) -> AttributeArray:
-        return self._values[name]
 
     def __setitem__(self, name: str, values: npt.ArrayLike) -> None:
         self.set(name, values, bool(getattr(values, "must_be_transmitted", False)))
@@ -56,15 +75,6 @@ class Attributes(MutableMapping[str, AttributeArray]):
         argument = f"{self._name}.attributes[{_name_of(name, self._name + '.attributes')!r}]"
         self._values[name] = AttributeArray(as_values(values, argument, self._count.value),
                                             bool(must_be_transmitted))
-
-    def __delitem__(self, name: str) -> None:
-        del self._values[name]
-
-    def __iter__(self) -> Iterator[str]:
-        return iter(self._values)
-
-    def __len__(self) -> int:
-        return len(self._values)
 
     def __repr__(self) -> str:
         return f"<{len(self)} attributes of the {self._name}: {', '.join(self) or 'none'}>"
@@ -92,28 +102,16 @@ class Attributes(MutableMapping[str, AttributeArray]):
                 for name, values in self.items()]
 
 
-class Parameters(MutableMapping[str, float]):
+class Parameters(_Named[float]):
     """The scalar parameters of a document, by name."""
 
     def __init__(self, values: Optional[Mapping[str, float]] = None) -> None:
-        self._values: Dict[str, float] = {}
+        super().__init__()
         self.update(values or {})
-
-    def __getitem__(self, name: str) -> float:
-        return self._values[name]
 
     def __setitem__(self, name: str, value: float) -> None:
         _name_of(name, "parameters")
         self._values[name] = number(value, f"parameters[{name!r}]")
-
-    def __delitem__(self, name: str) -> None:
-        del self._values[name]
-
-    def __iter__(self) -> Iterator[str]:
-        return iter(self._values)
-
-    def __len__(self) -> int:
-        return len(self._values)
 
     def __repr__(self) -> str:
         return f"Parameters({self._values!r})"
@@ -125,29 +123,17 @@ class Parameters(MutableMapping[str, float]):
         return pandas.Series(self._values, dtype=float, name="value")
 
 
-class VectorParameters(MutableMapping[str, AnyArray]):
+class VectorParameters(_Named[AnyArray]):
     """The vector parameters of a document, by name: int32 or float64, of any length."""
 
     def __init__(self, values: Optional[Mapping[str, npt.ArrayLike]] = None) -> None:
-        self._values: Dict[str, AnyArray] = {}
+        super().__init__()
         for name, vector in (values or {}).items():
             self[name] = vector
-
-    def __getitem__(self, name: str) -> AnyArray:
-        return self._values[name]
 
     def __setitem__(self, name: str, values: npt.ArrayLike) -> None:
         _name_of(name, "vector_parameters")
         self._values[name] = as_values(values, f"vector_parameters[{name!r}]")
-
-    def __delitem__(self, name: str) -> None:
-        del self._values[name]
-
-    def __iter__(self) -> Iterator[str]:
-        return iter(self._values)
-
-    def __len__(self) -> int:
-        return len(self._values)
 
     def __repr__(self) -> str:
         return f"VectorParameters({self._values!r})"
