@@ -26,6 +26,8 @@ PAGES = {
     "patch": "Patches",
     "check": "Checks",
     "cell_measures": "Measures of cells",
+    "cell_faces": "Faces of cells",
+    "skin": "Skins",
     "rescue": "Rescue and upgrade",
     "vtkhdf": "Files that VTK opens",
     "vtk_cells": "Cells of VTK",

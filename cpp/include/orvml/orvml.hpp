@@ -1,5 +1,6 @@
 #pragma once
 
+#include <orvml/cell_faces.hpp>
 #include <orvml/cell_measures.hpp>
 #include <orvml/check.hpp>
 #include <orvml/conversion.hpp>
@@ -15,6 +16,7 @@
 #include <orvml/rescue.hpp>
 #include <orvml/save.hpp>
 #include <orvml/shape.hpp>
+#include <orvml/skin.hpp>
 #include <orvml/version.hpp>
 #include <orvml/view.hpp>
 #include <orvml/vtk_cells.hpp>

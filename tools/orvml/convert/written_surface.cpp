@@ -1,5 +1,7 @@
 #include "convert/written_surface.h"
 
+#include <orvml/cell_faces.hpp>
+
 #include "console.h"
 #include "convert/dropped_values.h"
 #include "convert/placed_groups.h"
@@ -19,7 +21,8 @@ using orvml::CellForm;
 using orvml::Entity;
 
 bool isFace(const orvml::CellGroup& group) {
-  return group.nodesPerCell() > 0 && !linearPartsOf({group.shape(), group.nodesPerCell()}).empty();
+  return group.nodesPerCell() > 0 &&
+         !orvml::linearPartsOf({group.shape(), group.nodesPerCell()}).empty();
 }
 
 bool hasChosen(const ExportOptions& options, Entity container) {
@@ -113,9 +116,9 @@ void WrittenSurface::addFaces(Entity container, ConversionReport& report) {
 
 void WrittenSurface::addSkin(ConversionReport& report) {
   const orvml::CellsView& elements = document_.cells(Entity::elements);
-  skin_ = skinOf(elements, document_.nodes().size());
+  skin_ = orvml::skinOf(elements, document_.nodes().size());
   std::int64_t faces = 0;
-  for (const SkinFaces& some : skin_) {
+  for (const orvml::SkinFaces& some : skin_) {
     patches_.push_back({some.form, some.nodes});
     faces += some.size();
   }

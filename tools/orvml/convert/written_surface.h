@@ -1,11 +1,11 @@
 #pragma once
 
+#include <orvml/cell_faces.hpp>
+#include <orvml/skin.hpp>
 #include <orvml/view.hpp>
 
-#include "convert/cell_faces.h"
 #include "convert/conversion_report.h"
 #include "convert/format.h"
-#include "convert/skin.h"
 
 #include <array>
 #include <cstdint>
@@ -58,7 +58,7 @@ class WrittenSurface {
     for (const Patch& patch : patches_) {
       const auto width = static_cast<std::size_t>(patch.form.nodesPerCell);
       for (std::size_t first = 0; first < patch.nodes.size(); first += width) {
-        for (const auto& part : linearPartsOf(patch.form)) {
+        for (const auto& part : orvml::linearPartsOf(patch.form)) {
           for (std::size_t i = 0; i < part.size(); ++i) {
             corners[i] = patch.nodes[first + part[i]];
           }
@@ -103,7 +103,7 @@ class WrittenSurface {
   const orvml::DocumentView& document_;
   Content content_;
   std::vector<Patch> patches_;
-  std::vector<SkinFaces> skin_;
+  std::vector<orvml::SkinFaces> skin_;
   bool isSkin_ = false;
   std::int64_t numberOfFaces_ = 0;
   std::int64_t numberOfNodes_ = 0;

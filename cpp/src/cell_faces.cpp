@@ -1,15 +1,13 @@
-#include "convert/cell_faces.h"
+#include <orvml/cell_faces.hpp>
 
 #include <algorithm>
 #include <array>
 #include <utility>
 
-namespace orvml_tool {
+namespace orvml {
 
 namespace {
 
-using orvml::CellForm;
-using orvml::Shape;
 using Places = std::vector<std::uint8_t>;
 
 struct SolidShape {
@@ -130,4 +128,4 @@ const std::vector<Places>& linearPartsOf(CellForm form) {
   return found == kParts.end() ? kNone : found->second;
 }
 
-}  // namespace orvml_tool
+}  // namespace orvml
