@@ -23,7 +23,7 @@ from document import INT, Cells, Document, TypeGroup, Vector  # noqa: E402
 
 COMMAND = pathlib.Path(os.environ["ORVML_COMMAND"])
 COMMANDS = ("info", "check", "diff", "patch", "apply", "text", "extract", "edit", "new",
-            "upgrade", "rescue", "convert", "link-vtk")
+            "upgrade", "rescue", "convert", "link-vtk", "report")
 
 
 def within_memory(limit, line):

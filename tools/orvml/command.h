@@ -25,6 +25,7 @@ void addLinkVtk(CLI::App& app, Run& run);
 void addUpgrade(CLI::App& app, Run& run);
 void addRescue(CLI::App& app, Run& run);
 void addConvert(CLI::App& app, Run& run);
+void addReport(CLI::App& app, Run& run);
 
 /// Adds a subcommand with an example at the end of its help.
 inline CLI::App& addSubcommand(CLI::App& app, const std::string& name, const std::string& about,

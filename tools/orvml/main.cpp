@@ -31,6 +31,7 @@ void addCommands(CLI::App& app, Run& run) {
   addUpgrade(app, run);
   addRescue(app, run);
   addConvert(app, run);
+  addReport(app, run);
 }
 
 /// Tells what is wrong with the arguments, or gives the help that was asked for.

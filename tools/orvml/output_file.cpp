@@ -25,10 +25,10 @@ void copyToOutput(const std::filesystem::path& path) {
 
 }  // namespace
 
-OutputFile::OutputFile(std::string name) : name_(std::move(name)) {
+OutputFile::OutputFile(std::string name, const std::string& content) : name_(std::move(name)) {
   watchInterrupts();
   if (name_ == kStandardOutput && isTerminal(Stream::output)) {
-    throw Refusal("standard output is a terminal, which shows no exchange files",
+    throw Refusal("standard output is a terminal, which shows no " + content,
                   "name a file, or send the output to a program");
   }
 }

@@ -6,14 +6,16 @@
 
 namespace orvml_tool {
 
-/// An exchange file that is written: named on the command line, where "-" is standard output.
+/// A file that is written, most often an exchange file: named on the command line, where "-" is
+/// standard output.
 ///
 /// Ctrl-C leaves the old file or the new one, and nothing beside it. While there is such an object,
 /// SIGINT, SIGTERM and SIGHUP are answered by a thread that removes what was begun; so it has to be
 /// made before other threads are.
 class OutputFile {
  public:
-  explicit OutputFile(std::string name);
+  /// @param content  what terminals do not show, for the message that refuses them
+  explicit OutputFile(std::string name, const std::string& content = "exchange files");
 
   /// Has the file written by `save`, which is given the path to write to,
   /// and hands it on.

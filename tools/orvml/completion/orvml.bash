@@ -16,6 +16,7 @@ _orvml() {
     [rescue]="--keep-unsound-cells --help"
     [convert]="--from --to --input --output --only --split --text --compress --older-prisms --sets --dimension
       --kind --strict --json --help"
+    [report]="--input --output --both --title --no-check --help"
   )
   [ "$COMP_CWORD" -lt 2 ] || command=${COMP_WORDS[1]}
   COMPREPLY=()

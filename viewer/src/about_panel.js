@@ -1,0 +1,32 @@
+// What a document is and who made it.
+import { h, named, section } from './dom.js';
+import { bytesShown, counted, plural, shown } from './numbers.js';
+
+function rowsOf(model) {
+  const { identification, file, boundingBox } = model;
+  const box = boundingBox && model.boundingBox.minimum.map((low, axis) =>
+    `${'xyz'[axis]}: ${shown(Number(low.toPrecision(6)))} to ` +
+    `${shown(Number(boundingBox.maximum[axis].toPrecision(6)))}`).join(', ');
+  return [
+    ['Document', `${model.kind}, dimension ${model.dimension}`],
+    ['Module', named(identification.module)],
+    ['Version of its format', named(identification.moduleFormatVersion)],
+    ['Made by', named(identification.creator)],
+    ['Nodes', counted(model.counts.nodes)],
+    ...['edges', 'faces', 'elements'].filter((entity) => model.counts[entity]).map((entity) => [
+      entity[0].toUpperCase() + entity.slice(1),
+      model.shapes.filter((shape) => shape.entity === entity).map((shape) =>
+        `${counted(shape.count)} ${plural(shape.shape)} of ${shape.nodesPerCell} nodes`).join(', '),
+    ]),
+    ['Bounding box', box],
+    ['File', file && `${bytesShown(file.bytes)}, format ${file.formatVersion}`],
+    ['Fingerprint', model.fingerprint && h('code', { class: 'fingerprint' }, model.fingerprint)],
+  ].filter(([, value]) => value);
+}
+
+export function aboutSection(app) {
+  return section('Document', true, ...app.views.map((view) => app.underName(view,
+    h('dl', { class: 'facts' }, ...rowsOf(view.model).flatMap(([term, value]) =>
+      [h('dt', null, term), h('dd', null, value)])),
+    ...view.model.notes.map((note) => h('p', { class: 'note-text' }, note)))));
+}

@@ -1,0 +1,58 @@
+// The page onto which an exchange file is dropped. What is read stays in the browser.
+import { App } from './app.js';
+import { h, icon, printable } from './dom.js';
+import { readExchange } from './exchange_file.js';
+
+const root = document.getElementById('app');
+
+/** A browser takes some five times the size of the file; beyond this it falls over. */
+const MOST_BYTES = 1e9;
+
+const told = h('p', { class: 'told', role: 'status', 'aria-live': 'polite' });
+const input = h('input', {
+  type: 'file', accept: '.h5,.hdf5,.orvml,application/x-hdf5', class: 'unseen', id: 'file',
+  onchange: () => open(input.files[0]),
+});
+
+function showStart() {
+  root.replaceChildren(h('main', { class: 'drop' },
+    h('h1', null, 'Mesh viewer'),
+    h('label', { class: 'target', for: 'file' }, icon('save'),
+      h('span', null, 'Drop an exchange file here, or choose one'),
+      h('span', { class: 'quiet' }, 'It is read in this browser. Nothing leaves this machine.')),
+    input, told));
+}
+
+async function open(file) {
+  if (!file) {
+    return;
+  }
+  told.textContent = `Reading ${printable(file.name)} …`;
+  try {
+    if (file.size > MOST_BYTES) {
+      throw new Error(`The file has more than ${MOST_BYTES / 1e9} GB, which a browser does not hold; ` +
+        'the command "orvml report" shows it.');
+    }
+    const report = await readExchange(new Uint8Array(await file.arrayBuffer()), file.name);
+    const documents = report.documents.slice(0, 1);
+    window.meshPage = new App(root, { ...report, documents });
+    root.append(h('button', {
+      type: 'button', class: 'another', onclick: () => { location.reload(); },
+    }, 'Another file'));
+  } catch (error) {
+    showStart();
+    told.textContent = error.message;
+  }
+}
+
+addEventListener('dragover', (event) => {
+  event.preventDefault();
+  document.body.classList.add('dragged');
+});
+addEventListener('dragleave', () => document.body.classList.remove('dragged'));
+addEventListener('drop', (event) => {
+  event.preventDefault();
+  document.body.classList.remove('dragged');
+  open(event.dataTransfer.files[0]);
+});
+showStart();
