@@ -8,6 +8,7 @@
 
 #include "errors.h"
 #include "files.h"
+#include "pages.h"
 #include "raw_document.h"
 #include "reports.h"
 
@@ -41,6 +42,7 @@ PYBIND11_MODULE(_orvml, module) {
   orvml::python::registerErrors();
   orvml::python::addFiles(module);
   orvml::python::addReports(module);
+  orvml::python::addPages(module);
   module.def("vtk_cell_type", &vtkCellNumber, py::arg("shape"), py::arg("nodes_per_cell"));
   module.def("older_vtk_prism_order", &olderPrismOrder, py::arg("nodes_per_cell"));
   // Older ones take the size of a value from where NumPy 1 has it.

@@ -23,6 +23,7 @@ from ._files import (Exchange, describe, open, open_exchange, read, read_exchang
                      write)
 from ._named import Attributes, Parameters, VectorParameters
 from ._orvml import format_version, version
+from ._pages import report
 from ._questions import check, diff, fingerprint
 from ._reports import (AttributeDescription, CellQuality, CellsDescription, ChangedObject,
                        CheckFinding, CheckReport, Description, Difference, DiffReport,
@@ -41,5 +42,5 @@ __all__ = [
     "MatchedEntity", "Nodes", "NodesDescription", "NotFoundError", "NotPermittedError", "Output",
     "Parameters", "QualityFigure", "RescueReport", "Shape", "StoredArray", "UpgradeReport",
     "VectorParameters", "check", "describe", "diff", "fingerprint", "format_version", "open",
-    "open_exchange", "read", "read_exchange", "rescue", "upgrade", "version", "write",
+    "open_exchange", "read", "read_exchange", "report", "rescue", "upgrade", "version", "write",
 ]

@@ -197,7 +197,16 @@ class Document:
         return _texts.plain(self)
 
     def _repr_html_(self) -> str:
-        return _texts.html(self)
+        from ._pages import frame_of
+
+        return _texts.html(self) + (frame_of(self) or "")
+
+    def report(self, page: "Union[str, os.PathLike[str]]", *, title: str = "",
+               check: bool = True) -> Tuple[str, ...]:
+        """Writes one HTML file that shows the document in any browser, as orvml.report() does."""
+        from ._pages import report
+
+        return report(page, self, title=title, check=check)
 
     def _main_cells(self, cells: Optional[str] = None) -> Cells:
         """The cells of a name, or those of the highest dimension that there are."""

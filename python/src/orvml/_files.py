@@ -139,7 +139,8 @@ def write(path: Path, *documents: Union[Document, Exchange], flush: bool = True)
 
     Args:
         path: The file to be made or replaced.
-        documents: What it is to hold, and all that it is to hold.
+        documents: What it is to hold, and all that it is to hold. A part without nodes or cells has no
+            place in a file, and neither have attributes of it.
         flush: Whether it is on the disk when the function returns, and not only in the memory of
             the system.
 

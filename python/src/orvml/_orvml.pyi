@@ -11,6 +11,7 @@ from ._arrays import AnyArray, Doubles, Ints
 version: str
 format_version: str
 knows_numpy_2: bool
+has_pages: bool
 shape_names: List[str]
 measure_names: List[str]
 
@@ -54,6 +55,8 @@ def check_file(path: str, coincidence_tolerance: float, quality: bool, places: i
 def diff(first: RawDocument, second: RawDocument, absolute: float, relative: float,
          tolerance_of: Mapping[str, Tuple[float, float]],
          match_within: Optional[float]) -> Dict[str, Any]: ...
+def page(documents: Sequence[Tuple[RawDocument, str, Optional[str]]], title: str,
+         check: bool) -> Dict[str, Any]: ...
 def fingerprint(document: RawDocument) -> Dict[str, str]: ...
 def measure(document: RawDocument, entity: str, measure: int) -> Doubles: ...
 def vtk_cell_type(shape: int, nodes_per_cell: int) -> Optional[int]: ...
