@@ -15,7 +15,7 @@ if [ -z "$build" ]; then
   build="$scratch/build"
   cmake -S "$source" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release \
     -DCMAKE_UNITY_BUILD=ON -DCMAKE_UNITY_BUILD_BATCH_SIZE=20 \
-    -DORVML_IO_DEVELOPER=OFF -DORVML_TOOLS=OFF -DORVML_PYTHON=OFF -DBUILD_SHARED_LIBS="$shared" >/dev/null
+    -DORVML_IO_DEVELOPER=OFF -DORVML_TOOLS=OFF -DORVML_PYTHON=OFF -DORVML_VIEWER=OFF -DBUILD_SHARED_LIBS="$shared" >/dev/null
   cmake --build "$build" >/dev/null
 fi
 cmake --install "$build" --prefix "$scratch/first prefix" >/dev/null

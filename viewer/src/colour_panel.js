@@ -2,7 +2,7 @@
 import { classColour, cssColour, rampColour, scaleOf, textureOf } from './colours.js';
 import { h, labelled, printable, section } from './dom.js';
 import { fieldsOfAll, listsOf, unitOf } from './fields.js';
-import { shown } from './numbers.js';
+import { shown, shownWithin } from './numbers.js';
 
 const GROUPS = { difference: 'Differences', measure: 'Quality and size', attribute: 'Attributes' };
 const PLACES = { nodes: 'nodes', edges: 'edges', faces: 'faces', elements: 'elements' };
@@ -83,9 +83,7 @@ export class ColourPanel {
       return;
     }
     const unit = unitOf(field.name);
-    // What is nothing beside the width of the range is left by rounding alone.
-    const least = 1e-6 * (scale.maximum - scale.minimum);
-    const value = (number) => shown(Math.abs(number) < least ? 0 : Number(number.toPrecision(4))) + unit;
+    const value = (number) => shownWithin(number, scale.maximum - scale.minimum) + unit;
     this.legend.setAttribute('aria-label', scale.classes
       ? `Colours of ${printable(field.name)}: ${scale.classes.length} classes`
       : `Colours of ${printable(field.name)} from ${value(scale.minimum)} to ${value(scale.maximum)}`);

@@ -15,6 +15,11 @@ export function shown(value) {
   return String(Number(value.toPrecision(6)));
 }
 
+/** A number as far as it means something in a range of numbers: what is left of 0 by rounding is 0. */
+export function shownWithin(value, width) {
+  return shown(Math.abs(value) < 1e-6 * width ? 0 : Number(value.toPrecision(4)));
+}
+
 export function counted(count) {
   return count.toLocaleString('en-US');
 }

@@ -1,6 +1,6 @@
 // Which parts are shown and how, and what a plane leaves away.
 import { checkbox, h, labelled, section } from './dom.js';
-import { shown } from './numbers.js';
+import { shownWithin } from './numbers.js';
 
 const TITLES = { elements: 'Volume elements', faces: 'Faces', edges: 'Edges', nodes: 'Nodes' };
 
@@ -84,7 +84,7 @@ export class ClipPanel {
     this.before = name;
     const [low, high] = this.#extent(this.normal);
     const offset = low + (high - low) * (this.slider.value / 1000);
-    this.place.value = `${name === 'view' ? 'at' : `${name} =`} ${shown(Number(offset.toPrecision(5)))}`;
+    this.place.value = `${name === 'view' ? 'at' : `${name} =`} ${shownWithin(offset, high - low)}`;
     this.slider.setAttribute('aria-valuetext', this.place.value);
     const sign = this.isTurned.querySelector('input').checked ? -this.facing : this.facing;
     this.app.setClip({ normal: this.normal.map((part) => sign * part), offset: sign * offset });
