@@ -56,6 +56,19 @@ def test_can_be_used_as_a_report(browser, box_file):
     assert page.console() == [] and page.requests() == []
 
 
+def test_shows_either_document_or_both(browser, tmp_path):
+    surface = orvml.Input([[0, 0, 0], [1, 0, 0], [0, 1, 0]], faces=[("triangle", [[0, 1, 2]])])
+    orvml.write(tmp_path / "both.h5", surface, box_of_hexahedra())
+    page = give(browser, tmp_path / "both.h5")
+    kinds = "meshPage.models.map(({kind}) => kind)"
+    assert page.ask(kinds) == ["output"]
+    for choice, shown in (("input", ["input"]), ("both", ["output", "input"]), ("output", ["output"])):
+        page.choose(page.named("Document"), choice)
+        page.wait("meshPage.isReady")
+        assert page.ask(kinds) == shown and len(page.all("canvas")) == len(shown)
+    assert page.console() == [] and page.requests() == []
+
+
 def test_reads_compressed_and_big_endian_files(browser, box_file, tmp_path):
     with h5py.File(box_file) as old, h5py.File(tmp_path / "other.h5", "w") as new:
         def take(name, found):

@@ -136,6 +136,21 @@ def test_hides_and_shows_parts(page):
     assert page.ask("meshPage.views[0].layers.find('edges/0').isVisible")
 
 
+def test_hides_all_shapes_of_a_part_at_once(browser, pages):
+    document = orvml.Input([[0, 0, 0], [1, 0, 0], [1, 1, 0], [0, 1, 0], [2, 0, 0]],
+                           faces=[("quadrilateral", [[0, 1, 2, 3]]), ("triangle", [[1, 4, 2]])])
+    orvml.write(pages / "shapes.h5", document)
+    page = browser.open(page_of(pages / "shapes.h5", pages / "shapes.html"))
+    whole = covered(page.canvas())
+    page.named("All or none").click()
+    assert covered(page.canvas()) == 0
+    assert not any(box.is_selected() for box in page.all(".parts input")[:2])
+    page.all(".parts label")[1].click()
+    assert 0 < covered(page.canvas()) < whole
+    page.named("All or none").click()
+    assert covered(page.canvas()) == whole
+
+
 def test_shows_what_a_colour_belongs_to(page):
     page.choose(page.named("Coloured by"), "faces/attribute/SURFACE")
     shown = page.ask("meshPage.views[0].layers.all.filter((l) => l.isVisible).map((l) => l.entity)")

@@ -23,6 +23,19 @@ function showStart() {
     input, told));
 }
 
+/** Shows one of the documents of a file, or both beside each other. */
+function show(report, choice) {
+  const documents = report.documents.filter((document) => choice === 'both' || document.kind === choice);
+  window.meshPage = new App(root, { ...report, documents });
+  const choices = [...report.documents.map((document) => document.kind), 'both'];
+  const select = h('select', {
+    'aria-label': 'Document', onchange: () => show(report, select.value),
+  }, ...choices.map((kind) => h('option', { value: kind, selected: kind === choice }, kind)));
+  root.querySelector('.top').append(h('p', { class: 'files' },
+    report.documents.length > 1 ? select : null,
+    h('button', { type: 'button', onclick: () => location.reload() }, 'Another file')));
+}
+
 async function open(file) {
   if (!file) {
     return;
@@ -34,11 +47,7 @@ async function open(file) {
         'the command "orvml report" shows it.');
     }
     const report = await readExchange(new Uint8Array(await file.arrayBuffer()), file.name);
-    const documents = report.documents.slice(0, 1);
-    window.meshPage = new App(root, { ...report, documents });
-    root.append(h('button', {
-      type: 'button', class: 'another', onclick: () => { location.reload(); },
-    }, 'Another file'));
+    show(report, report.documents[0].kind);
   } catch (error) {
     showStart();
     told.textContent = error.message;

@@ -40,7 +40,20 @@ export class ShowPanel {
       this.boxes.set(layer.name, box.querySelector('input'));
       return box;
     });
-    return h('fieldset', null, h('legend', null, title), ...boxes);
+    const all = h('legend', null, title);
+    if (layers.length > 1) {
+      all.append(h('button', { type: 'button', onclick: () => this.#toggle(layers) }, 'All or none'));
+    }
+    return h('fieldset', null, all, ...boxes);
+  }
+
+  /** Hides all of some layers, or shows all where one is hidden. */
+  #toggle(layers) {
+    const isShown = layers.every(({ name }) => this.boxes.get(name).checked);
+    for (const { name } of layers) {
+      this.app.views.forEach((view) => view.layers.setVisible(name, !isShown));
+    }
+    this.update();
   }
 
   /** Says what is shown after something else than a box decided it. */
