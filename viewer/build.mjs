@@ -57,7 +57,11 @@ function digest(text) {
 function licences(parts) {
   const texts = parts.map(([name, file]) => `${name}\n\n${readFileSync(file, 'utf8').trim()}`);
   const all = texts.join('\n\n----\n\n');
-  return `<!--\n${all.replaceAll('--', '- -').replaceAll('>', '&gt;')}\n-->`;
+  // Only this ends a comment; the licences stay what they are.
+  if (/--!?>/.test(all)) {
+    throw new Error('a licence holds the end of a comment');
+  }
+  return `<!--\n${all}\n-->`;
 }
 
 function policy(script, style, more = '') {

@@ -98,6 +98,16 @@ def test_tells_what_is_wrong_with_a_file(browser, tmp_path, content, sentence):
     assert len(told) > 10 and told.endswith(sentence)
 
 
+def test_a_bad_file_does_not_take_the_mesh_away(browser, box_file, tmp_path):
+    page = give(browser, box_file)
+    (tmp_path / "bad.h5").write_bytes(b"bad")
+    page.run("const data = new DataTransfer(); data.items.add(new File(['bad'], 'bad.h5'));"
+             "dispatchEvent(new DragEvent('drop', {dataTransfer: data, cancelable: true}))")
+    page.wait("/[^…]$/.test(document.querySelector('.told')?.textContent ?? '')")
+    assert "bad.h5" in page.find(".told").text
+    assert len(page.all("canvas")) == 1
+
+
 def test_foreign_files_are_no_exchange_files(browser, tmp_path):
     with h5py.File(tmp_path / "foreign.h5", "w") as file:
         file["data"] = np.arange(5)

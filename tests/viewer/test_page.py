@@ -1,5 +1,6 @@
 """The page of a report in a real browser: every control is used, and what it is for is seen."""
 import base64
+import os
 import pathlib
 import re
 import subprocess
@@ -123,7 +124,7 @@ def test_hides_and_shows_parts(page):
     whole = covered(page.canvas())
     boxes = page.all(".parts label")
     names = [box.text for box in boxes]
-    assert names[:4] == ["24 hexahedra of 8 nodes", "12 quadrilaterals of 4 nodes", "1 lines of 2 nodes",
+    assert names[:4] == ["24 hexahedra of 8 nodes", "12 quadrilaterals of 4 nodes", "1 line of 2 nodes",
                          "60 nodes"]
     boxes[0].click()
     assert covered(page.canvas()) == 0
@@ -275,12 +276,13 @@ def test_tools_of_the_view(page):
     wide = page.ask("document.querySelector('.scene').clientWidth")
     page.named("Panel").click()
     assert page.ask("document.querySelector('.scene').clientWidth") > wide
+    assert page.named("Panel").get_attribute("aria-expanded") == "false"
     page.named("Panel").click()
     light = page.picture(".scene")[5, 5].sum()
     page.named("Light or dark").click()
-    page.named("Light or dark").click()
     assert page.picture(".scene")[5, 5].sum() < light - 200
     page.named("Light or dark").click()
+    assert page.picture(".scene")[5, 5].sum() == light
 
 
 def test_saves_a_picture(page, tmp_path):
@@ -301,6 +303,10 @@ def test_keys_turn_move_and_zoom(page):
         before = page.ask("JSON.stringify(meshPage.views[0].stage.camera)")
         canvas.send_keys(keys)
         assert page.ask("JSON.stringify(meshPage.views[0].stage.camera)") != before, repr(keys)
+    canvas.send_keys("o")
+    pressed = page.named("Orthographic").get_attribute("aria-pressed")
+    canvas.send_keys("o")
+    assert page.named("Orthographic").get_attribute("aria-pressed") != pressed
 
 
 def test_mouse_turns_pans_and_zooms(page):
@@ -485,12 +491,20 @@ def test_every_control_has_a_key(page):
 
 
 def test_prints(page, tmp_path):
-    data = base64.b64decode(page.command("Page.printToPDF", printBackground=True)["data"])
-    (tmp_path / "page.pdf").write_bytes(data)
+    page.choose(page.named("Coloured by"), "elements/attribute/load")
+    data = base64.b64decode(page.command("Page.printToPDF", printBackground=False)["data"])
     assert data.startswith(b"%PDF") and len(data) > 20_000
     page.run("dispatchEvent(new Event('beforeprint'))")
     assert page.ask("document.querySelectorAll('details:not([open])').length") == 0
     page.prefer("dark", "print")
+    # The canvas is not drawn again for the shape of the sheet, so it must not be stretched; the legend needs its
+    # colours where browsers leave backgrounds out.
+    assert page.ask("getComputedStyle(meshPage.views[0].canvas).objectFit") == "contain"
+    for part in (".ramp .bar", ".histogram"):
+        assert page.ask(f"getComputedStyle(document.querySelector('{part}')).printColorAdjust") == "exact"
+    sticking = page.ask("[...document.querySelectorAll('.panels *')].filter((e) => e.getClientRects().length &&"
+                        " !e.closest('svg') && e.getBoundingClientRect().right > innerWidth + 1).length")
+    assert sticking == 0
     assert page.ask("getComputedStyle(document.querySelector('.toolbar')).display") == "none"
     assert page.ask("getComputedStyle(document.documentElement).getPropertyValue('--panel').trim()") == "#ffffff"
     page.run("dispatchEvent(new Event('afterprint'))")
@@ -508,7 +522,131 @@ def test_without_graphics_there_are_pictures(browser_without_graphics, box_page)
     assert page.console() == [] and page.requests() == []
 
 
+def test_without_graphics_nothing_is_offered_that_moves(browser_without_graphics, box_page):
+    page = browser_without_graphics.open(box_page)
+    assert not page.find(".moving").is_displayed()
+    assert page.find("canvas").get_attribute("tabindex") is None
+    assert "Arrows" not in page.find("canvas").accessible_name
+
+
+def test_without_graphics_nodes_and_missing_values_are_drawn(browser_without_graphics, pages):
+    points = orvml.Input([[0, 0, 0], [1, 2, 3], [4, 5, 6]])
+    orvml.write(pages / "points.h5", points)
+    page = browser_without_graphics.open(page_of(pages / "points.h5", pages / "points.html"))
+    assert (hue_distance(page.canvas(), (10, 110, 117)) < 0.1).mean() > 1e-4
+    document = box_of_hexahedra()
+    document.elements.attributes["none"] = np.full(24, np.nan)
+    orvml.write(pages / "none.h5", document)
+    page.open(page_of(pages / "none.h5", pages / "none.html"))
+    page.choose(page.named("Coloured by"), "elements/attribute/none")
+    assert (hue_distance(page.canvas(), (253, 231, 37)) < 0.1).mean() == 0
+    assert page.find(".legend").text.split("\n") == ["none", "no value"]
+
+
 # Shapes and sizes
+
+
+def far_away(side=0.1, place=(5e6, 6e6, 0)):
+    document = box_of_hexahedra((6, 6, 6))
+    document.points = document.points * side + place
+    return document
+
+
+def test_meshes_far_from_the_origin_are_cut_and_read(browser, pages):
+    orvml.write(pages / "far.h5", far_away())
+    page = browser.open(page_of(pages / "far.h5", pages / "far.html"))
+    page.unfold("Clip plane")
+    page.choose(page.named("Plane"), "x")
+    kept = []
+    for place in (200, 500, 900):
+        page.run("document.querySelector('input[type=range]').value = arguments[0];"
+                 "document.querySelector('input[type=range]').dispatchEvent(new Event('input'))", place)
+        kept.append(page.ask("meshPage.views[0].layers.kept.get('elements').reduce((sum, one) => sum + one, 0)"))
+    assert kept == [36, 108, 180]
+    assert page.find("output").text.startswith("x = 5000000.")
+    page.unfold("Quality")
+    counts = page.ask("meshPage.models[0].histograms.find((one) => one.measure === 'aspect ratio').counts")
+    assert sum(1 for count in counts if count) == 1  # equal cells are equal
+    page.choose(page.named("Plane"), "")
+    page.choose(page.named("Find"), "nodes")
+    page.type(page.named("number"), 100)
+    page.named("Go").click()
+    shown = page.run("return document.querySelector('.selection dd').textContent").split(", ")
+    np.testing.assert_allclose([float(part) for part in shown], far_away().points[100], rtol=2e-9)
+
+
+def test_tiny_meshes_are_as_large_as_others(browser, pages):
+    orvml.write(pages / "tiny.h5", far_away(3e-40, 0))
+    page = browser.open(page_of(pages / "tiny.h5", pages / "tiny.html"))
+    assert covered(page.canvas()) > 0.1
+    assert page.console() == []
+
+
+def test_hidden_shapes_leave_a_closed_body(browser, pages):
+    points = [[x, y, z] for z in (0, 1) for y in (0, 1) for x in (0, 1)] + [[2, 0.5, 0], [2, 0.5, 1]]
+    document = orvml.Output(points, elements=[("hexahedron", [[0, 1, 3, 2, 4, 5, 7, 6]]),
+                                              ("prism", [[1, 8, 3, 5, 9, 7]])])
+    orvml.write(pages / "mixed.h5", document)
+    page = browser.open(page_of(pages / "mixed.h5", pages / "mixed.html"))
+    triangles = "meshPage.views[0].layers.find('elements/0').sides.length"
+    lines = "meshPage.views[0].layers.featureLines.get('feature/elements').length / 2"
+    assert page.ask(triangles) == 10
+    page.all(".parts input")[1].click()
+    assert page.ask(triangles) == 12 and page.ask(lines) == 12
+    page.all(".parts input")[1].click()
+    assert page.ask(triangles) == 10
+
+
+def test_a_plane_cuts_nodes_too(page):
+    page.unfold("Show")
+    boxes = page.all(".parts input")
+    boxes[0].click()
+    boxes[3].click()
+    page.unfold("Clip plane")
+    page.choose(page.named("Plane"), "x")
+    assert page.ask("meshPage.views[0].layers.find('nodes').nodes.length") == 36
+    page.choose(page.named("Plane"), "")
+    assert page.ask("meshPage.views[0].layers.find('nodes').nodes.length") == 60
+
+
+def test_faces_among_the_elements_are_shown(browser, pages):
+    flat = orvml.Input([[0, 0], [1, 0], [1, 1], [0, 1]], elements=[("triangle", [[0, 1, 2], [0, 2, 3]])])
+    orvml.write(pages / "elements.h5", flat)
+    page = browser.open(page_of(pages / "elements.h5", pages / "elements.html"))
+    assert page.ask("meshPage.views[0].layers.find('elements/0').sides.length") == 2
+    assert page.ask("meshPage.models[0].notes") == []
+
+
+def test_values_that_hardly_differ_are_told_apart(browser, pages):
+    document = box_of_hexahedra()
+    document.elements.attributes["fine"] = 1e6 + np.linspace(0, 0.026, 24)
+    document.elements.attributes["same"] = np.full(24, 7.25)
+    orvml.write(pages / "fine.h5", document)
+    page = browser.open(page_of(pages / "fine.h5", pages / "fine.html"))
+    page.choose(page.named("Coloured by"), "elements/attribute/fine")
+    ticks = [tick.text for tick in page.all(".legend .ticks span")]
+    assert len(set(ticks)) == 5 and float(ticks[-1]) == pytest.approx(1e6 + 0.026, rel=1e-9)
+    page.choose(page.named("Coloured by"), "elements/attribute/same")
+    assert page.find(".legend").text.split("\n") == ["same", "7.25"]
+
+
+def test_documents_of_other_sizes_and_places_are_both_seen(browser, pages, box_file):
+    large = box_of_hexahedra()
+    large.points = large.points * 5 + [10, 0, 0]
+    orvml.write(pages / "elsewhere.h5", large)
+    page = browser.open(page_of(box_file, pages / "elsewhere.h5", pages / "sizes.html"))
+    for action in ("", "Fit"):
+        if action:
+            page.named(action).click()
+        assert covered(page.canvas(0)) > 0.001 and covered(page.canvas(1)) > 0.05
+
+
+def test_what_differs_is_what_is_coloured(browser, pages, box_file):
+    other = box_of_hexahedra()
+    other.nodes.attributes["height"] = np.arange(60.0)
+    orvml.write(pages / "nodes.h5", other)
+    page = browser.open(page_of(box_file, pages / "nodes.h5", pages / "nodes.html"))
+    assert page.named("Coloured by").get_attribute("value") == "nodes/difference/difference"
 
 
 @pytest.mark.parametrize("document", (
@@ -533,7 +671,7 @@ def test_looks_as_it_did(page):
         page.choose(page.named("Coloured by"), field)
         seen = page.picture(".scene")
         target = folder / f"{name}.png"
-        if not target.exists():
+        if "ORVML_RECORD_PICTURES" in os.environ:
             Image.fromarray(seen.astype(np.uint8)).save(target)
         kept = np.asarray(Image.open(target).convert("RGB")).astype(int)
         assert kept.shape == seen.shape
@@ -563,3 +701,8 @@ def test_two_hundred_thousand_faces_are_below_ten_megabytes(browser, tmp_path):
     page = browser.open(made)
     assert covered(page.canvas()) > 0.1
     assert page.ask("meshPage.views[0].layers.find('faces/0').sides.length") == len(faces)
+    # Three times what it takes on a machine that does nothing else; scripts/bench_viewer measures.
+    assert page.ask("meshPage.firstFrame") < 3000
+    page.run("meshPage.views[0].stage.turn(0.1, 0)")
+    moved = page.ask("meshPage.views[0].stage.layers.get('faces/0').userData.coarse.geometry.attributes.share.count / 3")
+    assert 1000 < moved <= 16000

@@ -1,22 +1,21 @@
 // What a document is and who made it.
 import { h, named, section } from './dom.js';
-import { bytesShown, counted, plural, shown } from './numbers.js';
+import { bytesShown, counted, countedShapes, shown } from './numbers.js';
 
 function rowsOf(model) {
   const { identification, file, boundingBox } = model;
   const box = boundingBox && model.boundingBox.minimum.map((low, axis) =>
-    `${'xyz'[axis]}: ${shown(Number(low.toPrecision(6)))} to ` +
-    `${shown(Number(boundingBox.maximum[axis].toPrecision(6)))}`).join(', ');
+    `${'xyz'[axis]}: ${shown(low, 9)} to ${shown(boundingBox.maximum[axis], 9)}`).join(', ');
   return [
     ['Document', `${model.kind}, dimension ${model.dimension}`],
-    ['Module', named(identification.module)],
-    ['Version of its format', named(identification.moduleFormatVersion)],
-    ['Made by', named(identification.creator)],
+    ['Module', identification.module && named(identification.module)],
+    ['Version of its format', identification.moduleFormatVersion && named(identification.moduleFormatVersion)],
+    ['Made by', identification.creator && named(identification.creator)],
     ['Nodes', counted(model.counts.nodes)],
     ...['edges', 'faces', 'elements'].filter((entity) => model.counts[entity]).map((entity) => [
       entity[0].toUpperCase() + entity.slice(1),
       model.shapes.filter((shape) => shape.entity === entity).map((shape) =>
-        `${counted(shape.count)} ${plural(shape.shape)} of ${shape.nodesPerCell} nodes`).join(', '),
+        `${countedShapes(shape.count, shape.shape)} of ${shape.nodesPerCell} nodes`).join(', '),
     ]),
     ['Bounding box', box],
     ['File', file && `${bytesShown(file.bytes)}, format ${file.formatVersion}`],

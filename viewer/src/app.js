@@ -2,17 +2,15 @@
 import { aboutSection } from './about_panel.js';
 import { ColourPanel } from './colour_panel.js';
 import { h, icon, printable } from './dom.js';
-import { fieldsOf } from './fields.js';
+import { fieldsOf, listsOf } from './fields.js';
 import { differencesSection, findingsSection } from './findings_panel.js';
 import { histogramSection } from './histogram_panel.js';
 import { bytesShown, counted } from './numbers.js';
 import { SelectionPanel } from './selection_panel.js';
 import { ClipPanel, ShowPanel } from './show_panel.js';
-import { textureFrom, VIEWS } from './stage.js';
+import { ballOf, textureFrom, VIEWS } from './stage.js';
 import { attributesSection, parametersSection } from './table_panel.js';
 import { View } from './view.js';
-
-const THEMES = ['auto', 'light', 'dark'];
 
 /** The feature edges of more triangles take longer than a person waits for a first look. */
 const MOST_FOR_FEATURES = 400000;
@@ -30,6 +28,8 @@ export class App {
     this.root = root;
     this.report = report;
     this.models = report.documents;
+    this.ball = ballOf(this.models.map((model) => model.mesh.nodes.coordinates));
+    this.isFlat = this.models.every((model) => model.dimension === 2);
     this.views = this.models.map((model) => new View(this, model));
     this.live = h('p', { class: 'unseen', role: 'status', 'aria-live': 'polite' });
     document.title = `${printable(report.title)} – mesh`;
@@ -48,6 +48,8 @@ export class App {
     this.hasFeatures = false;
     this.root.classList.toggle('pictures', !this.isDrawn);
     this.#linkCameras();
+    this.views[0].stage.listeners.add((stage) =>
+      this.projection.setAttribute('aria-pressed', String(stage.isOrthographic)));
     this.useTheme();
     matchMedia('(prefers-color-scheme: dark)').addEventListener('change', () => this.useTheme());
     this.#addPanels();
@@ -76,7 +78,8 @@ export class App {
     const fields = this.colours.fields.filter((field) => field.role === 'difference');
     // What both have can be compared.
     const isShared = (field) => this.models.every((model) => fieldsOf(model).some(({ id }) => id === field.id));
-    const field = fields.find(isShared) ?? fields[0];
+    const differs = (field) => listsOf(this.models, field.id).some((list) => list.some((value) => value > 0));
+    const field = fields.find((one) => isShared(one) && differs(one)) ?? fields.find(differs) ?? fields[0];
     if (field) {
       this.colours.choose(field.id);
     }
@@ -127,23 +130,28 @@ export class App {
   }
 
   #toolbar() {
+    // It goes back to its title: what is turned by hand is none of these views any more.
     const look = h('select', {
       'aria-label': 'View from', class: 'tool', onchange: () => {
         this.each((stage) => stage.look(look.value));
         this.said(`View from ${look.value}`);
+        look.value = '';
       },
-    }, ...Object.keys(VIEWS).map((name) => h('option', { value: name }, name[0].toUpperCase() + name.slice(1))));
+    }, h('option', { value: '', hidden: true }, 'View'),
+    ...Object.keys(VIEWS).map((name) => h('option', { value: name }, name[0].toUpperCase() + name.slice(1))));
     this.projection = button('projection', 'Orthographic', () => {
       const isWanted = !this.views[0].stage.isOrthographic;
       this.each((stage) => stage.setOrthographic(isWanted));
-      this.projection.setAttribute('aria-pressed', String(isWanted));
     }, { 'aria-pressed': 'false' });
+    const panel = button('panel', 'Panel', () => {
+      const isHidden = this.main.classList.toggle('without-panels');
+      panel.setAttribute('aria-expanded', String(!isHidden));
+    }, { 'aria-expanded': 'true' });
     return h('div', { class: 'toolbar', role: 'toolbar', 'aria-label': 'View' },
       h('span', { class: 'moving' }, look,
         button('fit', 'Fit', () => this.each((stage) => stage.flyTo())), this.projection),
       button('save', 'Save a picture', () => this.savePicture()),
-      button('theme', 'Light or dark', () => this.#nextTheme()),
-      button('panel', 'Panel', () => this.main.classList.toggle('without-panels')));
+      button('theme', 'Light or dark', () => this.#switchTheme()), panel);
   }
 
   #addPanels() {
@@ -161,8 +169,11 @@ export class App {
   }
 
   titleOf(model) {
-    const other = this.models.some((one) => one !== model && one.name === model.name);
-    return other || !model.name ? `${model.name} ${model.kind}`.trim() : model.name;
+    const titles = this.models.map(({ name, kind }) =>
+      (!name || this.models.some((one) => one !== model && one.name === model.name) ? `${name} ${kind}`.trim() : name));
+    const number = this.models.indexOf(model);
+    const isAlone = titles.indexOf(titles[number]) === titles.lastIndexOf(titles[number]);
+    return isAlone ? titles[number] : `${titles[number]} (${number ? 'second' : 'first'})`;
   }
 
   /** Content of one document, below its name where there are two. */
@@ -204,6 +215,8 @@ export class App {
   }
 
   setClip(plane) {
+    // What is marked may be cut away.
+    this.clearSelection();
     this.views.forEach((view) => view.layers.setClip(plane));
   }
 
@@ -239,11 +252,11 @@ export class App {
     return [1, 3, 5].map((at) => parseInt(hex.slice(at, at + 2), 16) / 255);
   }
 
-  #nextTheme() {
+  #switchTheme() {
     const root = document.documentElement;
-    const next = THEMES[(THEMES.indexOf(root.dataset.theme ?? 'auto') + 1) % THEMES.length];
-    root.dataset.theme = next;
-    this.said(`Colours of the page: ${next}`);
+    const isDark = getComputedStyle(root).colorScheme === 'dark';
+    root.dataset.theme = isDark ? 'light' : 'dark';
+    this.said(`The page is ${root.dataset.theme} now`);
     this.useTheme();
   }
 
@@ -280,7 +293,11 @@ export class App {
     });
     addEventListener('afterprint', () => {
       closed.forEach((part) => { part.open = false; });
-      root.dataset.theme = theme ?? 'auto';
+      if (theme) {
+        root.dataset.theme = theme;
+      } else {
+        delete root.dataset.theme;
+      }
       this.useTheme();
     });
   }

@@ -69,8 +69,8 @@ export class ColourPanel {
     const { field, scale } = this;
     this.range.hidden = !field || Boolean(scale.classes);
     if (field && !scale.classes) {
-      this.minimum.value = Number(scale.minimum.toPrecision(5));
-      this.maximum.value = Number(scale.maximum.toPrecision(5));
+      this.minimum.value = shownWithin(scale.minimum, scale.maximum - scale.minimum);
+      this.maximum.value = shownWithin(scale.maximum, scale.maximum - scale.minimum);
     }
     this.app.colourBy(field, scale, field && textureOf(scale));
     this.#showLegend();
@@ -88,14 +88,20 @@ export class ColourPanel {
       ? `Colours of ${printable(field.name)}: ${scale.classes.length} classes`
       : `Colours of ${printable(field.name)} from ${value(scale.minimum)} to ${value(scale.maximum)}`);
     this.legend.replaceChildren(h('p', { class: 'legend-title' }, h('bdi', null, printable(field.name))),
-      scale.classes ? this.#classes() : this.#ramp(value));
+      scale.classes ? this.#classes(unit) : this.#ramp(value), this.#gaps());
   }
 
-  #classes() {
+  /** What grey stands for. */
+  #gaps() {
+    return this.scale.hasGaps
+      ? h('p', { class: 'gaps' }, h('span', { class: 'swatch none' }), 'no value') : '';
+  }
+
+  #classes(unit) {
     const names = this.field.role === 'difference' ? DIFFERENCE_CLASSES : null;
     return h('ul', { class: 'classes' }, ...this.scale.classes.map((value, i) => h('li', null,
       h('span', { class: 'swatch', style: { background: cssColour(classColour(this.scale, i)) } }),
-      names?.[value] ?? shown(value))));
+      names?.[value] ?? shown(value, 9) + unit)));
   }
 
   #ramp(value) {

@@ -19,7 +19,7 @@ const DIFFERENCES = { classes: [0, 1, 2], palette: [[173, 181, 189], [240, 160, 
 const MOST_CLASSES = PALETTE.length;
 
 /** What stands for a value that is none, beyond all that are shown. */
-export const NO_VALUE = 3e38;
+export const NO_VALUE = Math.fround(3e38);
 
 /** The colour of a share from 0 to 1, as three bytes. */
 export function rampColour(share) {
@@ -39,7 +39,7 @@ export function cssColour([red, green, blue]) {
 
 /** RGBA of the ramp, or of classes, for a texture of one line. */
 export function textureOf(scale) {
-  const count = scale.classes ? scale.classes.length : 256;
+  const count = scale.classes ? Math.max(scale.classes.length, 1) : 256;
   const bytes = new Uint8Array(4 * count);
   for (let i = 0; i < count; ++i) {
     bytes.set([...(scale.classes ? classColour(scale, i) : rampColour(i / (count - 1))), 255], 4 * i);
@@ -81,7 +81,12 @@ function extent(lists) {
       }
     }
   }
-  return minimum <= maximum ? { minimum, maximum } : { minimum: 0, maximum: 1 };
+  return { minimum, maximum };
+}
+
+/** Whether a value is missing somewhere. */
+function hasGaps(lists) {
+  return lists.some((list) => list.some((value) => !Number.isFinite(value)));
 }
 
 /**
@@ -97,15 +102,23 @@ export function scaleOf(field, lists) {
   if (field.type === 'int' && field.entity !== 'nodes') {
     const classes = distinct(lists);
     if (classes.length <= MOST_CLASSES) {
-      return { classes, minimum: classes[0], maximum: classes.at(-1) };
+      return { classes };
     }
   }
-  const whole = extent(lists);
+  const whole = { ...extent(lists), hasGaps: hasGaps(lists) };
+  if (!(whole.minimum <= whole.maximum)) {
+    return { classes: [], hasGaps: true }; // no values at all
+  }
+  // Measures of cells that are the same differ by rounding.
+  const rounding = field.role === 'measure' ? 1e-6 * Math.max(Math.abs(whole.minimum), Math.abs(whole.maximum)) : 0;
+  if (whole.maximum - whole.minimum <= rounding) {
+    return { classes: [whole.minimum], isOneValue: true, hasGaps: whole.hasGaps };
+  }
   const sorted = finiteSorted(lists);
   const high = sorted[Math.floor(0.98 * (sorted.length - 1))];
   const low = sorted[Math.floor(0.02 * (sorted.length - 1))];
   if (whole.maximum - whole.minimum > 100 * (high - low) && high > low) {
-    return { minimum: Math.max(whole.minimum, low), maximum: Math.min(whole.maximum, high), whole };
+    return { ...whole, minimum: Math.max(whole.minimum, low), maximum: Math.min(whole.maximum, high), whole };
   }
   return { ...whole, whole };
 }
@@ -113,14 +126,15 @@ export function scaleOf(field, lists) {
 /** Where the value lies in the texture, from 0 to 1; NO_VALUE for one that is none. */
 export function shareOf(scale, value) {
   if (scale.classes) {
-    const number = scale.classes.indexOf(value);
+    const number = scale.isOneValue && Number.isFinite(value) ? 0 : scale.classes.indexOf(value);
     return number < 0 ? NO_VALUE : (number + 0.5) / scale.classes.length;
   }
   if (!Number.isFinite(value)) {
     return NO_VALUE;
   }
-  const width = scale.maximum - scale.minimum;
-  return width > 0 ? Math.min(Math.max((value - scale.minimum) / width, 0), 1) : 0.5;
+  // Halves have a difference, however large the numbers are.
+  const width = scale.maximum / 2 - scale.minimum / 2;
+  return width > 0 ? Math.min(Math.max((value / 2 - scale.minimum / 2) / width, 0), 1) : 0.5;
 }
 
 /** A colour for a value, with grey for none. */
@@ -129,5 +143,5 @@ export function colourOf(scale, value) {
   if (share === NO_VALUE) {
     return [150, 150, 150];
   }
-  return scale.classes ? classColour(scale, scale.classes.indexOf(value)) : rampColour(share);
+  return scale.classes ? classColour(scale, Math.floor(share * scale.classes.length)) : rampColour(share);
 }

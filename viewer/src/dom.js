@@ -58,9 +58,12 @@ export function named(text, tag = 'bdi') {
   return h(tag, { class: 'name' }, printable(text));
 }
 
+/** What is of no use on paper. */
+const CONTROLS = new Set(['Colour', 'Show', 'Clip plane', 'Selection']);
+
 /** A part of the panel that opens and closes. */
 export function section(title, isOpen, ...children) {
-  return h('details', { class: 'section', open: isOpen },
+  return h('details', { class: CONTROLS.has(title) ? 'section control' : 'section', open: isOpen },
     h('summary', null, h('h2', null, title)), h('div', { class: 'body' }, ...children));
 }
 

@@ -41,6 +41,7 @@ async function open(file) {
     return;
   }
   told.textContent = `Reading ${printable(file.name)} …`;
+  root.append(told); // over a mesh that is shown already
   try {
     if (file.size > MOST_BYTES) {
       throw new Error(`The file has more than ${MOST_BYTES / 1e9} GB, which a browser does not hold; ` +
@@ -49,7 +50,9 @@ async function open(file) {
     const report = await readExchange(new Uint8Array(await file.arrayBuffer()), file.name);
     show(report, report.documents[0].kind);
   } catch (error) {
-    showStart();
+    if (!window.meshPage) {
+      showStart();
+    }
     told.textContent = error.message;
   }
 }

@@ -69,7 +69,13 @@ function barOf(value, minimum, maximum, bins) {
 export function histogramOf(values, bins = 40, hasTail = false) {
   const finite = those(values, Number.isFinite);
   const minimum = finite.length ? leastOf(finite) : null;
-  const maximum = endOfBars(finite, hasTail);
+  let maximum = endOfBars(finite, hasTail);
+  // What is left by rounding is no distribution.
+  if (maximum - minimum <= 1e-6 * Math.max(Math.abs(minimum), Math.abs(maximum)) &&
+      greatestOf(finite) <= maximum) {
+    finite.fill(minimum);
+    maximum = minimum;
+  }
   const counts = new Array(bins).fill(0);
   let beyond = 0;
   for (let i = 0; i < finite.length; ++i) {

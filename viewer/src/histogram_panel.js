@@ -2,7 +2,7 @@
 import { cssColour, rampColour } from './colours.js';
 import { h, s, section } from './dom.js';
 import { ENTITIES } from './fields.js';
-import { counted, shown } from './numbers.js';
+import { counted, shown, shownWithin } from './numbers.js';
 
 const WIDTH = 320;
 const HEIGHT = 84;
@@ -26,7 +26,8 @@ function at({ minimum, maximum, counts }, i) {
 
 function figure(app, histogram) {
   const { measure, unit, minimum, maximum, cells, without, beyond, entity } = histogram;
-  const ends = [minimum, maximum].map((value) => shown(Number(value.toPrecision(4))) + (unit ? ` ${unit}` : ''));
+  const ends = [minimum, maximum].map((value) =>
+    shownWithin(value, maximum - minimum) + (unit === 'degrees' ? '°' : unit));
   const told = `${measure} of ${counted(cells)} ${entity}: ${ends[0]} to ${ends[1]}` +
     (beyond ? `; ${counted(beyond)} are above that` : '') + (without ? `; ${counted(without)} have none` : '');
   const id = `${entity}/measure/${measure}`;

@@ -2,7 +2,7 @@
 import { outlineOf } from './cell_shapes.js';
 import { coarsened, MOST_MOVED } from './coarse.js';
 import { colourOf, NO_VALUE, shareOf } from './colours.js';
-import { counted, plural } from './numbers.js';
+import { counted, countedShapes } from './numbers.js';
 import {
   centresOf, featureEdgesOf, neighboursOf, outerFacesOf, placeOf, trianglesOfGroup,
 } from './surface.js';
@@ -38,7 +38,7 @@ export class Layers {
       cells,
       number,
       kind: group.shape === 'line' ? 'lines' : 'surface',
-      label: `${counted(group.count)} ${cells.isSkin ? 'outer ' : ''}${plural(group.shape)} ` +
+      label: `${countedShapes(group.count, group.shape, cells.isSkin ? 'outer ' : '')} ` +
         `of ${group.nodesPerCell} nodes`,
       isVisible: false,
     })));
@@ -75,12 +75,45 @@ export class Layers {
     if (!layer) {
       return;
     }
+    const isChanged = layer.isVisible !== isVisible;
     layer.isVisible = isVisible;
+    if (isChanged) {
+      this.featureLines?.clear();
+      this.#openBody(layer);
+    }
     if (isVisible && !layer.nodes) {
       this.#build(layer);
     }
     this.stage.setVisible(name, isVisible);
     this.#showFeatures();
+  }
+
+  /** Has the other elements show the faces that a hidden or shown shape leaves open. */
+  #openBody(changed) {
+    for (const layer of changed.entity === 'elements' ? this.all : []) {
+      if (layer.entity === 'elements' && layer !== changed && layer.nodes && !layer.cells.isSkin) {
+        layer.nodes = null;
+        if (layer.isVisible) {
+          this.#build(layer);
+        }
+      }
+    }
+  }
+
+  /** For each cell of an entity whether it is there; null for all. */
+  #keptOf(layer) {
+    const behind = this.kept.get(layer.entity);
+    const hidden = this.all.filter((other) => other.entity === layer.entity && !other.isVisible && other !== layer);
+    if (layer.entity !== 'elements' || !hidden.length || layer.cells.isSkin) {
+      return behind ?? null;
+    }
+    const count = layer.cells.groups.reduce((sum, group) => sum + group.count, 0);
+    const kept = behind ? behind.slice() : new Uint8Array(count).fill(1);
+    for (const other of hidden) {
+      const { first, group } = this.#groupOf(other);
+      kept.fill(0, first, first + group.count);
+    }
+    return kept;
   }
 
   /** Shows the cells of one kind alone, whose values are looked at. */
@@ -92,7 +125,9 @@ export class Layers {
 
   #build(layer) {
     if (layer.kind === 'points') {
-      layer.nodes = Int32Array.from({ length: this.model.mesh.nodes.count }, (_, node) => node);
+      const all = Int32Array.from({ length: this.model.mesh.nodes.count }, (_, node) => node);
+      layer.nodes = this.plane
+        ? all.filter((node) => this.#distance(this.model.mesh.nodes.coordinates, node) <= 0) : all;
       layer.owners = layer.nodes;
     } else if (layer.kind === 'lines') {
       this.#buildLines(layer);
@@ -166,7 +201,7 @@ export class Layers {
 
   #buildSurface(layer) {
     const { cells, entity } = layer;
-    const kept = this.kept.get(entity) ?? null;
+    const kept = this.#keptOf(layer);
     if (entity === 'elements' && !cells.isSkin) {
       cells.outer ??= outerFacesOf(cells);
     }
@@ -271,8 +306,8 @@ export class Layers {
   #buildFeatures(name, layers) {
     this.featureLines ??= new Map();
     if (!this.featureLines.has(name)) {
-      const surfaces = layers.map((layer) => (layer.nodes && !this.kept.size ? layer
-        : trianglesOfGroup(layer.cells, layer.number)));
+      const surfaces = layers.filter((layer) => layer.isVisible).map((layer) =>
+        (this.kept.size ? trianglesOfGroup(layer.cells, layer.number) : layer));
       this.featureLines.set(name, featureEdgesOf(surfaces, this.model.mesh.nodes.coordinates));
     }
     const nodes = this.#onKeptSide(this.featureLines.get(name));
@@ -316,7 +351,7 @@ export class Layers {
       }
       this.kept.set(cells.entity, kept);
     }
-    for (const layer of this.all.filter((other) => other.nodes && other.kind !== 'points')) {
+    for (const layer of this.all.filter((other) => other.nodes)) {
       layer.nodes = null;
       if (layer.isVisible) {
         this.#build(layer);

@@ -1,7 +1,10 @@
 // Numbers as people read them.
 
-/** @param {number|string} value */
-export function shown(value) {
+/**
+ * @param {number|string} value
+ * @param {number} digits that are significant; 6 are what a person compares, 9 what a page carries
+ */
+export function shown(value, digits = 6) {
   if (typeof value !== 'number') {
     return String(value);
   }
@@ -9,15 +12,19 @@ export function shown(value) {
     return String(value);
   }
   const size = Math.abs(value);
-  if (size !== 0 && (size < 1e-4 || size >= 1e7)) {
-    return value.toExponential(4).replace(/\.?0+e/, 'e').replace('e+', 'e');
+  if (size !== 0 && (size < 1e-4 || size >= 1e10)) {
+    return value.toExponential(Math.min(digits, 17) - 1).replace(/\.?0+e/, 'e').replace('e+', 'e');
   }
-  return String(Number(value.toPrecision(6)));
+  return String(Number(value.toPrecision(digits)));
 }
 
-/** A number as far as it means something in a range of numbers: what is left of 0 by rounding is 0. */
+/** A number with as many digits as tell it from others of a range; what is left of 0 by rounding is 0. */
 export function shownWithin(value, width) {
-  return shown(Math.abs(value) < 1e-6 * width ? 0 : Number(value.toPrecision(4)));
+  if (Math.abs(value) < 1e-6 * width) {
+    return '0';
+  }
+  const lost = width > 0 ? Math.log10(Math.abs(value) / width) : 0;
+  return shown(value, Math.min(Math.max(Math.ceil(lost) + 4, 4), 15));
 }
 
 export function counted(count) {
@@ -26,8 +33,9 @@ export function counted(count) {
 
 const MORE = { tetrahedron: 'tetrahedra', hexahedron: 'hexahedra' };
 
-export function plural(shape) {
-  return MORE[shape] ?? `${shape}s`;
+/** Such as "1 tetrahedron" or "1,200 tetrahedra". */
+export function countedShapes(count, shape, adjective = '') {
+  return `${counted(count)} ${adjective}${count === 1 ? shape : MORE[shape] ?? `${shape}s`}`;
 }
 
 export function bytesShown(bytes) {

@@ -12,7 +12,7 @@ const SIDES = [
 const PIXELS = 640;
 
 export class Pictures {
-  constructor(canvas, coordinates, isFlat) {
+  constructor(canvas, isFlat) {
     this.canvas = canvas;
     this.sides = isFlat ? SIDES.slice(3) : SIDES;
     this.layers = new Map();
@@ -128,19 +128,53 @@ export class Pictures {
     return scene;
   }
 
-  /** Lines of the mesh, each kind with its colour, and those of marks last. */
+  /** Lines of the mesh and points as crosses, by their colours, and those of marks last. */
   #lines() {
-    const lines = [...this.layers.values()].filter((layer) => layer.isVisible && layer.kind === 'lines')
-      .map(({ positions, colour }) => ({ positions, colour: colour.map((part) => Math.round(255 * part)) }));
-    if (this.places?.lines.length) {
+    const visible = [...this.layers.values()].filter((layer) => layer.isVisible && layer.kind !== 'surface');
+    const arm = 0.008 * Math.max(...[...this.layers.values()].map(({ positions }) => widthOf(positions)), 0);
+    const lines = visible.flatMap((layer) => byColour(layer, arm));
+    if (this.places) {
       const { points, lines: pairs, colour } = this.places;
-      lines.push({
-        positions: Float32Array.from(pairs.flatMap((pair) => pair.flatMap((end) => points[end]))),
-        colour: colour.map((part) => Math.round(255 * part)),
-      });
+      const positions = pairs.length ? pairs.flatMap((pair) => pair.flatMap((end) => points[end]))
+        : points.flatMap((point) => crossAt(point, 2 * arm));
+      lines.push({ positions: Float32Array.from(positions), colour: colour.map((part) => Math.round(255 * part)) });
     }
     return lines;
   }
+}
+
+/** The longest side of the box of some positions. */
+function widthOf(positions) {
+  const low = [Infinity, Infinity, Infinity];
+  const high = [-Infinity, -Infinity, -Infinity];
+  positions.forEach((value, i) => {
+    low[i % 3] = Math.min(low[i % 3], value);
+    high[i % 3] = Math.max(high[i % 3], value);
+  });
+  return positions.length ? Math.max(...high.map((value, axis) => value - low[axis])) : 0;
+}
+
+/** Three lines that meet in a point. */
+function crossAt(point, arm) {
+  return [0, 1, 2].flatMap((axis) => [-arm, arm].flatMap((shift) =>
+    point.map((value, i) => (i === axis ? value + shift : value))));
+}
+
+/** The lines or points of a layer, those of one colour together. */
+function byColour(layer, arm) {
+  const arePoints = layer.kind === 'points';
+  const size = arePoints ? 3 : 6;
+  const colours = new Map();
+  for (let i = 0; i < layer.positions.length; i += size) {
+    const colour = colourAt(layer, i / 3);
+    const key = [...colour].join();
+    if (!colours.has(key)) {
+      colours.set(key, { colour: [...colour], positions: [] });
+    }
+    const ends = [...layer.positions.subarray(i, i + size)];
+    colours.get(key).positions.push(...(arePoints ? crossAt(ends, arm) : ends));
+  }
+  return [...colours.values()].map(({ colour, positions }) => ({ colour, positions: Float32Array.from(positions) }));
 }
 
 function colourAt({ shares, texture, colour }, i) {

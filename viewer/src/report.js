@@ -6,7 +6,9 @@ import { unpack } from './unpack.js';
 const root = document.getElementById('app');
 const [data, arrays] = ['report', 'arrays'].map((id) => document.getElementById(id));
 
-unpack(data.textContent, arrays.textContent).then((report) => {
+const damaged = () => { throw new Error('The page is damaged: its data cannot be unpacked.'); };
+
+unpack(data.textContent, arrays.textContent).catch(damaged).then((report) => {
   arrays.remove(); // its text takes more memory than the mesh
   window.meshPage = new App(root, report);
 }).catch((error) => {

@@ -7,8 +7,8 @@ import { placeOf } from './surface.js';
 const ONE = { elements: 'element', faces: 'face', edges: 'edge', nodes: 'node' };
 
 function valueRows(values) {
-  return values.filter(({ role }) => role !== 'difference').flatMap(({ name, value }) =>
-    [h('dt', null, named(name)), h('dd', null, shown(value) + unitOf(name))]);
+  return values.filter(({ role }) => role !== 'difference').flatMap(({ name, role, value }) =>
+    [h('dt', null, named(name)), h('dd', null, shown(value, role === 'measure' ? 6 : 9) + unitOf(name))]);
 }
 
 function nodeFacts(model, node) {
@@ -17,7 +17,7 @@ function nodeFacts(model, node) {
   return [
     h('h3', null, `Node ${numberOf(nodes, node)}`),
     h('dl', { class: 'facts' }, h('dt', null, 'Coordinates'),
-      h('dd', null, point.map((value) => shown(Number(value.toPrecision(8)))).join(', ')),
+      h('dd', null, point.map((value) => shown(value, 9)).join(', ')),
       ...valueRows(valuesAt(nodes.fields, node))),
   ];
 }
@@ -58,9 +58,13 @@ export class SelectionPanel {
   #go() {
     const number = this.number.valueAsNumber;
     const entity = this.kind.value;
+    if (!Number.isInteger(number)) {
+      this.told.textContent = 'Numbers are whole, from 0.';
+      return;
+    }
     const found = this.app.views.map((view) => ({ view, index: view.find(entity, number) }))
       .filter(({ index }) => index >= 0);
-    this.told.textContent = found.length ? '' : `There is no ${ONE[entity]} ${counted(number || 0)} here.`;
+    this.told.textContent = found.length ? '' : `There is no ${ONE[entity]} ${counted(number)} here.`;
     found.forEach(({ view, index }) => view.goTo(view.layers.outlineOf(entity, index), `${ONE[entity]} ${number}`));
     if (found.length) {
       this.show(found.map(({ view, index }) => ({ view, entity, index, node: entity === 'nodes' ? index : null })));

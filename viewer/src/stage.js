@@ -108,15 +108,27 @@ function boxOf(coordinates) {
   return box;
 }
 
-/** How far the outermost of some coordinates is from a place; 1 without any. */
+/** How far the outermost of some coordinates is from a place; 0 without any. */
 function reachOf(coordinates, place) {
-  let reach = -1;
+  let reach = 0;
   for (let i = 0; i + 2 < coordinates.length; i += 3) {
     const distance = Math.hypot(
       coordinates[i] - place.x, coordinates[i + 1] - place.y, coordinates[i + 2] - place.z);
-    reach = distance > reach ? distance : reach; // not for a distance that is no number
+    reach = distance > reach && Number.isFinite(distance) ? distance : reach;
   }
-  return reach < 0 || !Number.isFinite(reach) ? 1 : reach;
+  return reach;
+}
+
+/**
+ * The ball that all of some meshes lie in.
+ * @param {Float64Array[]} lists coordinates of each mesh, three each
+ * @returns {{centre: THREE.Vector3, radius: number}} the radius is never 0
+ */
+export function ballOf(lists) {
+  const box = new THREE.Box3();
+  lists.forEach((coordinates) => box.union(boxOf(coordinates)));
+  const centre = box.isEmpty() ? new THREE.Vector3() : box.getCenter(new THREE.Vector3());
+  return { centre, radius: Math.max(...lists.map((coordinates) => reachOf(coordinates, centre))) || 1 };
 }
 
 /** From where standard views look. */
@@ -133,11 +145,11 @@ const STILL_AFTER = 160;
 export class Stage {
   /**
    * @param {HTMLCanvasElement} canvas
-   * @param {Float64Array} coordinates of the mesh, three each
+   * @param {{centre: THREE.Vector3, radius: number}} ball that is looked at, in the unit of the mesh
    * @param {boolean} isFlat whether it lies in the plane and is looked at from above at first
    * Throws where the browser has no WebGL.
    */
-  constructor(canvas, coordinates, isFlat) {
+  constructor(canvas, { centre, radius }, isFlat) {
     this.canvas = canvas;
     // Asked here: the renderer would tell the console, and a page without WebGL is nothing to complain about.
     const context = canvas.getContext('webgl2', { antialias: true, alpha: true, preserveDrawingBuffer: true });
@@ -147,11 +159,9 @@ export class Stage {
     this.renderer = new THREE.WebGLRenderer({ canvas, context });
     this.renderer.setClearColor(0, 0); // what the page has behind it is seen
     this.renderer.outputColorSpace = THREE.LinearSRGBColorSpace;
-    const box = boxOf(coordinates);
-    this.centre = box.isEmpty() ? new THREE.Vector3() : box.getCenter(new THREE.Vector3());
-    this.radius = Math.max(reachOf(coordinates, this.centre), 1e-30);
     // Drawn about the origin and of unit size: 32 bits of the graphics card are few.
-    this.unit = 1 / this.radius;
+    this.centre = centre;
+    this.radius = radius;
     this.scene = new THREE.Scene();
     this.layers = new Map();
     this.marks = new THREE.Group();
@@ -203,7 +213,7 @@ export class Stage {
     const placed = new Float32Array(coordinates.length);
     const centre = this.centre.toArray();
     for (let i = 0; i < placed.length; ++i) {
-      placed[i] = (coordinates[i] - centre[i % 3]) * this.unit;
+      placed[i] = (coordinates[i] - centre[i % 3]) / this.radius;
     }
     return placed;
   }
@@ -458,17 +468,12 @@ export class Stage {
     this.#moved();
   }
 
-  /** Looks from where another stage looks. */
+  /** Looks from where another stage looks, which has the same ball. */
   follow(other) {
     this.setOrthographic(other.isOrthographic);
-    // Of meshes that lie elsewhere the same place in space is looked at.
-    const factor = other.radius * this.unit;
-    const moved = other.centre.clone().sub(this.centre).multiplyScalar(this.unit);
-    this.camera.position.copy(other.camera.position).multiplyScalar(factor).add(moved);
-    this.controls.target.copy(other.controls.target).multiplyScalar(factor).add(moved);
-    if (this.isOrthographic) {
-      this.camera.zoom = other.camera.zoom / factor;
-    }
+    this.camera.position.copy(other.camera.position);
+    this.controls.target.copy(other.controls.target);
+    this.camera.zoom = other.camera.zoom;
     this.camera.updateProjectionMatrix();
     this.camera.lookAt(this.controls.target);
     this.camera.updateMatrixWorld();

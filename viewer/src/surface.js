@@ -69,7 +69,8 @@ export function neighboursOf(cells) {
   const key = new Int32Array(4);
   for (const { group, faces, firstCell, firstFace } of layout) {
     let face = firstFace;
-    for (let cell = 0; cell < group.count; ++cell) {
+    // Cells that are faces themselves have nothing behind them, and hide nothing.
+    for (let cell = 0; cell < group.count && isSolid(group.shape); ++cell) {
       for (const { corners } of faces) {
         keyOf(group.nodes, cell * group.nodesPerCell, corners, key);
         keys.set(key, 4 * face);
@@ -185,7 +186,7 @@ export function trianglesOfGroup(cells, number, kept = null, neighbours = null) 
 /** The middle of each cell of an entity, 3 values each, by its corners and other nodes alike. */
 export function centresOf(cells, coordinates) {
   const count = cells.groups.reduce((sum, group) => sum + group.count, 0);
-  const centres = new Float32Array(3 * count);
+  const centres = new Float64Array(3 * count); // far from the origin 32 bits do not tell cells apart
   let cell = 0;
   for (const group of cells.groups) {
     for (let i = 0; i < group.count; ++i, ++cell) {

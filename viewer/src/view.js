@@ -31,12 +31,11 @@ const KEYS = {
 /** How far a finger may move in CSS pixels for its touch to be a click. */
 const STILL = 5;
 
-function stageOf(canvas, model) {
-  const { coordinates } = model.mesh.nodes;
+function stageOf(canvas, ball, isFlat) {
   try {
-    return new Stage(canvas, coordinates, model.dimension === 2);
+    return new Stage(canvas, ball, isFlat);
   } catch {
-    return new Pictures(canvas, coordinates, model.dimension === 2);
+    return new Pictures(canvas, isFlat);
   }
 }
 
@@ -44,12 +43,9 @@ export class View {
   constructor(app, model) {
     this.app = app;
     this.model = model;
-    const told = `Mesh of ${printable(model.name) || 'a document'}: ${counted(model.counts.nodes)} nodes, ` +
+    this.told = `Mesh of ${printable(model.name) || 'a document'}: ${counted(model.counts.nodes)} nodes, ` +
       `${counted(model.counts.elements)} volume elements, ${counted(model.counts.faces)} faces.`;
-    this.canvas = h('canvas', {
-      tabindex: 0, role: 'img', 'aria-label':
-        `${told} Arrows turn it, with Shift they move it, plus and minus zoom, f fits it, o changes the projection.`,
-    });
+    this.canvas = h('canvas', { role: 'img', 'aria-label': this.told });
     this.axes = s('svg', { class: 'axes', viewBox: '-40 -40 80 80', 'aria-hidden': 'true' });
     this.caption = h('figcaption', { class: 'mark-name', hidden: true });
     this.element = h('figure', { class: 'stage' }, this.canvas, this.axes, this.caption,
@@ -59,7 +55,7 @@ export class View {
 
   /** Begins to draw, once the element has a size on the page. */
   start() {
-    this.stage = stageOf(this.canvas, this.model);
+    this.stage = stageOf(this.canvas, this.app.ball, this.app.isFlat);
     this.isDrawn = this.stage instanceof Stage;
     this.axes.toggleAttribute('hidden', !this.isDrawn);
     this.layers = new Layers(this.model, this.stage);
@@ -69,6 +65,9 @@ export class View {
       this.stage.listeners.add(() => this.#drawAxes());
       this.#drawAxes();
       this.#listen();
+      this.canvas.tabIndex = 0;
+      this.canvas.setAttribute('aria-label', `${this.told} Arrows turn it, with Shift they move it, ` +
+        'plus and minus zoom, f fits it, o changes the projection.');
     } else {
       this.element.append(h('p', { class: 'fallback' },
         'This browser draws no 3-D graphics (WebGL), so these are pictures from four sides.'));

@@ -91,6 +91,15 @@ std::optional<Histogram> histogramOf(std::vector<double>& values, CellMeasure me
   Histogram histogram;
   histogram.minimum = *std::min_element(values.begin(), end);
   histogram.maximum = endOfBins(values.begin(), end, measure);
+  // What is left by rounding is no distribution.
+  constexpr double kRounding = 1e-6;
+  const double greatest = std::max(std::abs(histogram.minimum), std::abs(histogram.maximum));
+  const bool isConstant = histogram.maximum - histogram.minimum <= kRounding * greatest &&
+                          *std::max_element(values.begin(), end) <= histogram.maximum;
+  if (isConstant) {
+    std::fill(values.begin(), end, histogram.minimum);
+    histogram.maximum = histogram.minimum;
+  }
   std::for_each(values.begin(), end, [&](double value) {
     ++histogram.counts[binOf(value, histogram.minimum, histogram.maximum, histogram.counts.size())];
     histogram.beyond += value > histogram.maximum ? 1 : 0;

@@ -23,7 +23,8 @@ bool isDrawable(Entity entity, CellForm form) {
     case Entity::faces:
       return !orvml::linearPartsOf(form).empty();
     case Entity::elements:
-      return !orvml::facesOf(form).empty();
+      // Meshes of the plane may have their triangles here.
+      return !orvml::facesOf(form).empty() || !orvml::linearPartsOf(form).empty();
     default:
       return false;
   }

@@ -1,5 +1,6 @@
 #include "drawn_mesh.h"
 
+#include <orvml/cell_faces.hpp>
 #include <orvml/skin.hpp>
 
 #include "decimation.h"
@@ -54,6 +55,9 @@ std::vector<orvml::SkinFaces> skinOf(const DrawnCells& elements, const NodePlace
   return orvml::skinOf(orvml::CellsView(std::move(groups)), static_cast<int>(places.size()));
 }
 
+/// Whether its cells are faces, which are seen from both sides.
+bool isFlat(const DrawnGroup& group) { return orvml::facesOf(group.form).empty(); }
+
 /// Marks the sides of each element that are outside.
 void markOuter(DrawnCells& elements, std::span<const orvml::SkinFaces> skin) {
   elements.outer.assign(elements.size(), 0);
@@ -62,6 +66,14 @@ void markOuter(DrawnCells& elements, std::span<const orvml::SkinFaces> skin) {
       std::uint8_t& bits = elements.outer[static_cast<std::size_t>(faces.elements[face])];
       bits = static_cast<std::uint8_t>(bits | 1U << faces.sides[face]);
     }
+  }
+  std::size_t first = 0;
+  for (const DrawnGroup& group : elements.groups) {
+    if (isFlat(group)) {
+      std::fill_n(elements.outer.begin() + static_cast<std::ptrdiff_t>(first), group.size(),
+                  std::uint8_t{1});
+    }
+    first += group.size();
   }
 }
 
@@ -74,6 +86,16 @@ DrawnCells outerFaces(const DrawnCells& elements, std::vector<orvml::SkinFaces> 
         faces.elements.begin(), faces.elements.end(), std::back_inserter(numbers),
         [&](int element) { return elements.numberOf(static_cast<std::size_t>(element)); });
     cells.groups.push_back({faces.form, {}, std::move(faces.nodes)});
+  }
+  std::size_t first = 0;
+  for (const DrawnGroup& group : elements.groups) {
+    if (isFlat(group)) {
+      for (std::size_t cell = first; cell < first + group.size(); ++cell) {
+        numbers.push_back(elements.numberOf(cell));
+      }
+      cells.groups.push_back(group);
+    }
+    first += group.size();
   }
   cells.numbers = std::move(numbers);
   return cells;
