@@ -43,7 +43,7 @@ def box_of_hexahedra(sides=(4, 3, 2), stretch=1.0):
                             edges=[("line", [[number[0, 0, 0], number[1, 0, 0]]])],
                             module="ORVML_OCTREE_MESHER", module_format_version="1.2", creator="tests",
                             parameters={f"PARAMETER_{n}": n * 1.5 for n in range(10)},
-                            vector_parameters={"SIZES": [1, 2, 3]})
+                            vector_parameters={"SIZES": [0.25, 1e-9, 3]})
     document.nodes.attributes["height"] = points[:, 2]
     document.elements.attributes["region"] = (i >= nx // 2).astype(np.int32)
     document.elements.attributes["load"] = np.linspace(-1, 1, len(cells))

@@ -234,6 +234,9 @@ def test_searches_tables(page):
     rows = page.run("return [...arguments[0].closest('.searchable').querySelectorAll('tbody tr')]"
                     ".map((row) => row.textContent)", search)
     assert rows == ["PARAMETER_710.5"]
+    page.type(search, "sizes")
+    assert page.run("return arguments[0].closest('.searchable').querySelector('td').textContent", search) == \
+        "0.25, 1e-9, 3 (3 doubles)"
     page.unfold("Attributes")
     text = page.find("[aria-label='attributes']").text
     assert "load" in text and "-1 to 1" in text

@@ -34,11 +34,11 @@ function searchable(title, heads, rows) {
 
 function parameterRows(model) {
   const scalars = model.parameters.map(({ name, value }) => ({
-    text: name, cells: [named(name), shown(value)],
+    text: name, cells: [named(name), shown(value, 9)],
   }));
   const vectors = model.vectorParameters.map(({ name, type, size, values }) => ({
     text: name,
-    cells: [named(name), `${values.map(shown).join(', ')}${size > values.length ? ', …' : ''} ` +
+    cells: [named(name), `${values.map((value) => shown(value, 9)).join(', ')}${size > values.length ? ', …' : ''} ` +
       `(${counted(size)} ${type}s)`],
   }));
   return [...scalars, ...vectors];
