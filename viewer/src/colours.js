@@ -136,12 +136,3 @@ export function shareOf(scale, value) {
   const width = scale.maximum / 2 - scale.minimum / 2;
   return width > 0 ? Math.min(Math.max((value / 2 - scale.minimum / 2) / width, 0), 1) : 0.5;
 }
-
-/** A colour for a value, with grey for none. */
-export function colourOf(scale, value) {
-  const share = shareOf(scale, value);
-  if (share === NO_VALUE) {
-    return [150, 150, 150];
-  }
-  return scale.classes ? classColour(scale, Math.floor(share * scale.classes.length)) : rampColour(share);
-}

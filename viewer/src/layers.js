@@ -1,7 +1,7 @@
 // The layers of one document: each group of cells, its nodes, and the lines along which it bends.
 import { outlineOf } from './cell_shapes.js';
 import { coarsened, MOST_MOVED } from './coarse.js';
-import { colourOf, NO_VALUE, shareOf } from './colours.js';
+import { NO_VALUE, shareOf } from './colours.js';
 import { counted, countedShapes } from './numbers.js';
 import {
   centresOf, featureEdgesOf, neighboursOf, outerFacesOf, placeOf, trianglesOfGroup,
@@ -54,9 +54,8 @@ export class Layers {
   /** Shows what a person looks for: the body, else its surface, its lines or its nodes. */
   showFirst() {
     for (const entity of ['elements', 'faces', 'edges', 'nodes']) {
-      const found = this.all.filter((layer) => layer.entity === entity);
-      if (found.length) {
-        found.forEach((layer) => this.setVisible(layer.name, true));
+      if (this.all.some((layer) => layer.entity === entity)) {
+        this.showOnly(entity);
         return;
       }
     }
@@ -71,39 +70,39 @@ export class Layers {
   }
 
   setVisible(name, isVisible) {
-    const layer = this.find(name);
-    if (!layer) {
-      return;
-    }
-    const isChanged = layer.isVisible !== isVisible;
-    layer.isVisible = isVisible;
-    if (isChanged) {
+    this.#show((layer) => (layer.name === name ? isVisible : layer.isVisible));
+  }
+
+  /** Shows and hides layers, all at once: what is seen of one depends on the others. */
+  #show(isWanted) {
+    const changed = this.all.filter((layer) => layer.isVisible !== isWanted(layer));
+    changed.forEach((layer) => { layer.isVisible = !layer.isVisible; });
+    if (changed.length) {
       this.featureLines?.clear();
-      this.#openBody(layer);
     }
-    if (isVisible && !layer.nodes) {
-      this.#build(layer);
+    if (changed.some((layer) => layer.entity === 'elements')) {
+      this.#openBody();
     }
-    this.stage.setVisible(name, isVisible);
+    for (const layer of this.all) {
+      if (layer.isVisible && !layer.nodes) {
+        this.#build(layer);
+      }
+      this.stage.setVisible(layer.name, layer.isVisible);
+    }
     this.#showFeatures();
   }
 
-  /** Has the other elements show the faces that a hidden or shown shape leaves open. */
-  #openBody(changed) {
-    for (const layer of changed.entity === 'elements' ? this.all : []) {
-      if (layer.entity === 'elements' && layer !== changed && layer.nodes && !layer.cells.isSkin) {
-        layer.nodes = null;
-        if (layer.isVisible) {
-          this.#build(layer);
-        }
-      }
+  /** Has elements show the faces that a hidden shape leaves open. */
+  #openBody() {
+    for (const layer of this.all.filter(({ entity, cells }) => entity === 'elements' && !cells.isSkin)) {
+      layer.nodes = null;
     }
   }
 
   /** For each cell of an entity whether it is there; null for all. */
   #keptOf(layer) {
     const behind = this.kept.get(layer.entity);
-    const hidden = this.all.filter((other) => other.entity === layer.entity && !other.isVisible && other !== layer);
+    const hidden = this.all.filter((other) => other.entity === layer.entity && !other.isVisible);
     if (layer.entity !== 'elements' || !hidden.length || layer.cells.isSkin) {
       return behind ?? null;
     }
@@ -119,7 +118,7 @@ export class Layers {
   /** Shows the cells of one kind alone, whose values are looked at. */
   showOnly(entity) {
     if (this.all.some((layer) => layer.entity === entity)) {
-      this.all.forEach((layer) => this.setVisible(layer.name, layer.entity === entity));
+      this.#show((layer) => layer.entity === entity);
     }
   }
 
@@ -259,11 +258,6 @@ export class Layers {
       shares[i] = index < own.values.length ? shareOf(scale, own.values[index]) : NO_VALUE;
     }
     this.stage.paint(layer.name, { colour, shares, texture, scale });
-  }
-
-  /** The colour that a value has now, for tests and swatches. */
-  colourOf(value) {
-    return this.colouring ? colourOf(this.colouring.scale, value) : null;
   }
 
   /** Whether so little is shown that the edges of cells can be told apart. */
