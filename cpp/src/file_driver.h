@@ -22,6 +22,13 @@ class WrittenBytes {
   /// Nothing that comes from here on is wanted.
   void giveUp(int error) noexcept { error_ = error_ == 0 ? error : error_; }
 
+  /// Names memory that stands for values which somebody else writes into the file: what comes from
+  /// there only takes its place. Borrowed.
+  void leaveOut(const void* first, std::size_t count) noexcept {
+    leftOut_ = static_cast<const char*>(first);
+    leftOutBytes_ = count;
+  }
+
   void write(std::uint64_t place, const char* bytes, std::size_t count, bool isReadBack) noexcept;
   /// Sets the length that the file is to have.
   void setLength(std::uint64_t bytes) noexcept;
@@ -37,8 +44,11 @@ class WrittenBytes {
   };
 
   void keep(std::uint64_t place, const char* bytes, std::size_t count) noexcept;
+  [[nodiscard]] bool isLeftOut(const char* bytes) const noexcept;
 
   int descriptor_;
+  const char* leftOut_ = nullptr;
+  std::size_t leftOutBytes_ = 0;
   int error_ = 0;
   std::uint64_t end_ = 0;
   std::vector<Piece> unwritten_;  // descriptions of objects, which HDF5 may read again

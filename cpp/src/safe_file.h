@@ -6,6 +6,7 @@
 #include "hdf5/file_beside.h"
 #include "hdf5/id.h"
 
+#include <cstddef>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -36,6 +37,9 @@ class SafeFile {
 
   /// Where the new file lies.
   [[nodiscard]] const std::string& name() const noexcept { return beside_->name(); }
+
+  /// Names memory whose values are not written: see WrittenBytes.
+  void leaveOut(const void* first, std::size_t count) noexcept { bytes_->leaveOut(first, count); }
 
   /// Opens a copy in HDF5, to be changed.
   void openCopy();

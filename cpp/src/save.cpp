@@ -5,6 +5,7 @@
 #include "lent_document.h"
 #include "model/names.h"
 #include "safe_file.h"
+#include "written_documents.h"
 
 #include <optional>
 
@@ -32,19 +33,25 @@ void write(const std::filesystem::path& path, const DocumentView* input, const D
   }
   detail::FailureWatch watch;
   detail::SafeFile file(path, watch);
-  const char* version = orvml_io::kFormatVersion;
-  const bool isWritten = isMarked(file.id()) &&
-                         (!lentInput || orvml_io::OrvInput::Write(lentInput->core(), file.id(),
-                                                                  version) == orvml_io::kOk) &&
-                         (!lentOutput || orvml_io::OrvOutput::Write(lentOutput->core(), file.id(),
-                                                                    version) == orvml_io::kOk);
-  if (!isWritten) {
-    file.throwUnwritten();
-  }
+  detail::writeDocuments(lentInput ? &*lentInput : nullptr, lentOutput ? &*lentOutput : nullptr,
+                         file);
   file.finish(options.flush);
 }
 
 }  // namespace
+
+void detail::writeDocuments(const LentDocument* input, const LentDocument* output, SafeFile& file) {
+  const char* version = orvml_io::kFormatVersion;
+  const bool isWritten =
+      isMarked(file.id()) &&
+      (input == nullptr ||
+       orvml_io::OrvInput::Write(input->core(), file.id(), version) == orvml_io::kOk) &&
+      (output == nullptr ||
+       orvml_io::OrvOutput::Write(output->core(), file.id(), version) == orvml_io::kOk);
+  if (!isWritten) {
+    file.throwUnwritten();
+  }
+}
 
 void save(const std::filesystem::path& path, const InputView& input, const SaveOptions& options) {
   write(path, &input, nullptr, options);

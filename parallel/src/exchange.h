@@ -1,0 +1,104 @@
+#pragma once
+
+#include <orvml/error.hpp>
+
+#include "agreement.h"
+#include "communicator.h"
+
+#include <algorithm>
+#include <climits>
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace orvml::parallel::detail {
+
+/// Values for each rank, or from each: one list for every rank of a communicator.
+template <class Value>
+using Bins = std::vector<std::vector<Value>>;
+
+/// Messages that are under way. Whatever throws in between waits for them first: MPI must not write
+/// into memory that is gone.
+class Messages {
+ public:
+  explicit Messages(std::size_t most) { requests_.reserve(most); }
+  Messages(const Messages&) = delete;
+  Messages& operator=(const Messages&) = delete;
+  Messages(Messages&&) = delete;
+  Messages& operator=(Messages&&) = delete;
+  ~Messages() { wait(); }
+
+  void send(const Communicator& comm, int to, const void* values, std::size_t count,
+            MPI_Datatype type) {
+    MPI_Isend(values, static_cast<int>(count), type, to, kTag, comm.get(), &add());
+  }
+  void receive(const Communicator& comm, int from, void* values, std::size_t count,
+               MPI_Datatype type) {
+    MPI_Irecv(values, static_cast<int>(count), type, from, kTag, comm.get(), &add());
+  }
+  void wait() noexcept {
+    MPI_Waitall(static_cast<int>(requests_.size()), requests_.data(), MPI_STATUSES_IGNORE);
+    requests_.clear();
+  }
+
+ private:
+  static constexpr int kTag = 1;
+  MPI_Request& add() { return requests_.emplace_back(MPI_REQUEST_NULL); }
+
+  std::vector<MPI_Request> requests_;
+};
+
+/// Throws Code::tooManyValues for more values than go into one message.
+inline void requireMessage(std::size_t count) {
+  if (count > INT_MAX) {
+    throw Error(Code::tooManyValues, std::to_string(count) +
+                                         " values from one rank to another are more than 32 bits "
+                                         "count");
+  }
+}
+
+/// How many values each rank sends to this one. Collective.
+template <class Value>
+std::vector<int> countsFromOthers(const Communicator& comm, const Bins<Value>& bins) {
+  std::vector<int> sent(bins.size());
+  std::vector<int> received(bins.size());
+  together(comm, [&] {
+    std::transform(bins.begin(), bins.end(), sent.begin(), [](const auto& bin) {
+      requireMessage(bin.size());
+      return static_cast<int>(bin.size());
+    });
+  });
+  MPI_Alltoall(sent.data(), 1, MPI_INT, received.data(), 1, MPI_INT, comm.get());
+  return received;
+}
+
+/// Gives every rank its bin, and returns what the others had for this one. Besides the counts there
+/// is a message for each pair of ranks that have something to tell. Collective.
+template <class Value>
+Bins<Value> exchangeBins(const Communicator& comm, Bins<Value> bins) {
+  const std::vector<int> counts = countsFromOthers(comm, bins);
+  Bins<Value> received(bins.size());
+  together(comm, [&] {
+    for (std::size_t i = 0; i < bins.size(); ++i) {
+      received[i].resize(static_cast<std::size_t>(counts[i]));
+    }
+  });
+  Messages messages(2 * bins.size());
+  for (int i = 0; i < comm.size(); ++i) {
+    const auto at = static_cast<std::size_t>(i);
+    if (i == comm.rank()) {
+      received[at] = std::move(bins[at]);
+      continue;
+    }
+    if (!received[at].empty()) {
+      messages.receive(comm, i, received[at].data(), received[at].size(), mpiType<Value>());
+    }
+    if (!bins[at].empty()) {
+      messages.send(comm, i, bins[at].data(), bins[at].size(), mpiType<Value>());
+    }
+  }
+  messages.wait();
+  return received;
+}
+
+}  // namespace orvml::parallel::detail

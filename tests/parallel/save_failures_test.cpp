@@ -1,0 +1,282 @@
+#include <orvml/fingerprint.hpp>
+#include <orvml/load.hpp>
+#include <orvml/parallel/save.hpp>
+#include <orvml/parallel/together.hpp>
+#include <orvml/save.hpp>
+
+#include "support/agreed_error.h"
+#include "support/calls.h"
+#include "support/documents.h"
+#include "support/parts.h"
+#include "support/shared_folder.h"
+
+#include <gtest/gtest.h>
+
+#include <sys/mman.h>
+#include <sys/resource.h>
+
+#include <csignal>
+#include <memory>
+#include <new>
+#include <stdexcept>
+
+namespace orvml_parallel_tests {
+
+namespace {
+
+using orvml::Entity;
+using orvml::Shape;
+
+bool isLastRank() { return rank() == ranks() - 1; }
+
+/// A folder with an old file that has to be there afterwards, and nothing else.
+class OldFile {
+ public:
+  OldFile() {
+    if (rank() == 0) {
+      orvml::save(path(), withoutMesh());
+    }
+    MPI_Barrier(MPI_COMM_WORLD);
+  }
+  OldFile(const OldFile&) = delete;
+  OldFile& operator=(const OldFile&) = delete;
+  OldFile(OldFile&&) = delete;
+  OldFile& operator=(OldFile&&) = delete;
+  ~OldFile() {
+    MPI_Barrier(MPI_COMM_WORLD);
+    const orvml::Output old = withoutMesh();
+    const orvml::Output found = orvml::loadOutput(path());
+    EXPECT_EQ(orvml::fingerprint(old.view()), orvml::fingerprint(found.view()));
+    EXPECT_EQ(1, folder_.numberOfFiles());
+  }
+  [[nodiscard]] std::filesystem::path path() const { return folder_.path("file.h5"); }
+
+ private:
+  SharedFolder folder_;
+};
+
+std::string errorOfSaving(const OldFile& old, const orvml::DocumentView& view) {
+  return errorOf([&] { orvml::parallel::save(MPI_COMM_WORLD, old.path(), view); });
+}
+
+/// A document without a mesh but for its cells of one group, and attributes of them.
+orvml::OutputView cellsAlone(Shape shape, std::span<const int> indices,
+                             orvml::Attributes attributes) {
+  orvml::DocumentParts parts;
+  parts.dimension = 3;
+  parts.elements = orvml::CellsView({orvml::CellGroup(shape, 4, indices)}, std::move(attributes));
+  return orvml::OutputView(parts);
+}
+
+TEST(ParallelSaveFailures, AViewOfAnotherStructureNamesItsRank) {
+  if (ranks() == 1) {
+    GTEST_SKIP() << "one rank agrees with itself";
+  }
+  const OldFile old;
+  const std::vector<int> indices = {0, 1, 2, 3};
+  const Shape shape = isLastRank() ? Shape::quadrilateral : Shape::tetrahedron;
+
+  const std::string error = errorOfSaving(old, cellsAlone(shape, indices, {}));
+
+  EXPECT_NE(std::string::npos, error.find("rank " + std::to_string(ranks() - 1) + " gives another"))
+      << error;
+}
+
+TEST(ParallelSaveFailures, AnAttributeThatFitsOnlyAsAWholeIsRefused) {
+  if (ranks() == 1) {
+    GTEST_SKIP() << "one rank has the whole";
+  }
+  const OldFile old;
+  const std::vector<int> indices = {0, 1, 2, 3, 0, 1, 2, 3};
+  const std::vector<double> values(rank() == 0 ? 1 : isLastRank() ? 3 : 2);
+
+  const std::string error = errorOfSaving(
+      old, cellsAlone(Shape::tetrahedron, indices, orvml::Attributes({{"heat", values}})));
+
+  EXPECT_NE(std::string::npos, error.find("/OrvOutput/Elements/Attributes/heat")) << error;
+}
+
+TEST(ParallelSaveFailures, ANameThatNoFileCanHoldIsRefused) {
+  const OldFile old;
+  const std::vector<int> indices = {0, 1, 2, 3};
+  const std::vector<double> values = {1};
+  const std::string name(80, 'n');
+
+  const std::string error = errorOfSaving(
+      old, cellsAlone(Shape::tetrahedron, indices,
+                      orvml::Attributes({{std::string_view(name), std::span(values)}})));
+
+  EXPECT_NE(std::string::npos, error.find("80 bytes, at most 79")) << error;
+}
+
+TEST(ParallelSaveFailures, ARankWhoseWriteFailsEndsAll) {
+  if (ranks() == 1) {
+    GTEST_SKIP() << "the first rank fails before it writes what is shared";
+  }
+  const OldFile old;
+  const orvml::Output box = boxOf(9, 8, 7);
+  failTransfers(isLastRank());
+
+  const std::string error = errorOfSaving(old, partOf(box.view(), evenly(ranks()), rank()));
+
+  failTransfers(false);
+  EXPECT_NE(std::string::npos, error.find("orvml.file.not-written|/OrvOutput")) << error;
+}
+
+TEST(ParallelSaveFailures, TheFirstRankMayBeTheOneWhoseWriteFails) {
+  const OldFile old;
+  const orvml::Output box = boxOf(9, 8, 7);
+  failTransfers(rank() == 0);
+
+  const std::string error = errorOfSaving(old, partOf(box.view(), evenly(ranks()), rank()));
+
+  failTransfers(false);
+  EXPECT_NE(std::string::npos, error.find("orvml.file.not-written|")) << error;
+}
+
+TEST(ParallelSaveFailures, AFileLargerThanMayBeIsNotBegun) {
+  const OldFile old;
+  const orvml::Output box = boxOf(9, 8, 7);
+  rlimit before = {};
+  ::getrlimit(RLIMIT_FSIZE, &before);
+  const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+  const rlimit small = {20000, before.rlim_max};
+  ::setrlimit(RLIMIT_FSIZE, &small);
+
+  const std::string error = errorOfSaving(old, partOf(box.view(), evenly(ranks()), rank()));
+
+  ::setrlimit(RLIMIT_FSIZE, &before);
+  std::signal(SIGXFSZ, handler);
+  EXPECT_NE(std::string::npos, error.find("orvml.file.too-large")) << error;
+}
+
+TEST(ParallelSaveFailures, AFolderThatIsMissingIsNamed) {
+  const SharedFolder folder;
+  const orvml::Output document = oneCell();
+  const orvml::DocumentView part = partOf(document.view(), evenly(ranks()), rank());
+
+  const std::string error =
+      errorOf([&] { orvml::parallel::save(MPI_COMM_WORLD, folder.path("none/file.h5"), part); });
+
+  EXPECT_NE(std::string::npos, error.find("orvml.folder.not-found")) << error;
+}
+
+/// Values that take no memory, because nobody has to read them.
+class Unread {
+ public:
+  explicit Unread(std::size_t bytes)
+      : bytes_(bytes),
+        address_(::mmap(nullptr, bytes, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1,
+                        0)) {}
+  Unread(const Unread&) = delete;
+  Unread& operator=(const Unread&) = delete;
+  Unread(Unread&&) = delete;
+  Unread& operator=(Unread&&) = delete;
+  ~Unread() { ::munmap(address_, bytes_); }
+  template <class Value>
+  [[nodiscard]] std::span<const Value> values() const {
+    return {static_cast<const Value*>(address_), bytes_ / sizeof(Value)};
+  }
+
+ private:
+  std::size_t bytes_;
+  void* address_;
+};
+
+/// How many things each rank has when all together have just more than 32 bits count.
+std::size_t justTooManyPerRank(std::size_t width) {
+  return ((std::size_t{1} << 31U) / static_cast<std::size_t>(ranks()) / width + 1) * width;
+}
+
+TEST(ParallelSaveLimits, NodeIndicesAreCountedBeforeAnythingIsWritten) {
+  if (ranks() == 1) {
+    GTEST_SKIP() << "a view of its own refuses to be made";
+  }
+  const OldFile old;
+  const Unread indices(justTooManyPerRank(4) * sizeof(int));
+
+  const std::string error =
+      errorOfSaving(old, cellsAlone(Shape::tetrahedron, indices.values<int>(), {}));
+
+  const std::size_t all = justTooManyPerRank(4) * static_cast<std::size_t>(ranks());
+  EXPECT_NE(std::string::npos,
+            error.find("/OrvOutput/Elements/connectivities would have " + std::to_string(all) +
+                       " node indices, the format counts up to 2147483647"))
+      << error;
+}
+
+TEST(ParallelSaveLimits, CoordinatesAreCountedBeforeAnythingIsWritten) {
+  if (ranks() == 1) {
+    GTEST_SKIP() << "a view of its own refuses to be made";
+  }
+  const OldFile old;
+  const Unread coordinates(justTooManyPerRank(3) * sizeof(double));
+  orvml::DocumentParts parts;
+  parts.dimension = 3;
+  parts.nodes = orvml::NodesView(coordinates.values<double>(), 3);
+
+  const std::string error = errorOfSaving(old, orvml::OutputView(parts));
+
+  const std::size_t all = justTooManyPerRank(3) * static_cast<std::size_t>(ranks());
+  EXPECT_NE(std::string::npos, error.find("/OrvOutput/Nodes/coordinates would have " +
+                                          std::to_string(all) + " coordinates"))
+      << error;
+}
+
+TEST(ParallelSaveLimits, ValuesOfAnAttributeAreCountedBeforeAnythingIsWritten) {
+  if (ranks() == 1) {
+    GTEST_SKIP() << "one rank is refused by the limits of one process";
+  }
+  const OldFile old;
+  const Unread values(justTooManyPerRank(1) * sizeof(int));
+  const std::vector<int> indices = {0, 1, 2, 3};
+
+  const std::string error =
+      errorOfSaving(old, cellsAlone(Shape::tetrahedron, indices,
+                                    orvml::Attributes({{"colour", values.values<int>()}})));
+
+  EXPECT_NE(std::string::npos, error.find("/OrvOutput/Elements/Attributes/colour would have "))
+      << error;
+}
+
+TEST(ParallelTogether, ThrowsTheErrorOfOneRankOnAll) {
+  const std::string error = errorOf([] {
+    orvml::parallel::together(MPI_COMM_WORLD, [] {
+      if (isLastRank()) {
+        throw orvml::Error(orvml::Code::fileDamaged, "is broken", {"a.h5", "/x", "why"});
+      }
+    });
+  });
+
+  EXPECT_EQ("orvml.file.damaged|/x|a.h5: is broken", error);
+}
+
+TEST(ParallelTogether, KeepsTheLackOfMemoryAndTheTextOfOtherExceptions) {
+  EXPECT_EQ("no memory", errorOf([] {
+              orvml::parallel::together(MPI_COMM_WORLD, [] {
+                if (isLastRank()) {
+                  throw std::bad_alloc();
+                }
+              });
+            }));
+  EXPECT_EQ("diverged", errorOf([] {
+              orvml::parallel::together(MPI_COMM_WORLD, [] {
+                if (isLastRank()) {
+                  throw std::domain_error("diverged");
+                }
+              });
+            }));
+}
+
+TEST(ParallelTogether, OfSeveralFailuresThatOfTheLowestRankIsThrown) {
+  const std::string error = errorOf([] {
+    orvml::parallel::together(MPI_COMM_WORLD,
+                              [] { throw std::runtime_error("rank " + std::to_string(rank())); });
+  });
+
+  EXPECT_EQ("rank 0", error);
+}
+
+}  // namespace
+
+}  // namespace orvml_parallel_tests
