@@ -11,6 +11,8 @@ DARK_COLOURS = {
     "#f7faf9": "#1a1f20",  # the card
     "#e3f1f0": "#16302f",  # what the library holds
     "#fdf0dc": "#3a2b14",  # what is the caller's
+    "#dedaf3": "#2b2547",  # two more ranks
+    "#e9ebc4": "#2f3213",
     "#1d2b2b": "#e6efee",  # text
     "#4a5c5c": "#adc0be",  # small text
     "#0b6e6e": "#5cc8c2",
