@@ -1,7 +1,7 @@
 // A coarser surface, for as long as a large one is moved: drawing all of it would stutter where the processor draws.
 
 /** How many triangles are drawn thirty times a second by a processor alone. */
-export const MOST_MOVED = 16000;
+export const MOST_MOVED = 12000;
 
 /** For each node the first one that lies in the same cell of a grid over the ball of radius 1. */
 function clustered(nodes, placed, resolution) {
