@@ -90,9 +90,18 @@ function asCpp(html) {
     parts.push(`R"~page~(${html.slice(at, at + longest)})~page~"`);
   }
   // The parts are one string all the same, which some compilers want to be told.
-  return '#pragma GCC diagnostic ignored "-Woverlength-strings"\n\n#include "report_page.h"\n\nnamespace orvml_report {\n\n' +
-    `extern const std::string_view kReportPage(\n${parts.join('\n')},\n${Buffer.byteLength(html)});\n\n` +
-    '}  // namespace orvml_report\n';
+  return `#pragma GCC diagnostic ignored "-Woverlength-strings"
+
+#include "report_page.h"
+
+namespace orvml_report {
+
+extern const std::string_view kReportPage(
+${parts.join('\n')},
+${Buffer.byteLength(html)});
+
+}  // namespace orvml_report
+`;
 }
 
 const own = ['liborvml_io', join(here, '..', 'LICENSE')];
