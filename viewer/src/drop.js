@@ -5,7 +5,7 @@ import { readExchange } from './exchange_file.js';
 
 const root = document.getElementById('app');
 
-/** A browser takes some five times the size of the file; beyond this it falls over. */
+/** The file is held in memory whole, beside what is made of it, and a page has some gigabytes at most. */
 const MOST_BYTES = 1e9;
 
 const told = h('p', { class: 'told', role: 'status', 'aria-live': 'polite' });

@@ -8,7 +8,7 @@ import {
 } from './surface.js';
 
 /** Colours of what has no value, as shares of 1. */
-export const PLAIN_COLOURS = {
+const PLAIN_COLOURS = {
   elements: [0.72, 0.79, 0.86], faces: [0.87, 0.81, 0.68], edges: [0.85, 0.36, 0.12], nodes: [0.04, 0.43, 0.46],
 };
 
@@ -257,7 +257,7 @@ export class Layers {
       const index = ofNodes ? layer.nodes[i] : layer.owners[(i / perCell) | 0];
       shares[i] = index < own.values.length ? shareOf(scale, own.values[index]) : NO_VALUE;
     }
-    this.stage.paint(layer.name, { colour, shares, texture, scale });
+    this.stage.paint(layer.name, { colour, shares, texture });
   }
 
   /** Whether so little is shown that the edges of cells can be told apart. */

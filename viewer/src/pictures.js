@@ -107,7 +107,6 @@ export class Pictures {
       context.putImageData(new ImageData(bytes, PIXELS, height), (i % columns) * PIXELS,
         Math.floor(i / columns) * height);
     });
-    this.frames = (this.frames ?? 0) + 1;
   }
 
   #scene() {

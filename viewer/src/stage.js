@@ -548,7 +548,6 @@ export class Stage {
       }
     }
     this.renderer.render(this.scene, this.camera);
-    this.frames = (this.frames ?? 0) + 1;
   }
 }
 
