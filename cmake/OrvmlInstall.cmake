@@ -46,6 +46,13 @@ if(ORVML_CPP)
   endif()
 endif()
 
+if(TARGET orvml_parallel)
+  orvml_io_install_library(orvml_parallel parallel_runtime parallel_development)
+  install(DIRECTORY "${PROJECT_SOURCE_DIR}/parallel/include/orvml/parallel"
+    DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/orvml" COMPONENT parallel_development
+    FILES_MATCHING PATTERN "*.hpp")
+endif()
+
 if(ORVML_IO_PACKAGE)
   include(OrvmlPackage)
 endif()

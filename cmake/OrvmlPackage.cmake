@@ -99,6 +99,35 @@ its pkg-config file.")
   orvml_io_debian_library(cpp_runtime liborvml ${ORVML_SOVERSION} "${cpp_runtime_package}")
 endif()
 
+if(TARGET orvml_parallel)
+  list(APPEND CPACK_COMPONENTS_ALL parallel_runtime parallel_development)
+  set(parallel_runtime_package "liborvml-parallel${ORVML_SOVERSION}")
+  # It holds all of the other libraries, on another HDF5, and needs none of them.
+  set(CPACK_DEBIAN_PARALLEL_RUNTIME_PACKAGE_NAME "${parallel_runtime_package}")
+  set(CPACK_DEBIAN_PARALLEL_RUNTIME_PACKAGE_SECTION libs)
+  set(CPACK_DEBIAN_PARALLEL_RUNTIME_PACKAGE_SHLIBDEPS ON)
+  set(CPACK_DEBIAN_PARALLEL_RUNTIME_DESCRIPTION
+"exchange of meshes and meshing parameters (MPI library)
+${about}
+This package holds the shared library for programs of many ranks.")
+
+  # Its headers stand beside those of the C++ interface, which they use.
+  set(CPACK_DEBIAN_PARALLEL_DEVELOPMENT_PACKAGE_NAME liborvml-parallel-dev)
+  set(CPACK_DEBIAN_PARALLEL_DEVELOPMENT_PACKAGE_SECTION libdevel)
+  set(CPACK_DEBIAN_PARALLEL_DEVELOPMENT_PACKAGE_DEPENDS
+    "${parallel_runtime_package} (= ${release}), liborvml-dev (= ${release}), libopenmpi-dev")
+  set(CPACK_DEBIAN_PARALLEL_DEVELOPMENT_DESCRIPTION
+"exchange of meshes and meshing parameters (MPI development files)
+${about}
+This package holds the headers for programs of many ranks, the CMake package
+and the pkg-config file.")
+
+  orvml_io_debian_documents(parallel_runtime "${parallel_runtime_package}")
+  orvml_io_debian_documents(parallel_development liborvml-parallel-dev)
+  orvml_io_debian_library(parallel_runtime liborvml_parallel ${ORVML_SOVERSION}
+    "${parallel_runtime_package}")
+endif()
+
 if(ORVML_CPP AND ORVML_TOOLS)
   list(APPEND CPACK_COMPONENTS_ALL tools)
   set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME orvml)

@@ -4,6 +4,7 @@
 find_package(PkgConfig REQUIRED)
 find_package(Threads REQUIRED)
 pkg_check_modules(ORVML_PARALLEL_HDF5 REQUIRED IMPORTED_TARGET hdf5-openmpi)
+pkg_check_modules(ORVML_PARALLEL_MPI REQUIRED IMPORTED_TARGET ompi-c)
 find_path(ORVML_PTSCOTCH_INCLUDE_DIR ptscotch.h PATH_SUFFIXES scotch REQUIRED)
 find_library(ORVML_PTSCOTCH_LIBRARY ptscotch REQUIRED)
 find_library(ORVML_PTSCOTCH_ERRORS ptscotcherr REQUIRED)
@@ -16,7 +17,7 @@ mark_as_advanced(ORVML_PTSCOTCH_INCLUDE_DIR ORVML_PTSCOTCH_LIBRARY ORVML_PTSCOTC
 add_library(orvml_parallel_hdf5 INTERFACE)
 target_include_directories(orvml_parallel_hdf5 SYSTEM INTERFACE
   "${ORVML_PARALLEL_HDF5_INCLUDE_DIRS}")
-target_compile_definitions(orvml_parallel_hdf5 INTERFACE OMPI_SKIP_MPICXX MPICH_SKIP_MPICXX)
+target_compile_definitions(orvml_parallel_hdf5 INTERFACE OMPI_SKIP_MPICXX)
 target_link_libraries(orvml_parallel_hdf5 INTERFACE PkgConfig::ORVML_PARALLEL_HDF5)
 
 # The sources of targets of this build, wherever those are listed, to be compiled once more.

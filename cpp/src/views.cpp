@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -66,6 +67,23 @@ std::span<const Value> valuesOf(const Attribute& attribute, const char* wanted, 
   const std::string name(attribute.name);
   throw Error(Code::wrongValueType, "\"" + name + "\" holds " + found + ", not " + wanted,
               {{}, name, {}});
+}
+
+/// The parts of a view, to be changed and made into another one.
+DocumentParts partsOf(const DocumentView& document) {
+  return {document.identification(), document.dimension(),       document.nodes(),
+          document.edges(),          document.faces(),           document.elements(),
+          document.parameters(),     document.vectorParameters()};
+}
+
+/// Gives nodes or cells an attribute, in the place of one of its name.
+template <class Things>
+void add(Things& things, const Attribute& added) {
+  std::vector<Attribute> list;
+  std::copy_if(things.attributes().begin(), things.attributes().end(), std::back_inserter(list),
+               [&](const Attribute& attribute) { return attribute.name != added.name; });
+  list.push_back(added);
+  things = things.withAttributes(Attributes(std::move(list)));
 }
 
 }  // namespace
@@ -130,6 +148,12 @@ NodesView NodesView::withoutCoordinates(int size, int dimension) {
   NodesView nodes;
   nodes.size_ = std::max(size, 0);
   nodes.dimension_ = std::max(dimension, 0);
+  return nodes;
+}
+
+NodesView NodesView::withAttributes(Attributes attributes) const {
+  NodesView nodes = *this;
+  nodes.attributes_ = std::move(attributes);
   return nodes;
 }
 
@@ -198,6 +222,12 @@ std::span<const CellGroup> CellsView::groups() const noexcept {
   return groups_ == nullptr ? std::span<const CellGroup>() : std::span(*groups_);
 }
 
+CellsView CellsView::withAttributes(Attributes attributes) const {
+  CellsView cells = *this;
+  cells.attributes_ = std::move(attributes);
+  return cells;
+}
+
 DocumentView::DocumentView(Kind kind, DocumentParts parts)
     : kind_(kind), parts_(std::make_shared<const DocumentParts>(std::move(parts))) {}
 
@@ -217,6 +247,29 @@ const CellsView& DocumentView::cells(Entity entity) const noexcept {
 
 const Attributes& DocumentView::attributes(Entity entity) const noexcept {
   return entity == Entity::nodes ? nodes().attributes() : cells(entity).attributes();
+}
+
+DocumentView withAttribute(const DocumentView& document, Entity entity,
+                           const Attribute& attribute) {
+  DocumentParts parts = partsOf(document);
+  switch (entity) {
+    case Entity::nodes:
+      add(parts.nodes, attribute);
+      break;
+    case Entity::edges:
+      add(parts.edges, attribute);
+      break;
+    case Entity::faces:
+      add(parts.faces, attribute);
+      break;
+    case Entity::elements:
+      add(parts.elements, attribute);
+      break;
+  }
+  if (document.kind() == Kind::input) {
+    return InputView(std::move(parts));
+  }
+  return OutputView(std::move(parts));
 }
 
 }  // namespace orvml

@@ -49,29 +49,6 @@ std::vector<conduction::HeldNode> heldNodes(MPI_Comm comm, const Part& part) {
   return held;
 }
 
-/// The view of a slice with one more attribute of its nodes; borrows from both.
-orvml::OutputView withTemperatures(const orvml::DocumentView& slice,
-                                   std::span<const double> temperatures) {
-  std::vector<orvml::Attribute> attributes;
-  for (const orvml::Attribute& attribute : slice.nodes().attributes()) {
-    if (attribute.name != kAttribute) {
-      attributes.push_back(attribute);
-    }
-  }
-  attributes.emplace_back(kAttribute, temperatures);
-  orvml::DocumentParts parts;
-  parts.identification = slice.identification();
-  parts.dimension = slice.dimension();
-  parts.nodes = orvml::NodesView(slice.nodes().coordinates(), slice.dimension(),
-                                 orvml::Attributes(std::move(attributes)));
-  parts.edges = slice.edges();
-  parts.faces = slice.faces();
-  parts.elements = slice.elements();
-  parts.parameters = slice.parameters();
-  parts.vectorParameters = slice.vectorParameters();
-  return orvml::OutputView(std::move(parts));
-}
-
 /// Returns whether no heat got lost between the held ends.
 bool run(MPI_Comm comm, const char* input, const char* output) {
   const orvml::parallel::Slice slice = orvml::parallel::loadOutput(comm, input);
@@ -79,7 +56,8 @@ bool run(MPI_Comm comm, const char* input, const char* output) {
   const conduction::Solution solution = conduction::solve(comm, part, heldNodes(comm, part));
   const std::vector<double> ofSlice =
       part.toSlice(Entity::nodes, std::span<const double>(solution.temperatures));
-  orvml::parallel::save(comm, output, withTemperatures(slice.view(), ofSlice));
+  orvml::parallel::save(comm, output,
+                        withAttribute(slice.view(), Entity::nodes, {kAttribute, ofSlice}));
 
   int rank = 0;
   MPI_Comm_rank(comm, &rank);

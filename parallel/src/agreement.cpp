@@ -2,56 +2,76 @@
 
 #include <orvml/parallel/together.hpp>
 
-#include "bytes.h"
-
+#include <algorithm>
 #include <exception>
 #include <limits>
 #include <new>
 #include <stdexcept>
+#include <string_view>
+#include <type_traits>
 
 namespace orvml::parallel {
 
 namespace detail {
 
-Failure Failure::current() {
-  Failure failure;
+namespace {
+
+static_assert(std::is_trivially_copyable_v<Failure::Message>);
+
+void put(std::string_view text, Failure::Message::Text& place) noexcept {
+  place.size = std::min(text.size(), place.bytes.size());
+  std::copy_n(text.begin(), place.size, place.bytes.begin());
+}
+
+std::string textOf(const Failure::Message::Text& text) { return {text.bytes.data(), text.size}; }
+
+}  // namespace
+
+void Failure::takeCurrent() {
   try {
     throw;
   } catch (const Error& error) {
-    failure.form_ = Form::error;
-    failure.code_ = error.code();
-    failure.sentence_ = error.sentence();
-    failure.about_ = {error.file(), error.object(), error.hdf5Reason()};
+    code_ = error.code();
+    sentence_ = error.sentence();
+    about_ = {error.file(), error.object(), error.hdf5Reason()};
+    form_ = Form::error;
   } catch (const std::bad_alloc&) {
-    failure.form_ = Form::memory;
+    form_ = Form::memory;
+  } catch (const std::invalid_argument& error) {
+    sentence_ = error.what();
+    form_ = Form::argument;
   } catch (const std::exception& error) {
-    failure.sentence_ = error.what();
+    sentence_ = error.what();
   } catch (...) {
-    failure.sentence_ = "a step failed with something that is no standard exception";
+    sentence_ = "a step failed with something that is no standard exception";
+  }
+}
+
+Failure Failure::current() noexcept {
+  Failure failure;
+  try {
+    failure.takeCurrent();
+  } catch (...) {
+    failure.form_ = Form::memory;  // for its texts
   }
   return failure;
 }
 
-std::vector<char> Failure::packed() const {
-  ByteWriter writer;
-  writer.add(static_cast<int>(form_));
-  writer.add(static_cast<int>(code_));
-  writer.add(std::string_view(sentence_));
-  writer.add(std::string_view(about_.file.native()));
-  writer.add(std::string_view(about_.object));
-  writer.add(std::string_view(about_.hdf5Reason));
-  return writer.take();
+void Failure::pack(Message& message) const noexcept {
+  message.form = static_cast<int>(form_);
+  message.code = static_cast<int>(code_);
+  put(sentence_, message.sentence);
+  put(about_.file.native(), message.file);
+  put(about_.object, message.object);
+  put(about_.hdf5Reason, message.hdf5Reason);
 }
 
-Failure Failure::unpacked(const std::vector<char>& bytes) {
-  ByteReader reader(bytes);
+Failure Failure::unpacked(const Message& message) {
   Failure failure;
-  failure.form_ = static_cast<Form>(reader.number<int>());
-  failure.code_ = static_cast<Code>(reader.number<int>());
-  failure.sentence_ = reader.text();
-  failure.about_.file = reader.text();
-  failure.about_.object = reader.text();
-  failure.about_.hdf5Reason = reader.text();
+  failure.form_ = static_cast<Form>(message.form);
+  failure.code_ = static_cast<Code>(message.code);
+  failure.sentence_ = textOf(message.sentence);
+  failure.about_ = {textOf(message.file), textOf(message.object), textOf(message.hdf5Reason)};
   return failure;
 }
 
@@ -61,6 +81,8 @@ void Failure::raise() const {
       throw Error(code_, sentence_, about_);
     case Form::memory:
       throw std::bad_alloc();
+    case Form::argument:
+      throw std::invalid_argument(sentence_);
     case Form::other:
       break;
   }
@@ -73,9 +95,12 @@ void agree(const Communicator& comm, const std::optional<Failure>& failure) {
   if (failed == kNobody) {
     return;
   }
-  std::vector<char> bytes = failed == comm.rank() ? failure->packed() : std::vector<char>();
-  comm.broadcast(bytes, failed);
-  Failure::unpacked(bytes).raise();
+  Failure::Message message;
+  if (failed == comm.rank()) {
+    failure->pack(message);
+  }
+  MPI_Bcast(&message, int{sizeof message}, MPI_BYTE, failed, comm.get());
+  Failure::unpacked(message).raise();
 }
 
 }  // namespace detail

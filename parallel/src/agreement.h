@@ -4,26 +4,44 @@
 
 #include "communicator.h"
 
+#include <array>
 #include <optional>
 #include <string>
-#include <vector>
 
 namespace orvml::parallel::detail {
 
 /// Why a step failed on one rank, in a form that can be sent to the others.
 class Failure {
  public:
-  /// The exception that is being handled.
-  [[nodiscard]] static Failure current();
+  /// As ranks tell it to each other, which must not need memory: that may be what is lacking.
+  /// Longer texts are cut.
+  struct Message {
+    static constexpr std::size_t kMostTextBytes = 8192;
+    struct Text {
+      std::size_t size = 0;
+      std::array<char, kMostTextBytes> bytes = {};
+    };
+    int form = 0;
+    int code = 0;
+    Text sentence;
+    Text file;
+    Text object;
+    Text hdf5Reason;
+  };
 
-  [[nodiscard]] std::vector<char> packed() const;
-  [[nodiscard]] static Failure unpacked(const std::vector<char>& bytes);
+  /// The exception that is being handled.
+  [[nodiscard]] static Failure current() noexcept;
+
+  void pack(Message& message) const noexcept;
+  [[nodiscard]] static Failure unpacked(const Message& message);
 
   /// Throws it anew.
   [[noreturn]] void raise() const;
 
  private:
-  enum class Form { error, memory, other };
+  enum class Form { error, memory, argument, other };
+
+  void takeCurrent();
 
   Form form_ = Form::other;
   Code code_ = Code::objectUnreadable;

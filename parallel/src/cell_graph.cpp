@@ -154,7 +154,9 @@ CellGraph graphOfPairs(const Bins<int>& bins, std::size_t cells, int firstPlace)
 
 CellGraph graphOf(const Communicator& comm, const SliceCells& cells) {
   const auto ranks = static_cast<std::size_t>(comm.size());
-  const std::vector<std::int64_t> offsets = comm.offsets(static_cast<std::int64_t>(cells.size()));
+  std::vector<std::int64_t> offsets;
+  together(comm, [&] { offsets.resize(ranks + 1); });
+  comm.listOffsets(static_cast<std::int64_t>(cells.size()), offsets);
   const auto firstPlace = static_cast<int>(offsets[static_cast<std::size_t>(comm.rank())]);
   Bins<int> facets;
   together(comm, [&] { facets = binsOfFacets(cells, firstPlace, ranks); });

@@ -1,5 +1,9 @@
 #include "communicator.h"
 
+#include <algorithm>
+#include <exception>
+#include <new>
+#include <numeric>
 #include <utility>
 
 namespace orvml::parallel::detail {
@@ -30,47 +34,52 @@ void Communicator::free() noexcept {
 
 Communicator::~Communicator() { free(); }
 
-void Communicator::broadcast(std::vector<char>& bytes, int from) const {
+void Communicator::broadcast(std::vector<char>& bytes) const {
   std::int64_t count = static_cast<std::int64_t>(bytes.size());
-  MPI_Bcast(&count, 1, MPI_INT64_T, from, comm_);
-  bytes.resize(static_cast<std::size_t>(count));
+  MPI_Bcast(&count, 1, MPI_INT64_T, 0, comm_);
+  int hasRoom = 1;
+  try {
+    bytes.resize(static_cast<std::size_t>(count));
+  } catch (const std::exception&) {
+    hasRoom = 0;
+  }
+  if (least(hasRoom) == 0) {
+    throw std::bad_alloc();
+  }
   constexpr std::int64_t kMost = std::int64_t{1} << 30;  // MPI counts with ints
   for (std::int64_t sent = 0; sent < count; sent += kMost) {
-    const int part = static_cast<int>(count - sent < kMost ? count - sent : kMost);
-    MPI_Bcast(bytes.data() + sent, part, MPI_BYTE, from, comm_);
+    const auto part = static_cast<int>(std::min(count - sent, kMost));
+    MPI_Bcast(bytes.data() + sent, part, MPI_BYTE, 0, comm_);
   }
 }
 
-int Communicator::least(int value) const {
-  int result = value;
-  MPI_Allreduce(&value, &result, 1, MPI_INT, MPI_MIN, comm_);
-  return result;
+int Communicator::least(int value) const noexcept {
+  MPI_Allreduce(MPI_IN_PLACE, &value, 1, MPI_INT, MPI_MIN, comm_);
+  return value;
 }
 
-std::vector<std::int64_t> Communicator::sums(const std::vector<std::int64_t>& values) const {
-  std::vector<std::int64_t> result(values.size());
-  MPI_Allreduce(values.data(), result.data(), static_cast<int>(values.size()), MPI_INT64_T, MPI_SUM,
+std::int64_t Communicator::sum(std::int64_t value) const noexcept {
+  addUp({&value, 1});
+  return value;
+}
+
+void Communicator::addUp(std::span<std::int64_t> values) const noexcept {
+  MPI_Allreduce(MPI_IN_PLACE, values.data(), static_cast<int>(values.size()), MPI_INT64_T, MPI_SUM,
                 comm_);
-  return result;
 }
 
-std::vector<std::int64_t> Communicator::sumsBefore(const std::vector<std::int64_t>& values) const {
-  std::vector<std::int64_t> result(values.size());
-  MPI_Exscan(values.data(), result.data(), static_cast<int>(values.size()), MPI_INT64_T, MPI_SUM,
+void Communicator::addUpBefore(std::span<std::int64_t> values) const noexcept {
+  MPI_Exscan(MPI_IN_PLACE, values.data(), static_cast<int>(values.size()), MPI_INT64_T, MPI_SUM,
              comm_);
   if (isFirst()) {
-    result.assign(values.size(), 0);  // there the scan leaves what it likes
+    std::fill(values.begin(), values.end(), 0);  // there the scan leaves what it likes
   }
-  return result;
 }
 
-std::vector<std::int64_t> Communicator::offsets(std::int64_t count) const {
-  std::vector<std::int64_t> result(static_cast<std::size_t>(size_) + 1);
-  MPI_Allgather(&count, 1, MPI_INT64_T, result.data() + 1, 1, MPI_INT64_T, comm_);
-  for (std::size_t i = 1; i < result.size(); ++i) {
-    result[i] += result[i - 1];
-  }
-  return result;
+void Communicator::listOffsets(std::int64_t count, std::span<std::int64_t> offsets) const noexcept {
+  offsets.front() = 0;
+  MPI_Allgather(&count, 1, MPI_INT64_T, offsets.data() + 1, 1, MPI_INT64_T, comm_);
+  std::partial_sum(offsets.begin(), offsets.end(), offsets.begin());
 }
 
 }  // namespace orvml::parallel::detail

@@ -30,16 +30,17 @@ class Communicator {
 
   // All of these are collective.
 
-  /// Gives every rank the bytes of one rank.
-  void broadcast(std::vector<char>& bytes, int from = 0) const;
-  [[nodiscard]] int least(int value) const;
-  /// Adds numbers up over the ranks, element by element.
-  [[nodiscard]] std::vector<std::int64_t> sums(const std::vector<std::int64_t>& values) const;
-  /// Adds up those of the ranks before this one.
-  [[nodiscard]] std::vector<std::int64_t> sumsBefore(const std::vector<std::int64_t>& values) const;
+  /// Gives every rank the bytes of the first. A lack of memory on one rank is thrown on all.
+  void broadcast(std::vector<char>& bytes) const;
+  [[nodiscard]] int least(int value) const noexcept;
+  [[nodiscard]] std::int64_t sum(std::int64_t value) const noexcept;
+  /// Adds numbers up over the ranks, element by element, in place.
+  void addUp(std::span<std::int64_t> values) const noexcept;
+  /// Adds up those of the ranks before this one, in place.
+  void addUpBefore(std::span<std::int64_t> values) const noexcept;
   /// Where the values of each rank begin when they lie one after the other: a number for each rank
-  /// and the total.
-  [[nodiscard]] std::vector<std::int64_t> offsets(std::int64_t count) const;
+  /// and the total, which `offsets` has room for.
+  void listOffsets(std::int64_t count, std::span<std::int64_t> offsets) const noexcept;
 
  private:
   void free() noexcept;

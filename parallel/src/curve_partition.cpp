@@ -85,16 +85,21 @@ std::vector<std::uint64_t> splittersOf(const Communicator& comm,
                                        const std::vector<std::uint64_t>& sorted) {
   constexpr int kBits = 63;
   const auto count = static_cast<std::size_t>(comm.size()) - 1;
-  const std::int64_t total = comm.sums({static_cast<std::int64_t>(sorted.size())})[0];
-  std::vector<std::uint64_t> low(count, 0);
-  std::vector<std::uint64_t> high(count, std::uint64_t{1} << static_cast<unsigned>(kBits));
+  const std::int64_t total = comm.sum(static_cast<std::int64_t>(sorted.size()));
+  std::vector<std::uint64_t> low;
+  std::vector<std::uint64_t> high;
+  std::vector<std::int64_t> below;
+  together(comm, [&] {
+    low.resize(count, 0);
+    high.resize(count, std::uint64_t{1} << static_cast<unsigned>(kBits));
+    below.resize(count);
+  });
   for (int step = 0; step <= kBits; ++step) {
-    std::vector<std::int64_t> below;
     for (std::size_t i = 0; i < count; ++i) {
       const std::uint64_t middle = low[i] + (high[i] - low[i]) / 2;
-      below.push_back(std::lower_bound(sorted.begin(), sorted.end(), middle) - sorted.begin());
+      below[i] = std::lower_bound(sorted.begin(), sorted.end(), middle) - sorted.begin();
     }
-    below = comm.sums(below);
+    comm.addUp(below);
     for (std::size_t i = 0; i < count; ++i) {
       const std::uint64_t middle = low[i] + (high[i] - low[i]) / 2;
       const std::int64_t wanted = total * (static_cast<std::int64_t>(i) + 1) / comm.size();

@@ -79,9 +79,11 @@ DealtCells::DealtCells(const Communicator& comm, const std::vector<GroupOutline>
                        const SliceCells& slice, std::span<const int> owners)
     : groups_(&groups), ends_(endsOf(groups)) {
   const auto ranks = static_cast<std::size_t>(comm.size());
-  Bins<int> sent(ranks);
-  Bins<int> places(ranks);
+  Bins<int> sent;
+  Bins<int> places;
   together(comm, [&] {
+    sent.resize(ranks);
+    places.resize(ranks);
     for (std::size_t i = 0; i < slice.size(); ++i) {
       sent[static_cast<std::size_t>(owners[i])].push_back(slice.numbers()[i]);
       places[static_cast<std::size_t>(owners[i])].push_back(static_cast<int>(i));
@@ -134,8 +136,9 @@ Bins<int> DealtCells::placesWantedByOthers(const NodeUse& use, std::size_t ranks
 
 void DealtCells::addGhosts(const Communicator& comm, const NodeUse& use) {
   Bins<int> wanted;
-  Bins<int> numbers(static_cast<std::size_t>(comm.size()));
+  Bins<int> numbers;
   together(comm, [&] {
+    numbers.resize(static_cast<std::size_t>(comm.size()));
     wanted = placesWantedByOthers(use, numbers.size());
     for (std::size_t i = 0; i < wanted.size(); ++i) {
       for (const int place : wanted[i]) {

@@ -191,9 +191,11 @@ int Distributor::localNode(int number) const noexcept {
 void Distributor::makeNodeRoutes() {
   PartEntity& nodes = part_->of(Entity::nodes);
   nodesFromSlice_ = routesToWanted(comm_, slice_.offsets, nodes.numbers);
-  Bins<int> asked(static_cast<std::size_t>(comm_.size()));
-  Bins<int> places(asked.size());
+  Bins<int> asked;
+  Bins<int> places;
   together(comm_, [&] {
+    asked.resize(static_cast<std::size_t>(comm_.size()));
+    places.resize(asked.size());
     for (std::size_t i = numberOfOwned_; i < nodes.numbers.size(); ++i) {
       const auto owner = static_cast<std::size_t>(nodes.owners[i]);
       asked[owner].push_back(nodes.numbers[i]);
@@ -274,9 +276,13 @@ void Distributor::fillCells(Entity entity) {
 }
 
 std::unique_ptr<const PartContent> Distributor::run() {
-  together(comm_, [&] { requireUsable(); });
-  slice_ = {comm_.offsets(document_.view().nodes().size()), document_.view().nodes().coordinates(),
-            document_.view().dimension()};
+  together(comm_, [&] {
+    requireUsable();
+    slice_.coordinates = document_.view().nodes().coordinates();
+    slice_.dimension = document_.view().dimension();
+    slice_.offsets.resize(static_cast<std::size_t>(comm_.size()) + 1);
+  });
+  comm_.listOffsets(document_.view().nodes().size(), slice_.offsets);
   Communicator kept(comm_.get());
   together(comm_,
            [&] { part_ = std::make_unique<PartContent>(std::move(kept), document_.here()); });

@@ -5,10 +5,10 @@
 #include "agreement.h"
 #include "communicator.h"
 
-#include <algorithm>
 #include <climits>
 #include <cstddef>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace orvml::parallel::detail {
@@ -21,13 +21,15 @@ using Bins = std::vector<std::vector<Value>>;
 /// into memory that is gone.
 class Messages {
  public:
-  explicit Messages(std::size_t most) { requests_.reserve(most); }
+  Messages() = default;
   Messages(const Messages&) = delete;
   Messages& operator=(const Messages&) = delete;
   Messages(Messages&&) = delete;
   Messages& operator=(Messages&&) = delete;
   ~Messages() { wait(); }
 
+  /// Makes room for so many at a time, which is what can fail.
+  void reserve(std::size_t most) { requests_.reserve(most); }
   void send(const Communicator& comm, int to, const void* values, std::size_t count,
             MPI_Datatype type) {
     MPI_Isend(values, static_cast<int>(count), type, to, kTag, comm.get(), &add());
@@ -57,33 +59,30 @@ inline void requireMessage(std::size_t count) {
   }
 }
 
-/// How many values each rank sends to this one. Collective.
-template <class Value>
-std::vector<int> countsFromOthers(const Communicator& comm, const Bins<Value>& bins) {
-  std::vector<int> sent(bins.size());
-  std::vector<int> received(bins.size());
-  together(comm, [&] {
-    std::transform(bins.begin(), bins.end(), sent.begin(), [](const auto& bin) {
-      requireMessage(bin.size());
-      return static_cast<int>(bin.size());
-    });
-  });
-  MPI_Alltoall(sent.data(), 1, MPI_INT, received.data(), 1, MPI_INT, comm.get());
-  return received;
-}
-
 /// Gives every rank its bin, and returns what the others had for this one. Besides the counts there
-/// is a message for each pair of ranks that have something to tell. Collective.
+/// is a message for each pair of ranks that have something to tell. Collective; what fails on one
+/// rank is thrown on all.
 template <class Value>
 Bins<Value> exchangeBins(const Communicator& comm, Bins<Value> bins) {
-  const std::vector<int> counts = countsFromOthers(comm, bins);
-  Bins<Value> received(bins.size());
+  std::vector<int> sent;
+  std::vector<int> counts;
+  Bins<Value> received;
+  Messages messages;
+  together(comm, [&] {
+    for (const std::vector<Value>& bin : bins) {
+      requireMessage(bin.size());
+      sent.push_back(static_cast<int>(bin.size()));
+    }
+    counts.resize(bins.size());
+    received.resize(bins.size());
+    messages.reserve(2 * bins.size());
+  });
+  MPI_Alltoall(sent.data(), 1, MPI_INT, counts.data(), 1, MPI_INT, comm.get());
   together(comm, [&] {
     for (std::size_t i = 0; i < bins.size(); ++i) {
       received[i].resize(static_cast<std::size_t>(counts[i]));
     }
   });
-  Messages messages(2 * bins.size());
   for (int i = 0; i < comm.size(); ++i) {
     const auto at = static_cast<std::size_t>(i);
     if (i == comm.rank()) {

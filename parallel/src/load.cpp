@@ -66,28 +66,40 @@ class DescribedFile {
   orvml_io::Descriptor descriptor_;
 };
 
+std::vector<char> packed(const std::vector<DocumentOutline>& outlines) {
+  detail::ByteWriter writer;
+  writer.add(outlines.size());
+  for (const DocumentOutline& outline : outlines) {
+    outline.pack(writer);
+  }
+  return writer.take();
+}
+
+std::vector<DocumentOutline> unpacked(const std::vector<char>& bytes) {
+  detail::ByteReader reader(bytes);
+  std::vector<DocumentOutline> outlines;
+  const auto count = reader.number<std::size_t>();
+  for (std::size_t i = 0; i < count; ++i) {
+    outlines.push_back(DocumentOutline::unpacked(reader));
+  }
+  return outlines;
+}
+
 /// Has the first rank describe the file, and tells all of them.
 std::vector<DocumentOutline> outlinesOfAll(const Communicator& comm,
                                            const std::filesystem::path& path,
                                            std::optional<Kind> wanted,
                                            std::optional<DescribedFile>& described) {
+  std::vector<char> bytes;
   together(comm, [&] {
     if (comm.isFirst()) {
       described.emplace(path, wanted);
+      bytes = packed(described->outlines());
     }
   });
-  std::vector<char> count;
-  if (comm.isFirst()) {
-    count.resize(described->outlines().size());
-  }
-  comm.broadcast(count);
+  comm.broadcast(bytes);
   std::vector<DocumentOutline> outlines;
-  for (std::size_t i = 0; i < count.size(); ++i) {
-    std::vector<char> bytes =
-        comm.isFirst() ? described->outlines()[i].packed() : std::vector<char>();
-    comm.broadcast(bytes);
-    outlines.push_back(DocumentOutline::unpacked(bytes));
-  }
+  together(comm, [&] { outlines = unpacked(bytes); });
   return outlines;
 }
 

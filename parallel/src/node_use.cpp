@@ -59,8 +59,9 @@ NodeUse useOfNodes(const Communicator& comm, std::span<const std::int64_t> offse
                    std::span<const int> used) {
   const auto ranks = static_cast<std::size_t>(comm.size());
   const auto rank = static_cast<std::size_t>(comm.rank());
-  Bins<int> bins(ranks);
+  Bins<int> bins;
   together(comm, [&] {
+    bins.resize(ranks);
     for (const int node : used) {
       bins[static_cast<std::size_t>(homeOf(offsets, node))].push_back(node);
     }

@@ -1,6 +1,5 @@
 #include "outline.h"
 
-#include "bytes.h"
 #include "hdf5/layout.h"
 #include "opened_file.h"
 
@@ -148,8 +147,7 @@ DocumentOutline DocumentOutline::withCounts(const std::vector<std::int64_t>& cou
   return outline;
 }
 
-std::vector<char> DocumentOutline::packed() const {
-  ByteWriter writer;
+void DocumentOutline::pack(ByteWriter& writer) const {
   writer.add(static_cast<int>(kind));
   writer.add(std::string_view(moduleName));
   writer.add(std::string_view(moduleFormatVersion));
@@ -167,11 +165,9 @@ std::vector<char> DocumentOutline::packed() const {
   for (const NamedValues& vector : vectorParameters) {
     add(writer, vector);
   }
-  return writer.take();
 }
 
-DocumentOutline DocumentOutline::unpacked(const std::vector<char>& bytes) {
-  ByteReader reader(bytes);
+DocumentOutline DocumentOutline::unpacked(ByteReader& reader) {
   DocumentOutline outline;
   outline.kind = static_cast<Kind>(reader.number<int>());
   outline.moduleName = reader.text();

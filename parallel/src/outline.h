@@ -2,6 +2,8 @@
 
 #include <orvml/view.hpp>
 
+#include "bytes.h"
+
 #include <array>
 #include <cstdint>
 #include <string>
@@ -77,8 +79,8 @@ struct DocumentOutline {
   /// The same with other counts, as many.
   [[nodiscard]] DocumentOutline withCounts(const std::vector<std::int64_t>& counts) const;
 
-  [[nodiscard]] std::vector<char> packed() const;
-  [[nodiscard]] static DocumentOutline unpacked(const std::vector<char>& bytes);
+  void pack(ByteWriter& writer) const;
+  [[nodiscard]] static DocumentOutline unpacked(ByteReader& reader);
 };
 
 /// The outline of what a view shows, with the paths that the file of such a document has.

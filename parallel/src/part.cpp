@@ -1,5 +1,6 @@
 #include <orvml/parallel/distribute.hpp>
 
+#include "agreement.h"
 #include "part_content.h"
 
 #include <algorithm>
@@ -10,7 +11,7 @@ namespace orvml::parallel {
 
 namespace {
 
-using detail::Cargo;
+using detail::BlockType;
 using detail::Lane;
 using detail::PartContent;
 using detail::PartEntity;
@@ -26,18 +27,24 @@ template <class Value>
 void exchange(const PartContent& part, Entity entity, std::span<Value> values, int width) {
   const PartEntity& things = part.of(entity);
   requireSize(values.size(), things.numbers.size(), width);
-  Cargo<Value>(things.fromOwners, width)
-      .carry(part.comm, things.fromOwners, std::span<const Value>(values), values);
+  const BlockType block = BlockType::of<Value>(width);
+  // All ranks are here or none: they have made the same exchanges.
+  if (things.cargo.room() < block.bytes()) {
+    together(part.comm, [&] { things.cargo.makeRoom(things.fromOwners, block.bytes()); });
+  }
+  things.cargo.carry(part.comm, things.fromOwners, block, values.data(), values.data());
 }
 
 template <class Value>
 std::vector<Value> broughtToSlice(const PartContent& part, Entity entity,
                                   std::span<const Value> values, int width) {
   const PartEntity& things = part.of(entity);
-  requireSize(values.size(), things.numbers.size(), width);
-  std::vector<Value> result(things.sizeOfSlice * static_cast<std::size_t>(width));
-  Cargo<Value>(things.toSlice, width)
-      .carry(part.comm, things.toSlice, values, std::span<Value>(result));
+  std::vector<Value> result;
+  together(part.comm, [&] {
+    requireSize(values.size(), things.numbers.size(), width);
+    result.resize(things.sizeOfSlice * static_cast<std::size_t>(width));
+  });
+  carry<Value>(part.comm, things.toSlice, values, result, width);
   return result;
 }
 

@@ -17,6 +17,8 @@ struct PartEntity {
   std::vector<int> owned;    ///< how many are owned: of nodes one number, of cells each group's
   Routes fromOwners;         ///< from owners to the copies on other ranks
   Routes toSlice;            ///< from owners to the slices
+  /// What exchanges keep their values in, so that only the first of a width needs memory.
+  mutable Cargo cargo;
   std::size_t sizeOfSlice = 0;
 };
 

@@ -6,7 +6,7 @@ namespace orvml::parallel::detail {
 
 std::vector<int> partition(const Communicator& comm, const SliceCells& cells,
                            const SliceNodes& nodes, Method method) {
-  const std::int64_t total = comm.sums({static_cast<std::int64_t>(cells.size())})[0];
+  const std::int64_t total = comm.sum(static_cast<std::int64_t>(cells.size()));
   if (total > 0 && method == Method::coordinates) {
     return partitionByCurve(comm, cells, nodes);
   }

@@ -1,5 +1,7 @@
 #include "routes.h"
 
+#include <algorithm>
+#include <cstring>
 #include <utility>
 
 namespace orvml::parallel::detail {
@@ -23,7 +25,65 @@ std::vector<Lane> lanesOfValues(const std::vector<Lane>& lanes,
   return result;
 }
 
+/// Takes the blocks of some places out of a list.
+void load(const std::vector<int>& places, std::size_t blockBytes, const char* from,
+          std::vector<char>& buffer) noexcept {
+  for (std::size_t i = 0; i < places.size(); ++i) {
+    std::memcpy(buffer.data() + i * blockBytes,
+                from + static_cast<std::size_t>(places[i]) * blockBytes, blockBytes);
+  }
+}
+
+/// Puts them into the places of another one.
+void unload(const std::vector<int>& places, std::size_t blockBytes, const std::vector<char>& buffer,
+            char* to) noexcept {
+  for (std::size_t i = 0; i < places.size(); ++i) {
+    std::memcpy(to + static_cast<std::size_t>(places[i]) * blockBytes,
+                buffer.data() + i * blockBytes, blockBytes);
+  }
+}
+
 }  // namespace
+
+void Cargo::makeRoom(const Routes& routes, std::size_t blockBytes) {
+  const auto grow = [blockBytes](const std::vector<Lane>& lanes, Buffers& buffers) {
+    buffers.resize(lanes.size());
+    for (std::size_t i = 0; i < lanes.size(); ++i) {
+      buffers[i].resize(lanes[i].places.size() * blockBytes);
+    }
+  };
+  room_ = 0;
+  grow(routes.out, out_);
+  grow(routes.in, in_);
+  messages_.reserve(routes.out.size() + routes.in.size());
+  room_ = blockBytes;
+}
+
+void Cargo::carry(const Communicator& comm, const Routes& routes, const BlockType& block,
+                  const void* from, void* to) noexcept {
+  const std::vector<char>* own = nullptr;  // what this rank has for itself
+  for (std::size_t i = 0; i < routes.in.size(); ++i) {
+    const Lane& lane = routes.in[i];
+    if (lane.rank != comm.rank()) {
+      messages_.receive(comm, lane.rank, in_[i].data(), lane.places.size(), block.get());
+    }
+  }
+  for (std::size_t i = 0; i < routes.out.size(); ++i) {
+    const Lane& lane = routes.out[i];
+    load(lane.places, block.bytes(), static_cast<const char*>(from), out_[i]);
+    if (lane.rank == comm.rank()) {
+      own = &out_[i];
+    } else {
+      messages_.send(comm, lane.rank, out_[i].data(), lane.places.size(), block.get());
+    }
+  }
+  messages_.wait();
+  for (std::size_t i = 0; i < routes.in.size(); ++i) {
+    const Lane& lane = routes.in[i];
+    unload(lane.places, block.bytes(), lane.rank == comm.rank() ? *own : in_[i],
+           static_cast<char*>(to));
+  }
+}
 
 Routes routesOfValues(const Routes& routes, std::span<const std::int64_t> fromStarts,
                       std::span<const std::int64_t> toStarts) {
@@ -48,9 +108,11 @@ int homeOf(std::span<const std::int64_t> offsets, std::int64_t number) noexcept 
 Routes routesToWanted(const Communicator& comm, std::span<const std::int64_t> offsets,
                       std::span<const int> wanted) {
   const auto ranks = static_cast<std::size_t>(comm.size());
-  Bins<int> asked(ranks);
-  Bins<int> places(ranks);
+  Bins<int> asked;
+  Bins<int> places;
   together(comm, [&] {
+    asked.resize(ranks);
+    places.resize(ranks);
     for (std::size_t i = 0; i < wanted.size(); ++i) {
       const auto home = static_cast<std::size_t>(homeOf(offsets, wanted[i]));
       asked[home].push_back(wanted[i]);

@@ -3,9 +3,8 @@
 #include "communicator.h"
 #include "exchange.h"
 
-#include <algorithm>
+#include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <span>
 #include <vector>
 
@@ -28,12 +27,12 @@ struct Routes {
   [[nodiscard]] Routes reversed() const { return {in, out}; }
 };
 
-/// A block of values as MPI counts it, so that 32 bits count the blocks alone.
+/// The values that a thing has, as MPI counts them, so that 32 bits count the things alone.
 class BlockType {
  public:
-  BlockType(MPI_Datatype value, int width) {
-    MPI_Type_contiguous(width, value, &type_);
-    MPI_Type_commit(&type_);
+  template <class Value>
+  [[nodiscard]] static BlockType of(int width) {
+    return {mpiType<Value>(), sizeof(Value), width};
   }
   BlockType(const BlockType&) = delete;
   BlockType& operator=(const BlockType&) = delete;
@@ -41,93 +40,53 @@ class BlockType {
   BlockType& operator=(BlockType&&) = delete;
   ~BlockType() { MPI_Type_free(&type_); }
   [[nodiscard]] MPI_Datatype get() const noexcept { return type_; }
+  [[nodiscard]] std::size_t bytes() const noexcept { return bytes_; }
 
  private:
+  BlockType(MPI_Datatype value, std::size_t valueBytes, int width)
+      : bytes_(valueBytes * static_cast<std::size_t>(width)) {
+    MPI_Type_contiguous(width, value, &type_);
+    MPI_Type_commit(&type_);
+  }
+
+  std::size_t bytes_;
   MPI_Datatype type_ = MPI_DATATYPE_NULL;
 };
 
-/// The memory that one transport of values needs. Making it is what can fail.
-template <class Value>
+/// The memory that transports along some routes need. Making it is what can fail.
 class Cargo {
  public:
-  Cargo(const Routes& routes, int width) : width_(static_cast<std::size_t>(width)) {
-    make(routes.out, out_);
-    make(routes.in, in_);
-    messages_ = routes.out.size() + routes.in.size();
-  }
+  /// Makes room for blocks of so many bytes.
+  void makeRoom(const Routes& routes, std::size_t blockBytes);
+  /// How many bytes a block may have.
+  [[nodiscard]] std::size_t room() const noexcept { return room_; }
 
-  /// Carries `width` values of each thing. Collective.
-  void carry(const Communicator& comm, const Routes& routes, std::span<const Value> from,
-             std::span<Value> to) {
-    const BlockType block(mpiType<Value>(), static_cast<int>(width_));
-    Messages messages(messages_);
-    for (std::size_t i = 0; i < routes.in.size(); ++i) {
-      if (routes.in[i].rank != comm.rank()) {
-        messages.receive(comm, routes.in[i].rank, in_[i].data(), routes.in[i].places.size(),
-                         block.get());
-      }
-    }
-    for (std::size_t i = 0; i < routes.out.size(); ++i) {
-      load(routes.out[i].places, from, out_[i]);
-      if (routes.out[i].rank != comm.rank()) {
-        messages.send(comm, routes.out[i].rank, out_[i].data(), routes.out[i].places.size(),
-                      block.get());
-      }
-    }
-    messages.wait();
-    for (std::size_t i = 0; i < routes.in.size(); ++i) {
-      unload(routes.in[i].places, routes.in[i].rank == comm.rank() ? ownOf(routes, comm) : in_[i],
-             to);
-    }
-  }
+  /// Carries a block of each thing from one list of blocks to another, which may be the same.
+  /// Collective, but for ranks with no route to each other.
+  ///
+  /// @param routes  those that room was made for
+  /// @param block   of at most as many bytes
+  void carry(const Communicator& comm, const Routes& routes, const BlockType& block,
+             const void* from, void* to) noexcept;
 
  private:
-  void make(const std::vector<Lane>& lanes, std::vector<std::vector<Value>>& buffers) {
-    for (const Lane& lane : lanes) {
-      buffers.emplace_back(lane.places.size() * width_);
-    }
-  }
+  using Buffers = std::vector<std::vector<char>>;
 
-  /// What this rank has for itself.
-  const std::vector<Value>& ownOf(const Routes& routes, const Communicator& comm) const {
-    const auto own = std::find_if(routes.out.begin(), routes.out.end(),
-                                  [&](const Lane& lane) { return lane.rank == comm.rank(); });
-    return out_[static_cast<std::size_t>(own - routes.out.begin())];
-  }
-
-  void load(const std::vector<int>& places, std::span<const Value> from,
-            std::vector<Value>& buffer) const {
-    for (std::size_t i = 0; i < places.size(); ++i) {
-      const auto values = from.subspan(static_cast<std::size_t>(places[i]) * width_, width_);
-      std::copy(values.begin(), values.end(),
-                buffer.begin() + static_cast<std::ptrdiff_t>(i * width_));
-    }
-  }
-
-  void unload(const std::vector<int>& places, const std::vector<Value>& buffer,
-              std::span<Value> to) const {
-    for (std::size_t i = 0; i < places.size(); ++i) {
-      const auto first = buffer.begin() + static_cast<std::ptrdiff_t>(i * width_);
-      std::copy(
-          first, first + static_cast<std::ptrdiff_t>(width_),
-          to.begin() + static_cast<std::ptrdiff_t>(static_cast<std::size_t>(places[i]) * width_));
-    }
-  }
-
-  std::size_t width_;
-  std::size_t messages_ = 0;
-  std::vector<std::vector<Value>> out_;
-  std::vector<std::vector<Value>> in_;
+  Buffers out_;
+  Buffers in_;
+  Messages messages_;
+  std::size_t room_ = 0;
 };
 
-/// Carries values from one list to another. Collective; a lack of memory on one rank is thrown on
-/// all.
+/// Carries `width` values of each thing from one list to another. Collective; a lack of memory on
+/// one rank is thrown on all.
 template <class Value>
 void carry(const Communicator& comm, const Routes& routes, std::span<const Value> from,
            std::span<Value> to, int width = 1) {
-  std::optional<Cargo<Value>> cargo;
-  together(comm, [&] { cargo.emplace(routes, width); });
-  cargo->carry(comm, routes, from, to);
+  const BlockType block = BlockType::of<Value>(width);
+  Cargo cargo;
+  together(comm, [&] { cargo.makeRoom(routes, block.bytes()); });
+  cargo.carry(comm, routes, block, from.data(), to.data());
 }
 
 /// The routes of single values, for things that have several each.

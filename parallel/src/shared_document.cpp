@@ -24,14 +24,17 @@ std::vector<char> structureOf(const DocumentOutline& outline) {
   structure.creator.clear();
   structure.parameters.clear();
   structure.vectorParameters.clear();
-  return structure.packed();
+  ByteWriter writer;
+  structure.pack(writer);
+  return writer.take();
 }
 
-void requireSameStructure(const Communicator& comm, const DocumentOutline& here) {
-  std::vector<char> first = structureOf(here);
+void requireSameStructure(const Communicator& comm, std::vector<char> here) {
+  std::vector<char> first;
+  together(comm, [&] { first = here; });
   comm.broadcast(first);
   together(comm, [&] {
-    if (first != structureOf(here)) {
+    if (first != here) {
       throw Error(Code::sizesDisagree,
                   "rank " + std::to_string(comm.rank()) +
                       " gives another kind of document, dimension, groups of cells or attributes "
@@ -59,7 +62,7 @@ void require32(std::int64_t count, const std::string& object, const char* what) 
   }
 }
 
-/// Checks what only the whole tells: on every rank with the same outcome.
+/// Checks what only the whole tells.
 void requireWritable(const DocumentOutline& whole) {
   const EntityOutline& nodes = whole.of(Entity::nodes);
   require32(nodes.size * whole.dimension, nodes.object, "coordinates");
@@ -141,15 +144,23 @@ const void* dataOf(const Attribute& attribute) {
 }  // namespace
 
 SharedDocument::SharedDocument(const Communicator& comm, const DocumentView& view) : view_(view) {
+  std::vector<char> structure;
+  std::vector<std::int64_t> before;
+  std::vector<std::int64_t> whole;
   together(comm, [&] {
     requireCoordinates(view_, comm.rank());
     here_ = outlineOf(view_);
+    structure = structureOf(here_);
+    before = whole = here_.counts();
   });
-  requireSameStructure(comm, here_);
-  const std::vector<std::int64_t> counts = here_.counts();
-  before_ = here_.withCounts(comm.sumsBefore(counts));
-  whole_ = here_.withCounts(comm.sums(counts));
-  requireWritable(whole_);
+  requireSameStructure(comm, std::move(structure));
+  comm.addUpBefore(before);
+  comm.addUp(whole);
+  together(comm, [&] {
+    before_ = here_.withCounts(before);
+    whole_ = here_.withCounts(whole);
+    requireWritable(whole_);
+  });
 }
 
 std::size_t SharedDocument::largestArrayBytes() const noexcept {

@@ -394,6 +394,70 @@ TEST(DocumentViewOfParts, TellsThePartsOfEachEntity) {
   EXPECT_EQ(namesOf(view.attributes(Entity::elements)), Names{"v"});
 }
 
+orvml::OutputView documentOfTwoNodes() {
+  static const Doubles kPlaces = {0, 0, 0, 1, 0, 0};
+  static const Ints kEdge = {0, 1};
+  static const Ints kColours = {7, 8};
+  orvml::DocumentParts parts;
+  parts.identification = {"MODULE", "2", "program"};
+  parts.dimension = 3;
+  parts.nodes = NodesView(kPlaces, 3, Attributes({{"COLOUR", kColours, true}, {"B", kColours}}));
+  parts.edges = CellsView({CellGroup(Shape::line, 2, kEdge)});
+  return orvml::OutputView(std::move(parts));
+}
+
+TEST(WithAttribute, AddsOneToNodesAndLeavesAllElse) {
+  const orvml::OutputView document = documentOfTwoNodes();
+  const Doubles heat = {20, 100};
+
+  const orvml::DocumentView heated = withAttribute(document, Entity::nodes, {"HEAT", heat});
+
+  EXPECT_EQ(namesOf(heated.nodes().attributes()), (Names{"B", "COLOUR", "HEAT"}));
+  EXPECT_EQ(heated.nodes().attributes().at("HEAT").doubles().data(), heat.data());
+  EXPECT_TRUE(heated.nodes().attributes().at("COLOUR").mustBeTransmitted);
+  EXPECT_EQ(contentOf(withAttribute(heated, Entity::nodes, {"HEAT", heat})), contentOf(heated));
+  EXPECT_EQ(heated.kind(), orvml::Kind::output);
+  EXPECT_EQ(heated.identification().moduleName, "MODULE");
+  EXPECT_EQ(heated.nodes().coordinates().data(), document.nodes().coordinates().data());
+  EXPECT_EQ(heated.edges().size(), 1);
+  EXPECT_EQ(document.nodes().attributes().size(), 2U);
+}
+
+TEST(WithAttribute, TakesThePlaceOfOneOfItsNameWhateverItsType) {
+  const Doubles shades = {0.5, 0.25};
+
+  const orvml::DocumentView document =
+      withAttribute(documentOfTwoNodes(), Entity::nodes, {"COLOUR", shades});
+
+  EXPECT_EQ(namesOf(document.nodes().attributes()), (Names{"B", "COLOUR"}));
+  EXPECT_EQ(document.nodes().attributes().at("COLOUR").doubles().data(), shades.data());
+  EXPECT_FALSE(document.nodes().attributes().at("COLOUR").mustBeTransmitted);
+}
+
+TEST(WithAttribute, KnowsEveryKindOfCells) {
+  const Ints values = {4};
+  for (const Entity entity : {Entity::edges, Entity::faces, Entity::elements}) {
+    const orvml::DocumentView document = withAttribute(documentOfTwoNodes(), entity, {"A", values});
+
+    EXPECT_EQ(document.attributes(entity).at("A").ints().data(), values.data());
+    EXPECT_EQ(document.cells(entity).groups().size(), entity == Entity::edges ? 1U : 0U);
+    EXPECT_EQ(document.nodes().attributes().size(), 2U);
+  }
+}
+
+TEST(WithAttribute, KeepsNodesWhoseCoordinatesAreNotKnown) {
+  orvml::DocumentParts parts;
+  parts.dimension = 2;
+  parts.nodes = NodesView::withoutCoordinates(3, 2);
+
+  const orvml::DocumentView document =
+      withAttribute(orvml::InputView(std::move(parts)), Entity::nodes, {"A", kInts});
+
+  EXPECT_EQ(document.kind(), orvml::Kind::input);
+  EXPECT_EQ(document.nodes().size(), 3);
+  EXPECT_EQ(document.nodes().attributes().size(), 1U);
+}
+
 TEST(ShapeNames, AreThoseOfTheShapes) {
   const std::array<std::string_view, 11> names = {
       "none",  "line",  "triangle", "quadrilateral", "tetrahedron", "hexahedron",

@@ -247,27 +247,11 @@ TEST_P(Distributed, ExchangeGivesEachCopyTheValuesOfItsOwner) {
   }
 }
 
-/// A view with one more attribute of nodes, and one of elements where there are any.
+/// A view with one more attribute of nodes, and one of elements.
 orvml::DocumentView withResults(const orvml::DocumentView& view, const std::vector<double>& nodes,
                                 const std::vector<int>& elements) {
-  orvml::DocumentParts parts;
-  parts.identification = view.identification();
-  parts.dimension = view.dimension();
-  std::vector<orvml::Attribute> ofNodes(view.nodes().attributes().begin(),
-                                        view.nodes().attributes().end());
-  ofNodes.emplace_back("temperature", std::span<const double>(nodes));
-  parts.nodes =
-      orvml::NodesView(view.nodes().coordinates(), view.dimension(), orvml::Attributes(ofNodes));
-  parts.edges = view.edges();
-  parts.faces = view.faces();
-  std::vector<orvml::Attribute> ofElements(view.elements().attributes().begin(),
-                                           view.elements().attributes().end());
-  ofElements.emplace_back("colour", std::span<const int>(elements));
-  const std::span<const orvml::CellGroup> groups = view.elements().groups();
-  parts.elements = orvml::CellsView({groups.begin(), groups.end()}, orvml::Attributes(ofElements));
-  parts.parameters = view.parameters();
-  parts.vectorParameters = view.vectorParameters();
-  return orvml::OutputView(parts);
+  return withAttribute(withAttribute(view, Entity::nodes, {"temperature", nodes}), Entity::elements,
+                       {"colour", elements});
 }
 
 TEST_P(Distributed, ResultsGoBackToTheSlicesAndIntoTheFileOfOneProcess) {

@@ -130,15 +130,10 @@ TEST(ParallelSaveOfSlices, KeepsAnAttributeOfAnotherLength) {
   const SharedFolder folder;
   const orvml::Output output = mixedShapes();
   const std::vector<int> more = {rank(), rank() + 1, rank() + 2, 7, 8};
-  orvml::DocumentParts parts;
-  parts.dimension = 3;
   const orvml::DocumentView part = partOf(output.view(), evenly(ranks()), rank());
-  parts.nodes = part.nodes();
-  const std::span<const orvml::CellGroup> groups = part.elements().groups();
-  parts.elements =
-      orvml::CellsView({groups.begin(), groups.end()}, orvml::Attributes({{"more", more}}));
 
-  orvml::parallel::save(MPI_COMM_WORLD, folder.path("file.h5"), orvml::OutputView(parts));
+  orvml::parallel::save(MPI_COMM_WORLD, folder.path("file.h5"),
+                        withAttribute(part, Entity::elements, {"more", more}));
 
   const orvml::Output read = orvml::loadOutput(folder.path("file.h5"));
   const auto found = read.attributes(Entity::elements).at("more").ints();

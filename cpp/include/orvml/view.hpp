@@ -153,6 +153,9 @@ class ORVML_EXPORT NodesView {
 
   [[nodiscard]] const Attributes& attributes() const noexcept { return attributes_; }
 
+  /// The same nodes with other attributes.
+  [[nodiscard]] NodesView withAttributes(Attributes attributes) const;
+
   /// The nodes from `first` to before `last` with their part of the attributes; throws
   /// std::out_of_range when there are not that many.
   [[nodiscard]] NodesView range(int first, int last) const;
@@ -266,6 +269,9 @@ class ORVML_EXPORT CellsView {
   [[nodiscard]] std::span<const CellGroup> groups() const noexcept;
   [[nodiscard]] const Attributes& attributes() const noexcept { return attributes_; }
 
+  /// The same cells with other attributes.
+  [[nodiscard]] CellsView withAttributes(Attributes attributes) const;
+
  private:
   std::shared_ptr<const std::vector<CellGroup>> groups_;
   int size_ = 0;
@@ -331,5 +337,11 @@ class ORVML_EXPORT OutputView : public DocumentView {
  public:
   explicit OutputView(DocumentParts parts) : DocumentView(Kind::output, std::move(parts)) {}
 };
+
+/// A view of the same document with an attribute of its nodes, or of its cells of one kind, in the
+/// place of the one of that name or beside the others. It borrows from both. The values should be
+/// as many as the nodes or cells are; check() finds an attribute of another size, this does not.
+[[nodiscard]] ORVML_EXPORT DocumentView withAttribute(const DocumentView& document, Entity entity,
+                                                      const Attribute& attribute);
 
 }  // namespace orvml

@@ -73,8 +73,11 @@ class ORVML_EXPORT Part {
   [[nodiscard]] std::vector<int> neighbours() const;
 
   // Gives the nodes, or the cells, of other ranks the values that their owners have, with one
-  // message from each neighbour. Collective. `values` has `width` values for each of the view, node
-  // after node or cell after cell; std::invalid_argument when it has not.
+  // message from each neighbour. Collective, with the same width everywhere. `values` has `width`
+  // values for each of the view, node after node or cell after cell; when it has not, this rank
+  // throws std::invalid_argument, and the others wait for it. The memory for values of so many
+  // bytes is kept: only the first exchange of them has the ranks agree, on std::bad_alloc when one
+  // lacks it.
 
   void exchangeNodes(std::span<double> values, int width = 1) const;
   void exchangeNodes(std::span<int> values, int width = 1) const;
@@ -83,7 +86,7 @@ class ORVML_EXPORT Part {
 
   // Brings values of this part back into the order of the slices that it was made from, to be saved
   // with them: each rank gets those of the nodes, or cells, of its slice, from their owners.
-  // Collective; sizes as above.
+  // Collective; sizes as above, on which the ranks agree here.
 
   [[nodiscard]] std::vector<double> toSlice(Entity entity, std::span<const double> values,
                                             int width = 1) const;

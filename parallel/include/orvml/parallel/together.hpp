@@ -9,11 +9,12 @@
 namespace orvml::parallel {
 
 /// Runs a step of this rank, and has every rank throw when the step of any throws: the error of the
-/// lowest rank that failed, the same on all. Collective; it costs one reduction of an int, and two
-/// broadcasts when something failed.
+/// lowest rank that failed, the same on all. Collective; it costs one reduction of an int, and one
+/// broadcast of 32 KiB when something failed.
 ///
-/// An orvml::Error and a std::bad_alloc stay what they are; any other exception becomes, on every
-/// rank, a std::runtime_error with its text.
+/// An orvml::Error, a std::bad_alloc and a std::invalid_argument stay what they are; any other
+/// exception becomes, on every rank, a std::runtime_error with its text. Texts are cut behind 8,192
+/// bytes.
 ///
 /// @param step  what only concerns this rank: a collective call in it would wait for ranks that
 ///              have failed before
