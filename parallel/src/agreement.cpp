@@ -89,25 +89,36 @@ void Failure::raise() const {
   throw std::runtime_error(sentence_);
 }
 
-void agree(const Communicator& comm, const std::optional<Failure>& failure) {
+namespace {
+
+/// The caller's communicator may return what fails.
+void requireDone(int status) {
+  if (status != MPI_SUCCESS) {
+    throw std::runtime_error("ranks cannot agree: MPI fails with status " + std::to_string(status));
+  }
+}
+
+}  // namespace
+
+void agree(MPI_Comm comm, const std::optional<Failure>& failure) {
   constexpr int kNobody = std::numeric_limits<int>::max();
-  const int failed = comm.least(failure ? comm.rank() : kNobody);
+  int rank = 0;
+  MPI_Comm_rank(comm, &rank);
+  int failed = failure ? rank : kNobody;
+  requireDone(MPI_Allreduce(MPI_IN_PLACE, &failed, 1, MPI_INT, MPI_MIN, comm));
   if (failed == kNobody) {
     return;
   }
   Failure::Message message;
-  if (failed == comm.rank()) {
+  if (failed == rank) {
     failure->pack(message);
   }
-  MPI_Bcast(&message, int{sizeof message}, MPI_BYTE, failed, comm.get());
+  requireDone(MPI_Bcast(&message, int{sizeof message}, MPI_BYTE, failed, comm));
   Failure::unpacked(message).raise();
 }
 
 }  // namespace detail
 
-void together(MPI_Comm comm, const std::function<void()>& step) {
-  const detail::Communicator ranks(comm);
-  detail::together(ranks, step);
-}
+void together(MPI_Comm comm, const std::function<void()>& step) { detail::together(comm, step); }
 
 }  // namespace orvml::parallel

@@ -7,6 +7,7 @@
 #include <array>
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace orvml::parallel::detail {
 
@@ -50,12 +51,12 @@ class Failure {
 };
 
 /// Throws on every rank what the lowest rank that failed gives; returns when none did. Collective.
-void agree(const Communicator& comm, const std::optional<Failure>& failure);
+void agree(MPI_Comm comm, const std::optional<Failure>& failure);
 
 /// Runs a step of this rank, and has every rank throw when the step of any throws; see the public
 /// function. Collective.
 template <class Step>
-void together(const Communicator& comm, Step&& step) {
+void together(MPI_Comm comm, Step&& step) {
   std::optional<Failure> failure;
   try {
     step();
@@ -63,6 +64,11 @@ void together(const Communicator& comm, Step&& step) {
     failure = Failure::current();
   }
   agree(comm, failure);
+}
+
+template <class Step>
+void together(const Communicator& comm, Step&& step) {
+  together(comm.get(), std::forward<Step>(step));
 }
 
 }  // namespace orvml::parallel::detail

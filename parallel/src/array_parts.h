@@ -1,5 +1,7 @@
 #pragma once
 
+#include <orvml/parallel/transfer.hpp>
+
 #include "communicator.h"
 #include "outline.h"
 #include "selection.h"
@@ -23,10 +25,10 @@ struct ArrayPart {
 /// Reads the parts of all ranks, one array after the other. Collective: every rank gives the same
 /// arrays in the same order. Every rank throws the same Error.
 void readParts(const Communicator& comm, const SharedFile& file,
-               const std::vector<ArrayPart<void*>>& parts);
+               const std::vector<ArrayPart<void*>>& parts, Transfer transfer);
 
 /// Writes them likewise.
 void writeParts(const Communicator& comm, const SharedFile& file,
-                const std::vector<ArrayPart<const void*>>& parts);
+                const std::vector<ArrayPart<const void*>>& parts, Transfer transfer);
 
 }  // namespace orvml::parallel::detail

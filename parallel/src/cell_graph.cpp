@@ -3,10 +3,13 @@
 #include "agreement.h"
 #include "exchange.h"
 #include "partition.h"
+#include "routes.h"
 
 #include <algorithm>
 #include <array>
+#include <climits>
 #include <cstddef>
+#include <string>
 #include <utility>
 
 namespace orvml::parallel::detail {
@@ -68,17 +71,13 @@ Record recordOf(const Facet& facet, std::span<const int> cell, int place) {
   return record;
 }
 
-/// Which rank compares a facet with those of others.
-std::size_t meetingPlace(const Record& record, std::size_t ranks) noexcept {
-  std::uint64_t hash = 14695981039346656037U;
-  for (std::size_t i = 0; i < kMostCorners; ++i) {
-    hash = (hash ^ static_cast<std::uint64_t>(record[i])) * 1099511628211U;
-  }
-  return static_cast<std::size_t>((hash >> 20U) % ranks);
+/// Whether two cells have a facet in common.
+bool isSameFacet(const Record& a, const Record& b) {
+  return std::equal(a.begin(), a.end() - 1, b.begin());
 }
 
-Bins<int> binsOfFacets(const SliceCells& cells, int firstPlace, std::size_t ranks) {
-  Bins<int> bins(ranks);
+std::vector<Record> recordsOf(const SliceCells& cells, int firstPlace) {
+  std::vector<Record> records;
   const GroupOutline* group = nullptr;
   std::vector<Facet> facets;
   for (std::size_t i = 0; i < cells.size(); ++i) {
@@ -87,12 +86,11 @@ Bins<int> binsOfFacets(const SliceCells& cells, int firstPlace, std::size_t rank
       facets = facetsOf(*group);
     }
     for (const Facet& facet : facets) {
-      const Record record = recordOf(facet, cells.nodesOf(i), firstPlace + static_cast<int>(i));
-      std::vector<int>& bin = bins[meetingPlace(record, ranks)];
-      bin.insert(bin.end(), record.begin(), record.end());
+      records.push_back(recordOf(facet, cells.nodesOf(i), firstPlace + static_cast<int>(i)));
     }
   }
-  return bins;
+  std::sort(records.begin(), records.end());
+  return records;
 }
 
 std::vector<Record> recordsOf(const Bins<int>& bins) {
@@ -108,25 +106,39 @@ std::vector<Record> recordsOf(const Bins<int>& bins) {
   return records;
 }
 
-/// Tells the ranks of cells with a common facet of each other. Where more than two have it, each
-/// hears of the one before and of the one behind it.
-Bins<int> binsOfPairs(const std::vector<Record>& records, std::span<const std::int64_t> offsets,
-                      std::size_t ranks) {
-  Bins<int> bins(ranks);
-  const auto tell = [&](int cell, int neighbour) {
-    const auto next = std::upper_bound(offsets.begin(), offsets.end(), cell);
-    std::vector<int>& bin = bins[static_cast<std::size_t>(next - offsets.begin()) - 1];
-    bin.insert(bin.end(), {cell, neighbour});
-  };
-  for (std::size_t i = 1; i < records.size(); ++i) {
-    const Record& a = records[i - 1];
-    const Record& b = records[i];
-    if (std::equal(a.begin(), a.end() - 1, b.begin()) && a.back() != b.back()) {
-      tell(a.back(), b.back());
-      tell(b.back(), a.back());
+/// Facets that one cell alone has here, for the ranks whose slices have their lowest nodes: there
+/// those meet that are the same. One that two cells here have would seldom find a third.
+Bins<int> binsOfOpenFacets(const std::vector<Record>& records,
+                           std::span<const std::int64_t> offsetsOfNodes) {
+  Bins<int> bins(offsetsOfNodes.size() - 1);
+  for (std::size_t i = 0; i < records.size(); ++i) {
+    const Record& record = records[i];
+    const bool isShared = (i > 0 && isSameFacet(records[i - 1], record)) ||
+                          (i + 1 < records.size() && isSameFacet(record, records[i + 1]));
+    if (!isShared) {
+      std::vector<int>& bin = bins[static_cast<std::size_t>(homeOf(offsetsOfNodes, record[0]))];
+      bin.insert(bin.end(), record.begin(), record.end());
     }
   }
   return bins;
+}
+
+/// Tells the ranks of cells with a common facet of each other. Where more than two have it, each
+/// hears of the one before and of the one behind it.
+void addPairs(const std::vector<Record>& records, std::span<const std::int64_t> offsetsOfCells,
+              Bins<int>& bins) {
+  const auto tell = [&](int cell, int neighbour) {
+    std::vector<int>& bin = bins[static_cast<std::size_t>(homeOf(offsetsOfCells, cell))];
+    bin.insert(bin.end(), {cell, neighbour});
+  };
+  for (std::size_t i = 1; i < records.size(); ++i) {
+    const int a = records[i - 1].back();
+    const int b = records[i].back();
+    if (a != b && isSameFacet(records[i - 1], records[i])) {
+      tell(a, b);
+      tell(b, a);
+    }
+  }
 }
 
 CellGraph graphOfPairs(const Bins<int>& bins, std::size_t cells, int firstPlace) {
@@ -152,20 +164,33 @@ CellGraph graphOfPairs(const Bins<int>& bins, std::size_t cells, int firstPlace)
 
 }  // namespace
 
-CellGraph graphOf(const Communicator& comm, const SliceCells& cells) {
-  const auto ranks = static_cast<std::size_t>(comm.size());
+CellGraph graphOf(const Communicator& comm, const SliceCells& cells,
+                  std::span<const std::int64_t> offsetsOfNodes) {
   std::vector<std::int64_t> offsets;
-  together(comm, [&] { offsets.resize(ranks + 1); });
+  together(comm, [&] { offsets.resize(static_cast<std::size_t>(comm.size()) + 1); });
   comm.listOffsets(static_cast<std::int64_t>(cells.size()), offsets);
   const auto firstPlace = static_cast<int>(offsets[static_cast<std::size_t>(comm.rank())]);
-  Bins<int> facets;
-  together(comm, [&] { facets = binsOfFacets(cells, firstPlace, ranks); });
-  facets = exchangeBins(comm, std::move(facets));
   Bins<int> pairs;
-  together(comm, [&] { pairs = binsOfPairs(recordsOf(facets), offsets, ranks); });
+  Bins<int> facets;
+  together(comm, [&] {
+    const std::vector<Record> own = recordsOf(cells, firstPlace);
+    pairs.resize(offsets.size() - 1);
+    addPairs(own, offsets, pairs);
+    facets = binsOfOpenFacets(own, offsetsOfNodes);
+  });
+  facets = exchangeBins(comm, std::move(facets));
+  together(comm, [&] { addPairs(recordsOf(facets), offsets, pairs); });
   pairs = exchangeBins(comm, std::move(pairs));
   CellGraph graph;
   together(comm, [&] { graph = graphOfPairs(pairs, cells.size(), firstPlace); });
+  const std::int64_t arcs = comm.sum(static_cast<std::int64_t>(graph.neighbours.size()));
+  together(comm, [&] {
+    if (arcs > INT_MAX) {
+      throw Error(Code::tooManyValues, "the cells have " + std::to_string(arcs) +
+                                           " neighbours all together, PT-Scotch counts up to " +
+                                           std::to_string(INT_MAX));
+    }
+  });
   return graph;
 }
 

@@ -10,6 +10,8 @@ namespace orvml::parallel::detail {
 
 Communicator::Communicator(MPI_Comm comm) {
   MPI_Comm_dup(comm, &comm_);
+  // The caller's may return what fails, which a rank alone could not mend.
+  MPI_Comm_set_errhandler(comm_, MPI_ERRORS_ARE_FATAL);
   MPI_Comm_rank(comm_, &rank_);
   MPI_Comm_size(comm_, &size_);
 }
@@ -65,6 +67,11 @@ std::int64_t Communicator::sum(std::int64_t value) const noexcept {
 
 void Communicator::addUp(std::span<std::int64_t> values) const noexcept {
   MPI_Allreduce(MPI_IN_PLACE, values.data(), static_cast<int>(values.size()), MPI_INT64_T, MPI_SUM,
+                comm_);
+}
+
+void Communicator::greatest(std::span<std::int64_t> values) const noexcept {
+  MPI_Allreduce(MPI_IN_PLACE, values.data(), static_cast<int>(values.size()), MPI_INT64_T, MPI_MAX,
                 comm_);
 }
 

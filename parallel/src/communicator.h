@@ -36,6 +36,8 @@ class Communicator {
   [[nodiscard]] std::int64_t sum(std::int64_t value) const noexcept;
   /// Adds numbers up over the ranks, element by element, in place.
   void addUp(std::span<std::int64_t> values) const noexcept;
+  /// The greatest number of any rank, element by element, in place.
+  void greatest(std::span<std::int64_t> values) const noexcept;
   /// Adds up those of the ranks before this one, in place.
   void addUpBefore(std::span<std::int64_t> values) const noexcept;
   /// Where the values of each rank begin when they lie one after the other: a number for each rank

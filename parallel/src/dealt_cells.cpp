@@ -10,7 +10,7 @@ namespace orvml::parallel::detail {
 
 namespace {
 
-/// A cell that arrives: its number, who sends it, and the how manieth of that rank it is.
+/// A cell that arrives: its number, who sends it, and its place among those from there.
 struct Arrival {
   int number;
   std::size_t lane;
@@ -115,31 +115,33 @@ std::vector<std::int64_t> DealtCells::startsOf(std::span<const int> numbers) con
 }
 
 /// The owned cells that each other rank gets as ghosts.
-Bins<int> DealtCells::placesWantedByOthers(const NodeUse& use, std::size_t ranks) const {
+Bins<int> DealtCells::placesWantedByOthers(std::span<const Use> otherUsers,
+                                           std::size_t ranks) const {
   Bins<int> places(ranks);
-  const auto isBefore = [](const std::pair<int, int>& a, int node) { return a.first < node; };
+  const auto isBefore = [](const Use& use, int node) { return use.first < node; };
+  std::vector<int> others;
   for (std::size_t cell = 0; cell < numbers_.size(); ++cell) {
-    std::vector<int> others;
-    for (std::int64_t i = starts_[cell]; i < starts_[cell + 1]; ++i) {
-      const int node = indices_[static_cast<std::size_t>(i)];
-      auto other = std::lower_bound(use.others.begin(), use.others.end(), node, isBefore);
-      for (; other != use.others.end() && other->first == node; ++other) {
+    others.clear();
+    for (const int node : nodesOf(cell)) {
+      auto other = std::lower_bound(otherUsers.begin(), otherUsers.end(), node, isBefore);
+      for (; other != otherUsers.end() && other->first == node; ++other) {
         others.push_back(other->second);
       }
     }
-    for (const int rank : sortedOnce(std::move(others))) {
+    others = sortedOnce(std::move(others));
+    for (const int rank : others) {
       places[static_cast<std::size_t>(rank)].push_back(static_cast<int>(cell));
     }
   }
   return places;
 }
 
-void DealtCells::addGhosts(const Communicator& comm, const NodeUse& use) {
+void DealtCells::addGhosts(const Communicator& comm, std::span<const Use> otherUsers) {
   Bins<int> wanted;
   Bins<int> numbers;
   together(comm, [&] {
     numbers.resize(static_cast<std::size_t>(comm.size()));
-    wanted = placesWantedByOthers(use, numbers.size());
+    wanted = placesWantedByOthers(otherUsers, numbers.size());
     for (std::size_t i = 0; i < wanted.size(); ++i) {
       for (const int place : wanted[i]) {
         numbers[i].push_back(numbers_[static_cast<std::size_t>(place)]);

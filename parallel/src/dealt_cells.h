@@ -25,12 +25,19 @@ class DealtCells {
              const SliceCells& slice, std::span<const int> owners);
 
   /// Adds the cells of other ranks that use a node of this one's. Collective.
-  void addGhosts(const Communicator& comm, const NodeUse& use);
+  ///
+  /// @param otherUsers  of the nodes of this rank's cells
+  void addGhosts(const Communicator& comm, std::span<const Use> otherUsers);
 
   [[nodiscard]] const std::vector<int>& numbers() const noexcept { return numbers_; }
   [[nodiscard]] const std::vector<int>& owners() const noexcept { return owners_; }
   /// Node indices of the whole.
   [[nodiscard]] const std::vector<int>& nodeIndices() const noexcept { return indices_; }
+  [[nodiscard]] std::span<const int> nodesOf(std::size_t cell) const noexcept {
+    return std::span<const int>(indices_).subspan(
+        static_cast<std::size_t>(starts_[cell]),
+        static_cast<std::size_t>(starts_[cell + 1] - starts_[cell]));
+  }
   /// How many of each group are owned, and how many there are.
   [[nodiscard]] std::vector<int> ownedOfGroups(int rank) const;
   [[nodiscard]] std::vector<GroupOutline> groupsHere() const;
@@ -40,7 +47,8 @@ class DealtCells {
 
  private:
   [[nodiscard]] std::vector<std::int64_t> startsOf(std::span<const int> numbers) const;
-  [[nodiscard]] Bins<int> placesWantedByOthers(const NodeUse& use, std::size_t ranks) const;
+  [[nodiscard]] Bins<int> placesWantedByOthers(std::span<const Use> otherUsers,
+                                               std::size_t ranks) const;
   void arrange(int rank, const Bins<int>& ghosts, Bins<int> wanted);
   void moveNodeIndices(std::span<const int> ownedPlaces);
 

@@ -2,6 +2,7 @@
 
 #include "agreement.h"
 #include "dealt_cells.h"
+#include "lower_cells.h"
 #include "node_use.h"
 #include "part_content.h"
 #include "partition.h"
@@ -36,10 +37,12 @@ class Distributor {
     return document_.whole().of(entity);
   }
   [[nodiscard]] Entity highestEntity() const noexcept;
+  void requireAttributes(Entity entity) const;
+  void requireProportion(Entity entity) const;
   void requireUsable() const;
   [[nodiscard]] SliceCells sliceOf(Entity entity) const;
   void dealHighest(Entity entity);
-  void dealBelow(Entity entity);
+  void dealBelow(Entity entity, const DealtCells& dealt);
   void numberNodes();
   void makeNodeRoutes();
   void fillNodes();
@@ -68,19 +71,45 @@ Entity Distributor::highestEntity() const noexcept {
   return Entity::edges;
 }
 
-/// Checks this rank's part of the mesh; the outcome is to be agreed on.
+/// Checks what only the whole tells.
+void Distributor::requireAttributes(Entity entity) const {
+  for (const VectorOutline& attribute : whole(entity).attributes) {
+    if (attribute.size != whole(entity).size) {
+      throw Error(Code::sizesDisagree,
+                  attribute.object + " has " + std::to_string(attribute.size) +
+                      " values, and cannot be dealt out with " +
+                      std::to_string(whole(entity).size) + " nodes or cells",
+                  {{}, attribute.object, {}});
+    }
+  }
+}
+
+/// A file names billions of cells without nodes in a few bytes. To deal them out takes memory for
+/// each, as it does for cells of which something is stored.
+void Distributor::requireProportion(Entity entity) const {
+  constexpr std::int64_t kAlwaysAllowed = 1000000;
+  std::int64_t stored = kAlwaysAllowed + whole(Entity::nodes).size;
+  for (const Entity other : kEntities) {
+    stored += whole(other).numberOfIndices();
+    for (const VectorOutline& attribute : whole(other).attributes) {
+      stored += attribute.size;
+    }
+  }
+  if (whole(entity).size > stored) {
+    throw Error(Code::memoryOutOfProportion,
+                whole(entity).object + " belongs to " + std::to_string(whole(entity).size) +
+                    " cells, most of them without nodes, which would take memory out of all "
+                    "proportion to the document",
+                {{}, whole(entity).object, {}});
+  }
+}
+
+/// Checks the mesh, and this rank's part of it; the outcome is to be agreed on.
 void Distributor::requireUsable() const {
   const std::int64_t nodes = whole(Entity::nodes).size;
   for (const Entity entity : kEntities) {
-    for (const VectorOutline& attribute : whole(entity).attributes) {
-      if (attribute.size != whole(entity).size) {
-        throw Error(Code::sizesDisagree,
-                    attribute.object + " has " + std::to_string(attribute.size) +
-                        " values, and cannot be dealt out with " +
-                        std::to_string(whole(entity).size) + " nodes or cells",
-                    {{}, attribute.object, {}});
-      }
-    }
+    requireAttributes(entity);
+    requireProportion(entity);
     for (const CellGroup& group : document_.view().cells(entity).groups()) {
       for (const int node : group.nodeIndices()) {
         if (node < 0 || node >= nodes) {
@@ -106,37 +135,15 @@ void Distributor::dealHighest(Entity entity) {
   std::vector<int> used;
   together(comm_, [&] { used = sortedOnce(cells(entity).nodeIndices()); });
   use_ = useOfNodes(comm_, slice_.offsets, used);
-  if (how_.withGhosts) {
-    cells(entity).addGhosts(comm_, use_);
-  }
 }
 
-/// Cells of a lower dimension go to the owner of their lowest node; those of no node stay.
-void Distributor::dealBelow(Entity entity) {
+void Distributor::dealBelow(Entity entity, const DealtCells& dealt) {
   SliceCells slice;
-  std::vector<int> lowest;
-  std::vector<int> wanted;
-  std::vector<int> ownersOfWanted;
-  together(comm_, [&] {
-    slice = sliceOf(entity);
-    for (std::size_t i = 0; i < slice.size(); ++i) {
-      const std::span<const int> nodes = slice.nodesOf(i);
-      lowest.push_back(nodes.empty() ? -1 : *std::min_element(nodes.begin(), nodes.end()));
-    }
-    wanted = sortedOnce(lowest);
-    wanted.erase(wanted.begin(), std::lower_bound(wanted.begin(), wanted.end(), 0));
-    ownersOfWanted.resize(wanted.size());
-  });
-  const Routes routes = routesToWanted(comm_, slice_.offsets, wanted);
-  carry<int>(comm_, routes, use_.owners, ownersOfWanted);
+  together(comm_, [&] { slice = sliceOf(entity); });
   std::vector<int> owners;
-  together(comm_, [&] {
-    for (const int node : lowest) {
-      const auto found = std::lower_bound(wanted.begin(), wanted.end(), node);
-      owners.push_back(node < 0 ? comm_.rank()
-                                : ownersOfWanted[static_cast<std::size_t>(found - wanted.begin())]);
-    }
-  });
+  if (whole(entity).size > 0) {
+    owners = ownersOfLowerCells(comm_, slice, slice_.offsets, use_, dealt);
+  }
   cells(entity) = DealtCells(comm_, whole(entity).groups, slice, owners);
 }
 
@@ -284,14 +291,20 @@ std::unique_ptr<const PartContent> Distributor::run() {
   });
   comm_.listOffsets(document_.view().nodes().size(), slice_.offsets);
   Communicator kept(comm_.get());
-  together(comm_,
-           [&] { part_ = std::make_unique<PartContent>(std::move(kept), document_.here()); });
+  together(comm_, [&] {
+    DocumentOutline outline = document_.here();
+    takeParameters(document_.view(), outline);
+    part_ = std::make_unique<PartContent>(std::move(kept), std::move(outline));
+  });
   const Entity highest = highestEntity();
   dealHighest(highest);
   for (const Entity entity : kCellEntities) {
     if (entity != highest) {
-      dealBelow(entity);
+      dealBelow(entity, cells(highest));
     }
+  }
+  if (how_.withGhosts) {
+    cells(highest).addGhosts(comm_, otherUsers(comm_, use_));
   }
   numberNodes();
   makeNodeRoutes();
@@ -299,6 +312,12 @@ std::unique_ptr<const PartContent> Distributor::run() {
   for (const Entity entity : kCellEntities) {
     fillCells(entity);
   }
+  together(comm_, [&] {
+    for (const Entity entity : kEntities) {
+      const PartEntity& things = part_->of(entity);
+      things.cargo.makeRoom(things.fromOwners, sizeof(double));
+    }
+  });
   return std::move(part_);
 }
 

@@ -59,8 +59,9 @@ void requireDone(const Communicator& comm, bool isDone) {
 
 }  // namespace
 
-std::vector<int> partitionByGraph(const Communicator& comm, const SliceCells& cells) {
-  CellGraph graph = graphOf(comm, cells);
+std::vector<int> partitionByGraph(const Communicator& comm, const SliceCells& cells,
+                                  const SliceNodes& nodes) {
+  CellGraph graph = graphOf(comm, cells, nodes.offsets);
   std::vector<int> ranks;
   together(comm, [&] {
     ranks.resize(cells.size() + 1);  // a place also where there is no cell

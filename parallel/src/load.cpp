@@ -3,11 +3,11 @@
 #include "agreement.h"
 #include "array_parts.h"
 #include "bytes.h"
+#include "file_checks.h"
 #include "opened_file.h"
 #include "outline_reader.h"
 #include "slice_content.h"
 
-#include <sys/file.h>
 #include <sys/stat.h>
 
 #include <memory>
@@ -31,6 +31,10 @@ class DescribedFile {
  public:
   DescribedFile(const std::filesystem::path& path, std::optional<Kind> wanted) : path_(path) {
     OpenedFile file(path);
+    // From here on nobody begins to write it in place, also while HDF5 has it closed in between.
+    if (orvml::detail::isHeldForWriting(file.descriptor())) {
+      orvml::detail::throwHeldForWriting(path, {});
+    }
     for (const Kind kind : {Kind::input, Kind::output}) {
       if (wanted.value_or(kind) == kind && file.holds(kind)) {
         outlines_.push_back(detail::readOutline(file, kind));
@@ -43,8 +47,6 @@ class DescribedFile {
       throw Error(Code::noDocument, "holds no document", {path, {}, {}});
     }
     descriptor_ = file.takeDescriptor();
-    // Nobody begins to write it in place; where locks do not work there is none.
-    (void)::flock(descriptor_.get(), LOCK_SH | LOCK_NB);
   }
 
   [[nodiscard]] const std::vector<DocumentOutline>& outlines() const noexcept { return outlines_; }
@@ -168,18 +170,20 @@ std::vector<ArrayPart<void*>> makeRoom(SliceContent& slice, const Communicator& 
   return parts;
 }
 
-Slice readSlice(const Communicator& comm, const SharedFile& file, DocumentOutline outline) {
+Slice readSlice(const Communicator& comm, const SharedFile& file, DocumentOutline outline,
+                Transfer transfer) {
   std::unique_ptr<SliceContent> slice;
   std::vector<ArrayPart<void*>> parts;
   together(comm, [&] {
     slice = std::make_unique<SliceContent>(std::move(outline), comm.rank(), comm.size());
     parts = makeRoom(*slice, comm);
   });
-  readParts(comm, file, parts);
+  readParts(comm, file, parts, transfer);
   return Slice(std::move(slice));
 }
 
-Loaded loadKinds(MPI_Comm callers, const std::filesystem::path& path, std::optional<Kind> wanted) {
+Loaded loadKinds(MPI_Comm callers, const std::filesystem::path& path, std::optional<Kind> wanted,
+                 Transfer transfer) {
   const Communicator comm(callers);
   std::optional<DescribedFile> described;
   std::vector<DocumentOutline> outlines = outlinesOfAll(comm, path, wanted, described);
@@ -192,23 +196,23 @@ Loaded loadKinds(MPI_Comm callers, const std::filesystem::path& path, std::optio
   Loaded loaded;
   for (DocumentOutline& outline : outlines) {
     auto& slice = outline.kind == Kind::input ? loaded.input : loaded.output;
-    slice = readSlice(comm, file, std::move(outline));
+    slice = readSlice(comm, file, std::move(outline), transfer);
   }
   return loaded;
 }
 
 }  // namespace
 
-Loaded load(MPI_Comm comm, const std::filesystem::path& path) {
-  return loadKinds(comm, path, std::nullopt);
+Loaded load(MPI_Comm comm, const std::filesystem::path& path, Transfer transfer) {
+  return loadKinds(comm, path, std::nullopt, transfer);
 }
 
-Slice loadInput(MPI_Comm comm, const std::filesystem::path& path) {
-  return std::move(*loadKinds(comm, path, Kind::input).input);
+Slice loadInput(MPI_Comm comm, const std::filesystem::path& path, Transfer transfer) {
+  return std::move(*loadKinds(comm, path, Kind::input, transfer).input);
 }
 
-Slice loadOutput(MPI_Comm comm, const std::filesystem::path& path) {
-  return std::move(*loadKinds(comm, path, Kind::output).output);
+Slice loadOutput(MPI_Comm comm, const std::filesystem::path& path, Transfer transfer) {
+  return std::move(*loadKinds(comm, path, Kind::output, transfer).output);
 }
 
 }  // namespace orvml::parallel

@@ -10,9 +10,6 @@ namespace orvml::parallel::detail {
 
 namespace {
 
-/// A node and a rank that uses it.
-using Use = std::pair<int, int>;
-
 std::vector<Use> usesOf(const Bins<int>& nodesOfRanks) {
   std::vector<Use> uses;
   for (std::size_t rank = 0; rank < nodesOfRanks.size(); ++rank) {
@@ -69,20 +66,26 @@ NodeUse useOfNodes(const Communicator& comm, std::span<const std::int64_t> offse
   bins = exchangeBins(comm, std::move(bins));
   NodeUse use;
   together(comm, [&] {
-    const std::vector<Use> uses = usesOf(bins);
-    use.owners = ownersOf(uses, offsets[rank], offsets[rank + 1], comm.rank());
-    bins = binsOfOthers(uses, ranks);
+    use.users = usesOf(bins);
+    use.owners = ownersOf(use.users, offsets[rank], offsets[rank + 1], comm.rank());
   });
+  return use;
+}
+
+std::vector<Use> otherUsers(const Communicator& comm, const NodeUse& use) {
+  Bins<int> bins;
+  together(comm, [&] { bins = binsOfOthers(use.users, static_cast<std::size_t>(comm.size())); });
   bins = exchangeBins(comm, std::move(bins));
+  std::vector<Use> others;
   together(comm, [&] {
     for (const std::vector<int>& bin : bins) {
       for (std::size_t i = 0; i < bin.size(); i += 2) {
-        use.others.emplace_back(bin[i], bin[i + 1]);
+        others.emplace_back(bin[i], bin[i + 1]);
       }
     }
-    std::sort(use.others.begin(), use.others.end());
+    std::sort(others.begin(), others.end());
   });
-  return use;
+  return others;
 }
 
 }  // namespace orvml::parallel::detail

@@ -9,13 +9,13 @@
 
 namespace orvml::parallel::detail {
 
-/// Which ranks use which nodes.
+/// A node, by its number in the whole, and a rank that uses it.
+using Use = std::pair<int, int>;
+
+/// Which ranks use the nodes of this rank's slice.
 struct NodeUse {
-  /// Of each node of this rank's slice: the lowest rank that uses it; this rank for one of no use.
-  std::vector<int> owners;
-  /// Of each node that this rank uses and others too: its number, and each of the other ranks;
-  /// ascending.
-  std::vector<std::pair<int, int>> others;
+  std::vector<Use> users;   ///< ascending
+  std::vector<int> owners;  ///< of each node the lowest rank; this one for a node of no use
 };
 
 /// Collective.
@@ -24,5 +24,8 @@ struct NodeUse {
 /// @param used     the nodes that this rank uses, by their numbers in the whole, each once
 [[nodiscard]] NodeUse useOfNodes(const Communicator& comm, std::span<const std::int64_t> offsets,
                                  std::span<const int> used);
+
+/// Of each node that this rank uses and others too, each of the others; ascending. Collective.
+[[nodiscard]] std::vector<Use> otherUsers(const Communicator& comm, const NodeUse& use);
 
 }  // namespace orvml::parallel::detail

@@ -210,13 +210,16 @@ DocumentOutline outlineOf(const DocumentView& view) {
   for (const Entity entity : kCellEntities) {
     outline.of(entity) = outlineOf(view.cells(entity), groupPathOf(view.kind(), entity));
   }
+  return outline;
+}
+
+void takeParameters(const DocumentView& view, DocumentOutline& outline) {
   for (const Parameter& parameter : view.parameters()) {
     outline.parameters.emplace_back(parameter.name, parameter.value);
   }
   for (const Attribute& vector : view.vectorParameters()) {
     outline.vectorParameters.push_back({std::string(vector.name), copyOf(vector)});
   }
-  return outline;
 }
 
 }  // namespace orvml::parallel::detail

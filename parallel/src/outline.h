@@ -83,8 +83,12 @@ struct DocumentOutline {
   [[nodiscard]] static DocumentOutline unpacked(ByteReader& reader);
 };
 
-/// The outline of what a view shows, with the paths that the file of such a document has.
+/// The outline of what a view shows, with the paths that the file of such a document has, and
+/// without parameters: those of most ranks are not asked for.
 [[nodiscard]] DocumentOutline outlineOf(const DocumentView& view);
+
+/// Gives an outline copies of the parameters of a view.
+void takeParameters(const DocumentView& view, DocumentOutline& outline);
 
 /// The absolute path of the group of an entity in a document's file.
 [[nodiscard]] std::string groupPathOf(Kind kind, Entity entity);

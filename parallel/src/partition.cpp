@@ -11,7 +11,7 @@ std::vector<int> partition(const Communicator& comm, const SliceCells& cells,
     return partitionByCurve(comm, cells, nodes);
   }
   if (total > 0 && method == Method::graph) {
-    return partitionByGraph(comm, cells);
+    return partitionByGraph(comm, cells, nodes);
   }
   std::vector<int> ranks;
   together(comm, [&] { ranks.assign(cells.size(), comm.rank()); });

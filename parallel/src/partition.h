@@ -27,7 +27,8 @@ struct SliceNodes {
                                                 const SliceNodes& nodes);
 
 /// The same by PT-Scotch.
-[[nodiscard]] std::vector<int> partitionByGraph(const Communicator& comm, const SliceCells& cells);
+[[nodiscard]] std::vector<int> partitionByGraph(const Communicator& comm, const SliceCells& cells,
+                                                const SliceNodes& nodes);
 
 /// Which cells each cell of this rank's slice has a face in common with: their places in the list
 /// of all cells, those of the ranks one after the other.
@@ -36,7 +37,10 @@ struct CellGraph {
   std::vector<int> neighbours;
 };
 
-/// Collective.
-[[nodiscard]] CellGraph graphOf(const Communicator& comm, const SliceCells& cells);
+/// Collective. Throws Code::tooManyValues on every rank for a graph of more than 32 bits count.
+///
+/// @param offsetsOfNodes  where the nodes of each slice begin, and the total
+[[nodiscard]] CellGraph graphOf(const Communicator& comm, const SliceCells& cells,
+                                std::span<const std::int64_t> offsetsOfNodes);
 
 }  // namespace orvml::parallel::detail

@@ -77,7 +77,7 @@ class NewFile {
 
 /// Has all ranks write what they share into the new file.
 void fill(const Communicator& comm, const std::string& name, const std::filesystem::path& path,
-          std::list<SharedDocument>& documents, bool flush) {
+          std::list<SharedDocument>& documents, bool flush, Transfer transfer) {
   SharedFile file(comm, name, path, SharedFile::Access::write);
   std::vector<ArrayPart<const void*>> parts;
   together(comm, [&] {
@@ -87,7 +87,7 @@ void fill(const Communicator& comm, const std::string& name, const std::filesyst
       }
     }
   });
-  writeParts(comm, file, parts);
+  writeParts(comm, file, parts, transfer);
   const bool isFlushed = !flush || file.flush();
   const bool isClosed = file.close();
   together(comm, [&] {
@@ -98,7 +98,8 @@ void fill(const Communicator& comm, const std::string& name, const std::filesyst
 }
 
 void write(MPI_Comm callers, const std::filesystem::path& path,
-           const std::vector<const DocumentView*>& views, const SaveOptions& options) {
+           const std::vector<const DocumentView*>& views, const SaveOptions& options,
+           Transfer transfer) {
   const Communicator comm(callers);
   std::list<SharedDocument> documents;
   for (const DocumentView* view : views) {
@@ -115,7 +116,7 @@ void write(MPI_Comm callers, const std::filesystem::path& path,
     name.assign(file->name().begin(), file->name().end());
   }
   comm.broadcast(name);
-  fill(comm, std::string(name.begin(), name.end()), path, documents, options.flush);
+  fill(comm, std::string(name.begin(), name.end()), path, documents, options.flush, transfer);
   together(comm, [&] {
     if (file) {
       file->finish(options.flush);
@@ -126,18 +127,18 @@ void write(MPI_Comm callers, const std::filesystem::path& path,
 }  // namespace
 
 void save(MPI_Comm comm, const std::filesystem::path& path, const DocumentView& view,
-          const SaveOptions& options) {
-  write(comm, path, {&view}, options);
+          const SaveOptions& options, Transfer transfer) {
+  write(comm, path, {&view}, options, transfer);
 }
 
 void save(MPI_Comm comm, const std::filesystem::path& path, const DocumentView& input,
-          const DocumentView& output, const SaveOptions& options) {
+          const DocumentView& output, const SaveOptions& options, Transfer transfer) {
   together(comm, [&] {
     if (input.kind() != Kind::input || output.kind() != Kind::output) {
       throw Error(Code::wrongKind, "a file of two documents takes an input and an output");
     }
   });
-  write(comm, path, {&input, &output}, options);
+  write(comm, path, {&input, &output}, options, transfer);
 }
 
 }  // namespace orvml::parallel

@@ -98,6 +98,25 @@ std::int64_t countOf(std::span<const Range> ranges) noexcept {
                          [](std::int64_t sum, const Range& range) { return sum + range.count; });
 }
 
+std::vector<std::vector<Range>> callsOf(std::span<const Range> ranges, std::size_t mostRanges,
+                                        std::int64_t mostValues) {
+  std::vector<std::vector<Range>> calls;
+  std::int64_t room = 0;
+  for (Range left : ranges) {
+    while (left.count > 0) {
+      if (room == 0 || calls.back().size() == mostRanges) {
+        calls.emplace_back();
+        room = mostValues;
+      }
+      const std::int64_t count = std::min(left.count, room);
+      calls.back().push_back({left.first, count});
+      room -= count;
+      left = {left.first + count, left.count - count};
+    }
+  }
+  return calls;
+}
+
 DataspaceId selectionOf(hid_t dataset, std::span<const Range> ranges) {
   DataspaceId space(H5Dget_space(dataset));
   if (!space.valid() || H5Sselect_none(space.get()) < 0) {

@@ -24,6 +24,15 @@ struct Range {
 /// square of their number.
 inline constexpr std::size_t kRangesPerCall = 256;
 
+/// Most values that it gets: MPI moves at most 2 GiB at once, and values have up to 8 bytes.
+inline constexpr std::int64_t kValuesPerCall = std::int64_t{1} << 27;
+
+/// Cuts ranges into those of several calls, each with no more ranges and values than one may have;
+/// empty ranges are left out.
+[[nodiscard]] std::vector<std::vector<Range>> callsOf(std::span<const Range> ranges,
+                                                      std::size_t mostRanges = kRangesPerCall,
+                                                      std::int64_t mostValues = kValuesPerCall);
+
 /// The part of a dataset that ranges of its values make, which ascend and do not overlap; invalid
 /// when HDF5 cannot make it, and when a value lies beyond the end.
 [[nodiscard]] orvml_io::DataspaceId selectionOf(hid_t dataset, std::span<const Range> ranges);

@@ -4,6 +4,7 @@
 
 #include "agreement.h"
 #include "model/limits.h"
+#include "requirements.h"
 
 #include <algorithm>
 #include <span>
@@ -22,8 +23,6 @@ std::vector<char> structureOf(const DocumentOutline& outline) {
   structure.moduleName.clear();
   structure.moduleFormatVersion.clear();
   structure.creator.clear();
-  structure.parameters.clear();
-  structure.vectorParameters.clear();
   ByteWriter writer;
   structure.pack(writer);
   return writer.take();
@@ -148,6 +147,7 @@ SharedDocument::SharedDocument(const Communicator& comm, const DocumentView& vie
   std::vector<std::int64_t> before;
   std::vector<std::int64_t> whole;
   together(comm, [&] {
+    orvml::detail::requireDimension(view_.dimension());
     requireCoordinates(view_, comm.rank());
     here_ = outlineOf(view_);
     structure = structureOf(here_);

@@ -19,7 +19,7 @@ class PartContent;
 /// By what the cells are dealt out.
 enum class Method {
   block,        ///< they stay on the rank whose slice has them
-  coordinates,  ///< by their middles along a Hilbert curve, the same number for each rank
+  coordinates,  ///< by their middles along a Hilbert curve, as many for each rank but for one
   graph         ///< by which cells share a face, with PT-Scotch: few shared faces between ranks
 };
 
@@ -33,12 +33,14 @@ struct Distribution {
 /// The part of a mesh that one rank computes on: its cells, the nodes that they use, numbered from
 /// 0 on, and on request the ghosts, cells of other ranks around its own.
 ///
-/// Every cell is owned by one rank, and so is every node: by the lowest rank that owns a cell with
-/// it. Dealt out are the cells of the highest dimension that the document has; edges and faces
-/// below follow their lowest node, and have no ghosts. A node of no cell stays where its slice has
-/// it.
+/// Dealt out are the cells of the highest dimension that the document has. Edges and faces below
+/// go to the lowest rank that owns one of those with all their nodes, so that a part has the cells
+/// that its faces bound; where there is none, to the owner of their lowest node. They have no
+/// ghosts. A node is owned by the lowest rank that owns one of the dealt cells with it; one of
+/// none of them stays where its slice has it.
 ///
-/// Parts are moved, and own what they hold.
+/// Parts are moved, and own what they hold. They hold a communicator, which is freed with them:
+/// to destroy a part, or to assign another one to it, is collective.
 class ORVML_EXPORT Part {
  public:
   explicit Part(std::unique_ptr<const detail::PartContent> content);
@@ -46,7 +48,6 @@ class ORVML_EXPORT Part {
   Part& operator=(Part&& other) noexcept;
   Part(const Part&) = delete;
   Part& operator=(const Part&) = delete;
-  /// Collective, for the communicator that the part keeps.
   ~Part();
 
   /// A view of the part, valid as long as it is, with its attributes; node indices are local. All
@@ -75,9 +76,9 @@ class ORVML_EXPORT Part {
   // Gives the nodes, or the cells, of other ranks the values that their owners have, with one
   // message from each neighbour. Collective, with the same width everywhere. `values` has `width`
   // values for each of the view, node after node or cell after cell; when it has not, this rank
-  // throws std::invalid_argument, and the others wait for it. The memory for values of so many
-  // bytes is kept: only the first exchange of them has the ranks agree, on std::bad_alloc when one
-  // lacks it.
+  // throws std::invalid_argument, and the others wait for it. A part has memory for one
+  // value each; the first exchange of more has the ranks agree on whether all have it, and throws
+  // std::bad_alloc on all of them when one has not.
 
   void exchangeNodes(std::span<double> values, int width = 1) const;
   void exchangeNodes(std::span<int> values, int width = 1) const;
@@ -102,10 +103,11 @@ class ORVML_EXPORT Part {
 ///
 /// Collective. Throws Error, the same on every rank: Code::sizesDisagree when the slices do not
 /// belong together, and for an attribute without a value for each node or cell;
-/// Code::conversionBadIndex when a cell names a node that does not exist; Code::tooManyValues when
-/// the whole is more than 32 bits count, or more than this many values would go from one rank to
-/// another. std::bad_alloc of one rank is thrown on all, and std::runtime_error when PT-Scotch
-/// fails.
+/// Code::wrongDimension; Code::conversionBadIndex when a cell names a node that does not exist;
+/// Code::memoryOutOfProportion for far more cells without nodes than anything is stored of;
+/// Code::tooManyValues when the whole, or the graph of its cells, is more than 32 bits count, or
+/// when more than this many values would go from one rank to another. std::bad_alloc of one rank is
+/// thrown on all, and std::runtime_error when PT-Scotch fails.
 [[nodiscard]] ORVML_EXPORT Part distribute(MPI_Comm comm, const DocumentView& slice,
                                            const Distribution& how = {});
 

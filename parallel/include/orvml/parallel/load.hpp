@@ -3,6 +3,7 @@
 #include <orvml/error.hpp>
 #include <orvml/export.hpp>
 #include <orvml/parallel/slice.hpp>
+#include <orvml/parallel/transfer.hpp>
 
 #include <mpi.h>
 
@@ -29,12 +30,15 @@ struct Loaded {
 /// that it holds no document, or the first thing in a document that is not as the format says.
 /// Throws Code::fileUnreachable when a rank does not see the file, and Code::fileHeldForWriting
 /// when it was replaced while it was being read. std::bad_alloc of one rank is thrown on all.
-[[nodiscard]] ORVML_EXPORT Loaded load(MPI_Comm comm, const std::filesystem::path& path);
+[[nodiscard]] ORVML_EXPORT Loaded load(MPI_Comm comm, const std::filesystem::path& path,
+                                       Transfer transfer = Transfer::independent);
 
 /// Reads the input document alone; throws Code::noInput when there is none. Collective.
-[[nodiscard]] ORVML_EXPORT Slice loadInput(MPI_Comm comm, const std::filesystem::path& path);
+[[nodiscard]] ORVML_EXPORT Slice loadInput(MPI_Comm comm, const std::filesystem::path& path,
+                                           Transfer transfer = Transfer::independent);
 
 /// Reads the output document alone; throws Code::noOutput when there is none. Collective.
-[[nodiscard]] ORVML_EXPORT Slice loadOutput(MPI_Comm comm, const std::filesystem::path& path);
+[[nodiscard]] ORVML_EXPORT Slice loadOutput(MPI_Comm comm, const std::filesystem::path& path,
+                                            Transfer transfer = Transfer::independent);
 
 }  // namespace orvml::parallel

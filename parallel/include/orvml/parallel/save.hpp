@@ -2,6 +2,7 @@
 
 #include <orvml/error.hpp>
 #include <orvml/export.hpp>
+#include <orvml/parallel/transfer.hpp>
 #include <orvml/save.hpp>
 #include <orvml/view.hpp>
 
@@ -31,11 +32,12 @@ namespace orvml::parallel {
 /// 32-bit counts of the format can tell, before anything is touched. std::bad_alloc of one rank is
 /// thrown on all.
 ORVML_EXPORT void save(MPI_Comm comm, const std::filesystem::path& path, const DocumentView& view,
-                       const SaveOptions& options = {});
+                       const SaveOptions& options = {}, Transfer transfer = Transfer::independent);
 
 /// Writes a file of both documents; throws Code::wrongKind when the views are not of an input and
 /// an output. Collective.
 ORVML_EXPORT void save(MPI_Comm comm, const std::filesystem::path& path, const DocumentView& input,
-                       const DocumentView& output, const SaveOptions& options = {});
+                       const DocumentView& output, const SaveOptions& options = {},
+                       Transfer transfer = Transfer::independent);
 
 }  // namespace orvml::parallel

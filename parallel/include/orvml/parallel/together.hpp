@@ -14,7 +14,7 @@ namespace orvml::parallel {
 ///
 /// An orvml::Error, a std::bad_alloc and a std::invalid_argument stay what they are; any other
 /// exception becomes, on every rank, a std::runtime_error with its text. Texts are cut behind 8,192
-/// bytes.
+/// bytes. A communicator that returns MPI's failures has them thrown as std::runtime_error.
 ///
 /// @param step  what only concerns this rank: a collective call in it would wait for ranks that
 ///              have failed before
