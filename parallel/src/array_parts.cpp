@@ -52,11 +52,11 @@ PropertyListId describedByTheFirst() {
 }
 
 template <class Pointer>
-std::vector<DatasetId> openAll(const SharedFile& file,
+std::vector<DatasetId> openAll(const Communicator& comm, const SharedFile& file,
                                const std::vector<ArrayPart<Pointer>>& parts) {
   const PropertyListId access = describedByTheFirst();
   std::vector<DatasetId> datasets;
-  datasets.reserve(parts.size());
+  together(comm, [&] { datasets.reserve(parts.size()); });
   for (const auto& part : parts) {
     datasets.emplace_back(H5Dopen2(file.id(), part.object.c_str(), access.get()));
   }
@@ -111,7 +111,7 @@ template <class Pointer, class Function>
 void transferAll(const Communicator& comm, const SharedFile& file,
                  const std::vector<ArrayPart<Pointer>>& parts, Transfer transfer,
                  Function function) {
-  const std::vector<DatasetId> datasets = openAll(file, parts);
+  const std::vector<DatasetId> datasets = openAll(comm, file, parts);
   const std::vector<Call<Pointer>> calls = prepared(comm, file, parts, datasets);
   const std::string* failed = nullptr;
   for (const Call<Pointer>& call : calls) {

@@ -152,6 +152,7 @@ CellGraph graphOfPairs(const Bins<int>& bins, std::size_t cells, int firstPlace)
   pairs.erase(std::unique(pairs.begin(), pairs.end()), pairs.end());
   requireMessage(pairs.size());
   CellGraph graph;
+  graph.starts.push_back(0);
   auto next = pairs.begin();
   for (std::size_t i = 0; i < cells; ++i) {
     for (; next != pairs.end() && next->first == static_cast<int>(i); ++next) {

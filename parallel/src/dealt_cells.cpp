@@ -77,11 +77,12 @@ void replacePlaces(std::span<const int> newPlaces, std::vector<int>& places) {
 
 DealtCells::DealtCells(const Communicator& comm, const std::vector<GroupOutline>& groups,
                        const SliceCells& slice, std::span<const int> owners)
-    : groups_(&groups), ends_(endsOf(groups)) {
+    : groups_(&groups) {
   const auto ranks = static_cast<std::size_t>(comm.size());
   Bins<int> sent;
   Bins<int> places;
   together(comm, [&] {
+    ends_ = endsOf(groups);
     sent.resize(ranks);
     places.resize(ranks);
     for (std::size_t i = 0; i < slice.size(); ++i) {

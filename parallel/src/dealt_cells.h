@@ -56,7 +56,7 @@ class DealtCells {
   std::vector<std::int64_t> ends_;  // of the numbers of each group
   std::vector<int> numbers_;
   std::vector<int> owners_;
-  std::vector<std::int64_t> starts_ = {0};
+  std::vector<std::int64_t> starts_;
   std::vector<int> indices_;
   Routes fromSlice_;
   Routes fromOwners_;

@@ -316,6 +316,7 @@ std::unique_ptr<const PartContent> Distributor::run() {
     for (const Entity entity : kEntities) {
       const PartEntity& things = part_->of(entity);
       things.cargo.makeRoom(things.fromOwners, sizeof(double));
+      things.room = sizeof(double);
     }
   });
   return std::move(part_);

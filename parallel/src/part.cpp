@@ -29,8 +29,9 @@ void exchange(const PartContent& part, Entity entity, std::span<Value> values, i
   requireSize(values.size(), things.numbers.size(), width);
   const BlockType block = BlockType::of<Value>(width);
   // All ranks are here or none: they have made the same exchanges.
-  if (things.cargo.room() < block.bytes()) {
+  if (things.room < block.bytes()) {
     together(part.comm, [&] { things.cargo.makeRoom(things.fromOwners, block.bytes()); });
+    things.room = block.bytes();
   }
   things.cargo.carry(part.comm, things.fromOwners, block, values.data(), values.data());
 }

@@ -17,8 +17,10 @@ struct PartEntity {
   std::vector<int> owned;    ///< how many are owned: of nodes one number, of cells each group's
   Routes fromOwners;         ///< from owners to the copies on other ranks
   Routes toSlice;            ///< from owners to the slices
-  /// What exchanges keep their values in, so that only the first of a width needs memory.
+  /// What exchanges keep their values in, so that only the first of a width needs memory, and how
+  /// many bytes of each thing all ranks have agreed on.
   mutable Cargo cargo;
+  mutable std::size_t room = 0;
   std::size_t sizeOfSlice = 0;
 };
 

@@ -33,7 +33,7 @@ struct SliceNodes {
 /// Which cells each cell of this rank's slice has a face in common with: their places in the list
 /// of all cells, those of the ranks one after the other.
 struct CellGraph {
-  std::vector<int> starts = {0};  ///< where the neighbours of each begin, and where the last end
+  std::vector<int> starts;  ///< where the neighbours of each begin, and where the last end
   std::vector<int> neighbours;
 };
 

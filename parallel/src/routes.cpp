@@ -52,11 +52,9 @@ void Cargo::makeRoom(const Routes& routes, std::size_t blockBytes) {
       buffers[i].resize(lanes[i].places.size() * blockBytes);
     }
   };
-  room_ = 0;
   grow(routes.out, out_);
   grow(routes.in, in_);
   messages_.reserve(routes.out.size() + routes.in.size());
-  room_ = blockBytes;
 }
 
 void Cargo::carry(const Communicator& comm, const Routes& routes, const BlockType& block,

@@ -56,10 +56,8 @@ class BlockType {
 /// The memory that transports along some routes need. Making it is what can fail.
 class Cargo {
  public:
-  /// Makes room for blocks of so many bytes.
+  /// Makes room for blocks of so many bytes; when that fails, the room that there was is there.
   void makeRoom(const Routes& routes, std::size_t blockBytes);
-  /// How many bytes a block may have.
-  [[nodiscard]] std::size_t room() const noexcept { return room_; }
 
   /// Carries a block of each thing from one list of blocks to another, which may be the same.
   /// Collective, but for ranks with no route to each other.
@@ -75,7 +73,6 @@ class Cargo {
   Buffers out_;
   Buffers in_;
   Messages messages_;
-  std::size_t room_ = 0;
 };
 
 /// Carries `width` values of each thing from one list to another. Collective; a lack of memory on

@@ -11,7 +11,9 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
+#include <initializer_list>
 #include <list>
 #include <optional>
 #include <string>
@@ -26,6 +28,9 @@ using detail::SharedDocument;
 using detail::SharedFile;
 using detail::StandIn;
 using orvml::detail::LentDocument;
+
+/// One or two, with room that no rank can lack.
+using Documents = std::array<std::optional<SharedDocument>, 2>;
 
 /// Has the system set aside the whole space of a file, so that its lack shows before ranks write.
 /// A file system that cannot is left as it is.
@@ -47,20 +52,21 @@ void reserveSpace(const std::string& name, const std::filesystem::path& path) {
 /// The new file as the first rank makes it: all of it but the values that ranks share.
 class NewFile {
  public:
-  NewFile(const std::filesystem::path& path, const std::list<SharedDocument>& documents)
-      : file_(path, watch_) {
+  NewFile(const std::filesystem::path& path, const Documents& documents) : file_(path, watch_) {
     std::size_t bytes = 1;
-    for (const SharedDocument& document : documents) {
-      bytes = std::max(bytes, document.largestArrayBytes());
+    for (const auto& document : documents) {
+      bytes = std::max(bytes, document ? document->largestArrayBytes() : 0);
     }
     const StandIn values(bytes);
     file_.leaveOut(values.address(), values.bytes());
     std::list<LentDocument> lent;
     const LentDocument* input = nullptr;
     const LentDocument* output = nullptr;
-    for (const SharedDocument& document : documents) {
-      (document.kind() == Kind::input ? input : output) =
-          &lent.emplace_back(document.wholeView(values));
+    for (const auto& document : documents) {
+      if (document) {
+        (document->kind() == Kind::input ? input : output) =
+            &lent.emplace_back(document->wholeView(values));
+      }
     }
     writeDocuments(input, output, file_);
     file_.close();
@@ -76,13 +82,13 @@ class NewFile {
 };
 
 /// Has all ranks write what they share into the new file.
-void fill(const Communicator& comm, const std::string& name, const std::filesystem::path& path,
-          std::list<SharedDocument>& documents, bool flush, Transfer transfer) {
+void fill(const Communicator& comm, const std::filesystem::path& name,
+          const std::filesystem::path& path, Documents& documents, bool flush, Transfer transfer) {
   SharedFile file(comm, name, path, SharedFile::Access::write);
   std::vector<ArrayPart<const void*>> parts;
   together(comm, [&] {
-    for (SharedDocument& document : documents) {
-      for (ArrayPart<const void*>& part : document.parts()) {
+    for (auto& document : documents) {
+      for (ArrayPart<const void*>& part : document ? document->parts() : decltype(parts)()) {
         parts.push_back(std::move(part));
       }
     }
@@ -98,25 +104,26 @@ void fill(const Communicator& comm, const std::string& name, const std::filesyst
 }
 
 void write(MPI_Comm callers, const std::filesystem::path& path,
-           const std::vector<const DocumentView*>& views, const SaveOptions& options,
+           std::initializer_list<const DocumentView*> views, const SaveOptions& options,
            Transfer transfer) {
   const Communicator comm(callers);
-  std::list<SharedDocument> documents;
+  Documents documents;
+  auto next = documents.begin();
   for (const DocumentView* view : views) {
-    documents.emplace_back(comm, *view);
+    (next++)->emplace(comm, *view);
   }
   std::optional<NewFile> file;
+  std::vector<char> bytes;
   together(comm, [&] {
     if (comm.isFirst()) {
       file.emplace(path, documents);
+      bytes.assign(file->name().begin(), file->name().end());
     }
   });
-  std::vector<char> name;
-  if (file) {
-    name.assign(file->name().begin(), file->name().end());
-  }
-  comm.broadcast(name);
-  fill(comm, std::string(name.begin(), name.end()), path, documents, options.flush, transfer);
+  comm.broadcast(bytes);
+  std::filesystem::path name;
+  together(comm, [&] { name.assign(bytes.begin(), bytes.end()); });
+  fill(comm, name, path, documents, options.flush, transfer);
   together(comm, [&] {
     if (file) {
       file->finish(options.flush);

@@ -46,11 +46,12 @@ orvml_io::FileId openWith(const Communicator& comm, const std::string& name, uns
 }  // namespace
 
 SharedFile::SharedFile(const Communicator& comm, const std::filesystem::path& path,
-                       std::filesystem::path named, Access access)
-    : access_(access), named_(std::move(named)) {
+                       const std::filesystem::path& named, Access access)
+    : access_(access) {
   const bool writes = access == Access::write;
   std::string name;
   together(comm, [&] {
+    named_ = named;
     // MPI takes what stands before a colon for the kind of a file system, unless a slash is first.
     name = std::filesystem::absolute(path).string();
     // HDF5 would wait for ever for a rank that cannot open the file.

@@ -20,7 +20,7 @@ class SharedFile {
   /// @param path   where the file lies
   /// @param named  what errors call it
   SharedFile(const Communicator& comm, const std::filesystem::path& path,
-             std::filesystem::path named, Access access);
+             const std::filesystem::path& named, Access access);
 
   [[nodiscard]] hid_t id() const noexcept { return file_.get(); }
   [[nodiscard]] const std::filesystem::path& named() const noexcept { return named_; }

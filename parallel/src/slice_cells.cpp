@@ -7,6 +7,7 @@ namespace orvml::parallel::detail {
 SliceCells::SliceCells(const CellsView& view, const EntityOutline& before,
                        const EntityOutline& whole) {
   std::int64_t firstNumber = 0;
+  starts_.push_back(0);
   const std::span<const CellGroup> groups = view.groups();
   for (std::size_t i = 0; i < groups.size(); ++i) {
     const CellGroup& group = groups[i];

@@ -37,7 +37,7 @@ class SliceCells {
   std::vector<GroupOutline> groups_;
   std::vector<std::size_t> firstOfGroup_;
   std::vector<int> numbers_;
-  std::vector<std::int64_t> starts_ = {0};
+  std::vector<std::int64_t> starts_;
   std::vector<int> indices_;
 };
 

@@ -204,6 +204,35 @@ TEST_P(Distributed, ANodeIsOwnedByTheLowestRankThatUsesIt) {
   }
 }
 
+TEST_P(Distributed, ACellBelowIsWhereACellIsThatHasItsNodes) {
+  const Entity highest = highestOf(whole_.view());
+  const auto cells = cellsOf(whole_.cells(highest));
+  std::vector<int> owners(cells.size());
+  for (const int number : ownedNumbers(highest)) {
+    owners[static_cast<std::size_t>(number)] = rank();
+  }
+  MPI_Allreduce(MPI_IN_PLACE, owners.data(), static_cast<int>(owners.size()), MPI_INT, MPI_MAX,
+                MPI_COMM_WORLD);
+
+  for (const Entity entity : kCells) {
+    const auto below = cellsOf(whole_.cells(entity));
+    for (const int number : entity == highest ? std::vector<int>() : ownedNumbers(entity)) {
+      int expected = ranks();
+      for (std::size_t i = 0; i < cells.size(); ++i) {
+        if (std::ranges::all_of(below[static_cast<std::size_t>(number)], [&](int node) {
+              return std::ranges::find(cells[i], node) != cells[i].end();
+            })) {
+          expected = std::min(expected, owners[i]);
+        }
+      }
+      if (expected < ranks()) {
+        EXPECT_EQ(expected, rank())
+            << "cell " << number << " of entity " << static_cast<int>(entity);
+      }
+    }
+  }
+}
+
 TEST_P(Distributed, GhostsAreTheCellsOfOthersAroundTheOwnedOnes) {
   const Entity highest = highestOf(whole_.view());
   const std::set<int> used = nodesOfOwnedCells();
@@ -333,6 +362,120 @@ TEST_P(DistributedCube, ExchangesNotMuchMoreThanTheSurfacesOfCubes) {
   const double side = 20 / std::cbrt(ranks());
   const double perRank = std::pow(side + 3, 3) - std::pow(side, 3);
   EXPECT_LE(copies / ranks(), 1.5 * perRank);
+}
+
+/// The cells of each rank of a box of hexahedra along the curve, where one more node lies far away.
+///
+/// @param isUsed  whether the last cell has that node as a corner
+std::vector<int> cellsOfRanksWithAFarNode(bool isUsed) {
+  const orvml::Output box = boxOf(16, 16, 16);
+  const auto nodes = box.nodes().coordinates();
+  const auto indices = box.elements().groups()[0].nodeIndices();
+  std::vector<double> coordinates(nodes.begin(), nodes.end());
+  std::vector<int> corners(indices.begin(), indices.end());
+  coordinates.insert(coordinates.end(), {1e20, 0, 0});
+  if (isUsed) {
+    corners.back() = 17 * 17 * 17;
+  }
+  orvml::DocumentParts parts;
+  parts.dimension = 3;
+  parts.nodes = orvml::NodesView(coordinates, 3);
+  parts.elements = orvml::CellsView({orvml::CellGroup(orvml::Shape::hexahedron, 8, corners)});
+  const orvml::OutputView whole(std::move(parts));
+  const Part part = orvml::parallel::distribute(
+      MPI_COMM_WORLD, partOf(whole, evenly(ranks()), rank()), {Method::coordinates, false});
+  return gathered(part.ownedCells(Entity::elements));
+}
+
+TEST(DistributeAlongTheCurve, GivesEachRankAsManyWhereverANodeLies) {
+  for (const bool isUsed : {false, true}) {
+    for (const int cells : cellsOfRanksWithAFarNode(isUsed)) {
+      EXPECT_LE(std::abs(cells - 4096 / ranks()), 1);
+    }
+  }
+}
+
+TEST(DistributeAlongTheCurve, DealsOutCellsThatLieInOnePlace) {
+  const orvml::Output points = cellsWithoutNodes();
+  const Part part =
+      orvml::parallel::distribute(MPI_COMM_WORLD, partOf(points.view(), unevenly(ranks()), rank()),
+                                  {Method::coordinates, false});
+
+  EXPECT_LE(std::abs(part.ownedCells(Entity::elements)[0] - 15 / ranks()), 1);
+}
+
+Calls callsOfDistributing(int side, Method method) {
+  const orvml::Output cube = boxOf(side, side, side);
+  const orvml::DocumentView slice = partOf(cube.view(), evenly(ranks()), rank());
+  const Calls before = callsSoFar();
+  const Part part = orvml::parallel::distribute(MPI_COMM_WORLD, slice, {method, true});
+  return callsSoFar() - before;
+}
+
+TEST(DistributeCounts, CollectiveCallsDoNotGrowWithTheMesh) {
+  for (const Method method : {Method::block, Method::coordinates}) {
+    const Calls small = callsOfDistributing(6, method);
+    const Calls large = callsOfDistributing(24, method);
+
+    EXPECT_GT(small.collectives, 0);
+    EXPECT_EQ(small.collectives, large.collectives);
+  }
+}
+
+TEST(DistributeCounts, CellsThatStayAreNotSent) {
+  if (ranks() == 1) {
+    GTEST_SKIP() << "there is nobody to send to";
+  }
+  // What goes over are ghosts, and the nodes that the slices of cells and of nodes do not share:
+  // some layers of the cube.
+  const Calls calls = callsOfDistributing(24, Method::block);
+
+  constexpr double kLayer = 25. * 25;
+  constexpr double kBytes = 200;  // of a node and a cell
+  EXPECT_LT(static_cast<double>(calls.messageBytes), 8 * kLayer * kBytes);
+}
+
+TEST(DistributeErrors, ComeForADimensionThatTheFormatDoesNotKnow) {
+  for (const int dimension : {1, 4, 40, 4000}) {
+    const std::vector<double> coordinates(static_cast<std::size_t>(dimension), 1);
+    const std::vector<int> indices = {0};
+    orvml::DocumentParts parts;
+    parts.dimension = dimension;
+    parts.nodes = orvml::NodesView(coordinates, dimension);
+    parts.elements = orvml::CellsView({orvml::CellGroup(orvml::Shape::point, 1, indices)});
+
+    const std::string error = errorOf([&] {
+      (void)orvml::parallel::distribute(MPI_COMM_WORLD, orvml::OutputView(parts),
+                                        {Method::coordinates, true});
+    });
+
+    EXPECT_NE(std::string::npos, error.find("orvml.document.dimension")) << error;
+  }
+}
+
+TEST(DistributeErrors, ComeForCellsThatNothingIsStoredOf) {
+  orvml::DocumentParts parts;
+  parts.dimension = 3;
+  parts.elements = orvml::CellsView(
+      {orvml::CellGroup::withoutNodes(orvml::Shape::point, rank() == 0 ? 2000000000 : 0)});
+
+  const std::string error = errorOf([&] {
+    (void)orvml::parallel::distribute(MPI_COMM_WORLD, orvml::OutputView(parts),
+                                      {Method::block, true});
+  });
+
+  EXPECT_NE(std::string::npos, error.find("orvml.values.out-of-proportion")) << error;
+}
+
+TEST(DistributeErrors, ComeForValuesOfWhichOneRankGivesTooFew) {
+  const Part part = partOfCube(3, Method::graph);
+  const bool isWrong = rank() == ranks() - 1;
+  const std::vector<double> values(part.globalNumbers(Entity::nodes).size() + (isWrong ? 1 : 0));
+
+  const std::string error =
+      errorOf([&] { (void)part.toSlice(Entity::nodes, std::span<const double>(values)); });
+
+  EXPECT_NE(std::string::npos, error.find("values are not 1 for each of")) << error;
 }
 
 TEST(DistributeErrors, ComeForANodeThatDoesNotExist) {

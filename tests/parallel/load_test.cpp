@@ -11,7 +11,10 @@
 #include <gtest/gtest.h>
 #include <hdf5.h>
 
+#include <fcntl.h>
 #include <link.h>
+#include <sys/file.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -24,6 +27,7 @@ namespace {
 
 using orvml::Code;
 using orvml::Entity;
+using orvml::parallel::Transfer;
 
 /// Writes a file by the first rank alone, and lets the others wait.
 void saveAlone(const std::filesystem::path& path, const orvml::Output& document) {
@@ -73,12 +77,13 @@ TEST_P(ParallelLoad, SlicesPutTogetherAreTheDocument) {
   const SharedFolder folder;
   const orvml::Output written = GetParam().make();
   saveAlone(folder.path("file.h5"), written);
+  for (const Transfer transfer : {Transfer::independent, Transfer::collective}) {
+    const orvml::parallel::Slice slice =
+        orvml::parallel::loadOutput(MPI_COMM_WORLD, folder.path("file.h5"), transfer);
 
-  const orvml::parallel::Slice slice =
-      orvml::parallel::loadOutput(MPI_COMM_WORLD, folder.path("file.h5"));
-
-  const orvml::Output whole = assembled(slice);
-  EXPECT_EQ(orvml::fingerprint(written.view()), orvml::fingerprint(whole.view()));
+    const orvml::Output whole = assembled(slice);
+    EXPECT_EQ(orvml::fingerprint(written.view()), orvml::fingerprint(whole.view()));
+  }
 }
 
 TEST(ParallelLoadSlices, AreBlocksThatDifferByOneAtMost) {
@@ -133,6 +138,27 @@ TEST(ParallelLoadOfFiles, ReadsBothDocumentsOfAFile) {
   EXPECT_EQ(2, loaded.input->total(Entity::nodes));
   EXPECT_EQ(1.0, loaded.input->view().parameters().at("p"));
   EXPECT_EQ(8, loaded.output->total(Entity::elements));
+}
+
+TEST(ParallelLoadOfFiles, ReadsTheMeshOfAnInput) {
+  const SharedFolder folder;
+  orvml::Input input({"M", "2", "C"}, 2);
+  input.setNodes(std::vector<double>{0, 1, 2, 3, 4, 5});
+  input.setCells(Entity::faces, orvml::Shape::triangle, 3, std::vector<int>{0, 1, 2, 2, 1, 0});
+  input.setAttribute(Entity::faces, "colour", std::vector<int>{5, 6});
+  if (rank() == 0) {
+    orvml::save(folder.path("file.h5"), input);
+  }
+  MPI_Barrier(MPI_COMM_WORLD);
+
+  const auto slice = orvml::parallel::loadInput(MPI_COMM_WORLD, folder.path("file.h5"));
+
+  EXPECT_EQ(orvml::Kind::input, slice.kind());
+  const auto colours = slice.view().faces().attributes().at("colour").ints();
+  EXPECT_EQ((std::vector<int>{5, 6}), gathered(std::vector(colours.begin(), colours.end())));
+  const auto indices = slice.view().faces().groups()[0].nodeIndices();
+  EXPECT_EQ((std::vector<int>{0, 1, 2, 2, 1, 0}),
+            gathered(std::vector(indices.begin(), indices.end())));
 }
 
 /// Stores an array of a document anew, in another way.
@@ -231,9 +257,6 @@ TEST(ParallelLoadErrors, OfOneRankEndAll) {
 TEST(ParallelLoadErrors, NameTheObjectThatIsNotAsItShouldBe) {
   const SharedFolder folder;
   saveAlone(folder.path("file.h5"), boxOf(5, 4, 3));
-  restore(folder.path("file.h5"), "/OrvOutput/Elements/connectivities", H5T_NATIVE_INT, {240, 2},
-          0);
-  restore(folder.path("file.h5"), "/OrvOutput/Faces/element_types", H5T_NATIVE_FLOAT, {1}, 0);
   if (rank() == 0) {
     const hid_t file = H5Fopen(folder.path("file.h5").c_str(), H5F_ACC_RDWR, H5P_DEFAULT);
     H5Ldelete(file, "/OrvOutput/Elements/connectivities", H5P_DEFAULT);
@@ -246,6 +269,62 @@ TEST(ParallelLoadErrors, NameTheObjectThatIsNotAsItShouldBe) {
   EXPECT_NE(std::string::npos,
             error.find("orvml.object.missing|/OrvOutput/Elements/connectivities"))
       << error;
+}
+
+TEST(ParallelLoadErrors, ComeForAnArrayThatIsTooShort) {
+  const SharedFolder folder;
+  saveAlone(folder.path("file.h5"), boxOf(5, 4, 3));
+  restore(folder.path("file.h5"), "/OrvOutput/Elements/connectivities", H5T_NATIVE_INT, {59, 8}, 0);
+
+  const std::string error = errorOfAll(folder.path("file.h5"));
+
+  EXPECT_NE(std::string::npos,
+            error.find("orvml.values.too-few|/OrvOutput/Elements/connectivities"))
+      << error;
+}
+
+TEST(ParallelLoadErrors, NameTheRankThatDoesNotSeeTheFile) {
+  if (ranks() == 1) {
+    GTEST_SKIP() << "the only rank looks for the file first";
+  }
+  const SharedFolder folder;
+  saveAlone(folder.path("file.h5"), oneCell());
+  const auto path = folder.path(rank() == ranks() - 1 ? "elsewhere/file.h5" : "file.h5");
+
+  const std::string error = errorOfAll(path);
+
+  EXPECT_NE(std::string::npos, error.find("orvml.file.unreachable")) << error;
+  EXPECT_NE(std::string::npos, error.find("rank " + std::to_string(ranks() - 1))) << error;
+}
+
+TEST(ParallelLoadErrors, TellOfAFileThatIsReplacedMeanwhile) {
+  const SharedFolder folder;
+  saveAlone(folder.path("file.h5"), oneCell());
+  saveAlone(folder.path("new.h5"), boxOf(2, 2, 2));
+  if (rank() == 0) {
+    beforeNextOpen([&] { std::filesystem::rename(folder.path("new.h5"), folder.path("file.h5")); });
+  }
+
+  const std::string error = errorOfAll(folder.path("file.h5"));
+
+  EXPECT_NE(std::string::npos, error.find("was replaced while it was being read")) << error;
+}
+
+TEST(ParallelLoadErrors, TellOfAFileThatIsBeingWritten) {
+  const SharedFolder folder;
+  saveAlone(folder.path("file.h5"), oneCell());
+  const int writer = rank() == 0 ? ::open(folder.path("file.h5").c_str(), O_RDWR) : -1;
+  if (rank() == 0) {
+    ASSERT_EQ(0, ::flock(writer, LOCK_EX));
+  }
+  MPI_Barrier(MPI_COMM_WORLD);
+
+  const std::string error = errorOfAll(folder.path("file.h5"));
+
+  EXPECT_NE(std::string::npos, error.find("orvml.file.held-for-writing")) << error;
+  if (rank() == 0) {
+    ::close(writer);
+  }
 }
 
 TEST(ParallelLoadErrors, ComeForACountThatNothingIsStoredFor) {

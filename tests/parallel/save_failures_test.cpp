@@ -1,5 +1,6 @@
 #include <orvml/fingerprint.hpp>
 #include <orvml/load.hpp>
+#include <orvml/parallel/load.hpp>
 #include <orvml/parallel/save.hpp>
 #include <orvml/parallel/together.hpp>
 #include <orvml/save.hpp>
@@ -15,7 +16,10 @@
 #include <sys/mman.h>
 #include <sys/resource.h>
 
+#include <cerrno>
 #include <csignal>
+#include <cstdlib>
+#include <iterator>
 #include <memory>
 #include <new>
 #include <stdexcept>
@@ -150,6 +154,79 @@ TEST(ParallelSaveFailures, AFileLargerThanMayBeIsNotBegun) {
   EXPECT_NE(std::string::npos, error.find("orvml.file.too-large")) << error;
 }
 
+TEST(ParallelSaveFailures, ADimensionThatTheFormatDoesNotKnowIsRefused) {
+  const OldFile old;
+  orvml::DocumentParts parts;
+  parts.dimension = 4;
+
+  const std::string error = errorOfSaving(old, orvml::OutputView(parts));
+
+  EXPECT_NE(std::string::npos, error.find("orvml.document.dimension")) << error;
+}
+
+TEST(ParallelSaveFailures, AFileSystemThatSetsNoSpaceAsideIsNoHindrance) {
+  const SharedFolder folder;
+  const orvml::Output box = boxOf(3, 3, 3);
+  failReservations(EOPNOTSUPP);
+
+  const std::string error = errorOf([&] {
+    orvml::parallel::save(MPI_COMM_WORLD, folder.path("file.h5"),
+                          partOf(box.view(), evenly(ranks()), rank()));
+  });
+
+  failReservations(0);
+  EXPECT_EQ("no error", error);
+}
+
+/// A file system that holds two megabytes, which full_disk.sh makes.
+class ParallelSaveOnAFullDisk : public testing::Test {
+ protected:
+  void SetUp() override {
+    const char* folder = std::getenv("ORVML_FULL_DISK");
+    if (folder == nullptr) {
+      GTEST_SKIP() << "full_disk.sh runs this";
+    }
+    folder_ = folder;
+    if (rank() == 0) {
+      orvml::save(path(), withoutMesh());
+    }
+    MPI_Barrier(MPI_COMM_WORLD);
+  }
+  [[nodiscard]] std::filesystem::path path() const { return folder_ / "file.h5"; }
+
+  /// What ranks throw who save too much. The old file has to be there afterwards, and nothing else.
+  std::string errorOfSavingTooMuch() {
+    const orvml::Output box = boxOf(40, 40, 40);
+    const std::string error = errorOf([&] {
+      orvml::parallel::save(MPI_COMM_WORLD, path(), partOf(box.view(), evenly(ranks()), rank()));
+    });
+    const orvml::Output old = withoutMesh();
+    const orvml::Output found = orvml::loadOutput(path());
+    EXPECT_EQ(orvml::fingerprint(old.view()), orvml::fingerprint(found.view()));
+    const std::filesystem::directory_iterator files(folder_);
+    EXPECT_EQ(1, std::distance(begin(files), end(files)));
+    return error;
+  }
+
+ private:
+  std::filesystem::path folder_;
+};
+
+TEST_F(ParallelSaveOnAFullDisk, IsRefusedBeforeRanksWrite) {
+  const std::string error = errorOfSavingTooMuch();
+
+  EXPECT_NE(std::string::npos, error.find("orvml.file.no-space")) << error;
+}
+
+TEST_F(ParallelSaveOnAFullDisk, EndsAllWhenItShowsWhileRanksWrite) {
+  failReservations(EOPNOTSUPP);
+
+  const std::string error = errorOfSavingTooMuch();
+
+  failReservations(0);
+  EXPECT_NE(std::string::npos, error.find("orvml.file.not-written")) << error;
+}
+
 TEST(ParallelSaveFailures, AFolderThatIsMissingIsNamed) {
   const SharedFolder folder;
   const orvml::Output document = oneCell();
@@ -239,6 +316,27 @@ TEST(ParallelSaveLimits, ValuesOfAnAttributeAreCountedBeforeAnythingIsWritten) {
       << error;
 }
 
+TEST(ParallelSaveLimits, ARankMayHaveMoreThanMpiMovesAtOnce) {
+  if (ranks() > 1) {
+    GTEST_SKIP() << "one rank has all of it, and needs the memory once";
+  }
+  const SharedFolder folder;
+  constexpr std::size_t kNodes = 90000000;  // 2,160,000,000 bytes
+  {
+    const Unread coordinates(3 * kNodes * sizeof(double));
+    orvml::DocumentParts parts;
+    parts.dimension = 3;
+    parts.nodes = orvml::NodesView(coordinates.values<double>(), 3);
+    orvml::parallel::save(MPI_COMM_WORLD, folder.path("file.h5"), orvml::OutputView(parts),
+                          {.flush = false});
+  }
+
+  const auto slice = orvml::parallel::loadOutput(MPI_COMM_WORLD, folder.path("file.h5"));
+
+  EXPECT_EQ(std::int64_t{kNodes}, slice.total(Entity::nodes));
+  EXPECT_EQ(0.0, slice.view().nodes()[kNodes - 1][2]);
+}
+
 TEST(ParallelTogether, ThrowsTheErrorOfOneRankOnAll) {
   const std::string error = errorOf([] {
     orvml::parallel::together(MPI_COMM_WORLD, [] {
@@ -266,6 +364,49 @@ TEST(ParallelTogether, KeepsTheLackOfMemoryAndTheTextOfOtherExceptions) {
                 }
               });
             }));
+}
+
+TEST(ParallelTogether, KeepsWhatIsAWrongArgument) {
+  EXPECT_THROW(orvml::parallel::together(MPI_COMM_WORLD,
+                                         [] {
+                                           if (isLastRank()) {
+                                             throw std::invalid_argument("3 are not 4");
+                                           }
+                                         }),
+               std::invalid_argument);
+}
+
+TEST(ParallelTogether, CutsATextThatIsLongerThanAMessage) {
+  std::size_t length = 0;
+  try {
+    orvml::parallel::together(MPI_COMM_WORLD,
+                              [] { throw std::runtime_error(std::string(10000, 'x')); });
+  } catch (const std::runtime_error& error) {
+    length = std::string(error.what()).size();
+  }
+
+  EXPECT_EQ(8192U, length);
+}
+
+TEST(ParallelTogether, CostsOneReduction) {
+  const Calls before = callsSoFar();
+  orvml::parallel::together(MPI_COMM_WORLD, [] {});
+  const Calls calls = callsSoFar() - before;
+
+  EXPECT_EQ(1, calls.collectives);
+  EXPECT_EQ(0, calls.messages);
+}
+
+TEST(ParallelTogether, ThrowsWhenTheCallersCommunicatorReturnsAFailure) {
+  MPI_Comm returning = MPI_COMM_NULL;
+  MPI_Comm_dup(MPI_COMM_WORLD, &returning);
+  MPI_Comm_set_errhandler(returning, MPI_ERRORS_RETURN);
+  failReductions(true);
+
+  EXPECT_THROW(orvml::parallel::together(returning, [] {}), std::runtime_error);
+
+  failReductions(false);
+  MPI_Comm_free(&returning);
 }
 
 TEST(ParallelTogether, OfSeveralFailuresThatOfTheLowestRankIsThrown) {

@@ -115,6 +115,38 @@ TEST(ParallelSaveOfTwo, MakesTheFileOfOneProcess) {
   }
 }
 
+TEST_P(ParallelSave, MakesTheSameFileWithCollectiveCalls) {
+  const SharedFolder folder;
+  const orvml::Output whole = GetParam().make();
+  const orvml::DocumentView part = partOf(whole.view(), unevenly(ranks()), rank());
+
+  orvml::parallel::save(MPI_COMM_WORLD, folder.path("independent.h5"), part);
+  orvml::parallel::save(MPI_COMM_WORLD, folder.path("collective.h5"), part, {},
+                        orvml::parallel::Transfer::collective);
+
+  if (rank() == 0) {
+    EXPECT_EQ(objectsOf(folder.path("independent.h5")), objectsOf(folder.path("collective.h5")));
+  }
+}
+
+TEST(ParallelSaveInPlace, FollowsASymbolicLink) {
+  const SharedFolder folder;
+  if (rank() == 0) {
+    orvml::save(folder.path("file.h5"), withoutMesh());
+    std::filesystem::create_symlink("file.h5", folder.path("link.h5"));
+  }
+  MPI_Barrier(MPI_COMM_WORLD);
+  const orvml::Output box = boxOf(3, 3, 3);
+
+  orvml::parallel::save(MPI_COMM_WORLD, folder.path("link.h5"),
+                        partOf(box.view(), evenly(ranks()), rank()));
+
+  EXPECT_TRUE(std::filesystem::is_symlink(folder.path("link.h5")));
+  const orvml::Output read = orvml::loadOutput(folder.path("file.h5"));
+  EXPECT_EQ(orvml::fingerprint(box.view()), orvml::fingerprint(read.view()));
+  EXPECT_EQ(2, folder.numberOfFiles());
+}
+
 TEST(ParallelSaveOfTwo, TakesAnInputAndAnOutput) {
   const SharedFolder folder;
   const orvml::Output output = oneCell();

@@ -218,10 +218,21 @@ Output oneCell() {
   return document;
 }
 
+Output cellsWithoutNodes() {
+  Output document(kIdentification, 2);
+  document.setNodes(std::vector<double>{0, 0, 1, 0, 1, 1});
+  document.setCells(Entity::elements, {{Shape::point, 0, 15}, {Shape::tetrahedron, 4, 0}},
+                    std::vector<int>{});
+  document.setCells(Entity::edges, Shape::line, 2, std::vector<int>{0, 1, 1, 2});
+  addAttributes(document, Entity::elements, 15);
+  return document;
+}
+
 std::vector<NamedDocument> documents() {
   return {{"without mesh", withoutMesh},
           {"without cells", withoutCells},
           {"one cell", oneCell},
+          {"cells without nodes", cellsWithoutNodes},
           {"mixed shapes", mixedShapes},
           {"small box", [] { return boxOf(2, 1, 1); }},
           {"box", [] { return boxOf(9, 8, 7); }}};

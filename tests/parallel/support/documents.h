@@ -23,6 +23,8 @@ orvml::Output mixedShapes();
 orvml::Output withoutMesh();
 orvml::Output withoutCells();
 orvml::Output oneCell();
+/// Points, of which only their number is told, beside lines.
+orvml::Output cellsWithoutNodes();
 
 struct NamedDocument {
   std::string name;

@@ -50,6 +50,10 @@ orvml::CellsView partOfCells(const orvml::CellsView& cells, const std::vector<in
   for (const orvml::CellGroup& group : cells.groups()) {
     const auto [first, last] = shareOf(group.size(), weights, rank);
     const auto width = static_cast<std::size_t>(group.nodesPerCell());
+    if (width == 0) {
+      groups.push_back(orvml::CellGroup::withoutNodes(group.shape(), last - first));
+      continue;
+    }
     groups.emplace_back(
         group.shape(), group.nodesPerCell(),
         group.nodeIndices().subspan(static_cast<std::size_t>(first) * width,
