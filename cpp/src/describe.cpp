@@ -4,15 +4,14 @@
 #include "hdf5/probes.h"
 #include "hdf5/silence.h"
 #include "opened_file.h"
+#include "stand_in.h"
 #include "stored_values.h"
-
-#include <sys/mman.h>
 
 #include <algorithm>
 #include <array>
 #include <iterator>
 #include <map>
-#include <new>
+#include <memory>
 #include <utility>
 
 namespace orvml {
@@ -23,40 +22,22 @@ namespace layout = orvml_io::layout;
 using orvml_io::OML_AttributesVector;
 using orvml_io::OrvInputAndOrvOutput;
 
-/// Memory that reads as zeros and takes none: the system gives one page of zeros for all of them.
+/// Zeros in the place of arrays, the same ones for all that are not larger.
 class Zeros {
  public:
-  Zeros() = default;
-  Zeros(const Zeros&) = delete;
-  Zeros& operator=(const Zeros&) = delete;
-  Zeros(Zeros&&) = delete;
-  Zeros& operator=(Zeros&&) = delete;
-  ~Zeros() {
-    for (const auto& [address, bytes] : mapped_) {
-      (void)::munmap(address, bytes);
-    }
-  }
-
   [[nodiscard]] const void* ofBytes(std::size_t bytes) {
     alignas(double) static constexpr std::array<char, 4096> kFew = {};
     if (bytes <= kFew.size()) {
       return kFew.data();
     }
-    if (!mapped_.empty() && mapped_.back().second >= bytes) {
-      return mapped_.back().first;
+    if (made_.empty() || made_.back()->bytes() < bytes) {
+      made_.push_back(std::make_unique<detail::StandIn>(bytes));
     }
-    mapped_.reserve(mapped_.size() + 1);
-    void* address =
-        ::mmap(nullptr, bytes, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-    if (address == MAP_FAILED) {
-      throw std::bad_alloc();
-    }
-    mapped_.emplace_back(address, bytes);
-    return address;
+    return made_.back()->address();
   }
 
  private:
-  std::vector<std::pair<void*, std::size_t>> mapped_;  // each larger than the ones before
+  std::vector<std::unique_ptr<detail::StandIn>> made_;  // each larger than the ones before
 };
 
 std::string typeText(hid_t dataset) {

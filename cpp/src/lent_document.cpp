@@ -19,22 +19,7 @@ void lendAll(const Attributes& vectors, const char* what, orvml_io::OML_Attribut
 
 }  // namespace
 
-LentCells::LentCells(const CellsView& cells) {
-  for (const CellGroup& group : cells.groups()) {
-    shapes_.push_back(static_cast<ElemType>(group.shape()));
-    nodesPerCell_.push_back(group.nodesPerCell());
-    cellsPerGroup_.push_back(group.size());
-  }
-  elems_.numberOfElements = cells.size();
-  elems_.numberOfElementTypes = require32(shapes_.size());
-  elems_.elementTypes = shapes_.data();
-  elems_.numberOfNodesByElement = nodesPerCell_.data();
-  elems_.numberOfElementsByType = cellsPerGroup_.data();
-  elems_.setConnectivities(orvml_io::borrowedArray(nodeIndicesOf(cells)));
-  lendAll(cells.attributes(), "the attribute", elems_.attributes);
-}
-
-const int* LentCells::nodeIndicesOf(const CellsView& cells) {
+const int* joinedNodeIndices(const CellsView& cells, std::vector<int>& copied) {
   static constexpr int kNone = 0;
   const int* first = nullptr;
   const int* next = nullptr;
@@ -48,12 +33,28 @@ const int* LentCells::nodeIndicesOf(const CellsView& cells) {
     }
   }
   if (first != nullptr && !areContiguous) {
+    copied.clear();
     for (const CellGroup& group : cells.groups()) {
-      copied_.insert(copied_.end(), group.nodeIndices().begin(), group.nodeIndices().end());
+      copied.insert(copied.end(), group.nodeIndices().begin(), group.nodeIndices().end());
     }
-    return copied_.data();
+    return copied.data();
   }
   return first == nullptr ? &kNone : first;
+}
+
+LentCells::LentCells(const CellsView& cells) {
+  for (const CellGroup& group : cells.groups()) {
+    shapes_.push_back(static_cast<ElemType>(group.shape()));
+    nodesPerCell_.push_back(group.nodesPerCell());
+    cellsPerGroup_.push_back(group.size());
+  }
+  elems_.numberOfElements = cells.size();
+  elems_.numberOfElementTypes = require32(shapes_.size());
+  elems_.elementTypes = shapes_.data();
+  elems_.numberOfNodesByElement = nodesPerCell_.data();
+  elems_.numberOfElementsByType = cellsPerGroup_.data();
+  elems_.setConnectivities(orvml_io::borrowedArray(joinedNodeIndices(cells, copied_)));
+  lendAll(cells.attributes(), "the attribute", elems_.attributes);
 }
 
 LentDocument::LentDocument(const DocumentView& view)
@@ -87,14 +88,7 @@ void LentDocument::setNodes(const DocumentView& view) {
   if (nodes.size() == 0) {
     return;
   }
-  if (nodes.dimension() != view.dimension() || nodes.coordinates().empty()) {
-    throw Error(
-        Code::sizesDisagree,
-        "the nodes have " + (nodes.coordinates().empty() ? std::string("no coordinates")
-                                                         : std::to_string(nodes.dimension()) +
-                                                               " coordinates, the mesh has " +
-                                                               std::to_string(view.dimension())));
-  }
+  requireCoordinates(view);
   nodes_.setCoordinates(orvml_io::borrowedArray(nodes.coordinates().data()),
                         static_cast<long long>(nodes.coordinates().size()));
   nodes_.numberOfNodes = nodes.size();

@@ -8,6 +8,10 @@
 
 namespace orvml::detail {
 
+/// The node indices of all groups of a view, one behind the other: where they lie when they do so,
+/// else a copy.
+[[nodiscard]] const int* joinedNodeIndices(const CellsView& cells, std::vector<int>& copied);
+
 /// Cells in the form of the core. They borrow the node indices of a view whose groups lie one
 /// behind the other, and hold a copy of others.
 class LentCells {
@@ -25,8 +29,6 @@ class LentCells {
   }
 
  private:
-  const int* nodeIndicesOf(const CellsView& cells);
-
   std::vector<ElemType> shapes_;
   std::vector<int> nodesPerCell_;
   std::vector<int> cellsPerGroup_;

@@ -65,6 +65,18 @@ void requireDimension(int dimension) {
   }
 }
 
+void requireCoordinates(const DocumentView& document) {
+  const NodesView& nodes = document.nodes();
+  const bool areKnown = !nodes.coordinates().empty();
+  if (nodes.size() > 0 && (!areKnown || nodes.dimension() != document.dimension())) {
+    throw Error(Code::sizesDisagree,
+                "the nodes have " +
+                    (areKnown ? std::to_string(nodes.dimension()) + " coordinates, the mesh has " +
+                                    std::to_string(document.dimension())
+                              : std::string("no coordinates")));
+  }
+}
+
 int require32(std::size_t count) {
   if (count > static_cast<std::size_t>(orvml_io::kMostValues)) {
     throw Error(Code::tooManyValues, std::to_string(count) + " values are more than 32 bits count");

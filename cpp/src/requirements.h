@@ -22,6 +22,10 @@ void requireIdentification(std::string_view text, std::string_view what);
 /// Throws Code::wrongDimension for any other than 2 and 3.
 void requireDimension(int dimension);
 
+/// Throws Code::sizesDisagree for nodes whose coordinates are not known, or not as many each as the
+/// mesh has dimensions.
+void requireCoordinates(const DocumentView& document);
+
 /// A number of values, cells or groups as the format counts them. Throws Code::tooManyValues for
 /// more than 32 bits count.
 int require32(std::size_t count);

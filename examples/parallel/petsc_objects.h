@@ -3,14 +3,21 @@
 #include <petscksp.h>
 
 #include <stdexcept>
+#include <string>
 #include <utility>
 
 /// PETSc's objects, destroyed by themselves. Making and destroying are collective.
 namespace petsc {
 
+/// One rank may throw it alone, while the others wait in a call of PETSc: the program has to end.
+class Failure : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
 inline void require(PetscErrorCode status) {
   if (status != 0) {
-    throw std::runtime_error("PETSc fails with status " + std::to_string(status));
+    throw Failure("PETSc fails with status " + std::to_string(status));
   }
 }
 

@@ -9,8 +9,7 @@
 #include <orvml/parallel/save.hpp>
 
 #include "conduction.h"
-
-#include <petscsys.h>
+#include "petsc_objects.h"
 
 #include <algorithm>
 #include <cmath>
@@ -77,6 +76,9 @@ int runReported(MPI_Comm comm, const char* input, const char* output) {
       return 0;
     }
     (void)std::fputs("solve_heat: what flows in does not flow out\n", stderr);
+  } catch (const petsc::Failure& error) {
+    (void)std::fprintf(stderr, "solve_heat: %s\n", error.what());
+    MPI_Abort(comm, 1);
   } catch (const std::exception& error) {
     // Every rank has caught the same: one of them tells it.
     int rank = 0;

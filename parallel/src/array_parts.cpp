@@ -131,6 +131,18 @@ void transferAll(const Communicator& comm, const SharedFile& file,
 
 }  // namespace
 
+std::vector<Range> rangesOfGroups(const std::vector<GroupOutline>& whole,
+                                  const std::vector<Range>& here, bool areIndices) {
+  std::vector<Range> ranges;
+  std::int64_t firstOfGroup = 0;
+  for (std::size_t i = 0; i < whole.size(); ++i) {
+    const std::int64_t width = areIndices ? whole[i].nodesPerCell : 1;
+    ranges.push_back({firstOfGroup + here[i].first * width, here[i].count * width});
+    firstOfGroup += whole[i].cells * width;
+  }
+  return ranges;
+}
+
 void readParts(const Communicator& comm, const SharedFile& file,
                const std::vector<ArrayPart<void*>>& parts, Transfer transfer) {
   transferAll(comm, file, parts, transfer, H5Dread);

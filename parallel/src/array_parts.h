@@ -22,6 +22,13 @@ struct ArrayPart {
   Pointer values = nullptr;  ///< one after the other, borrowed
 };
 
+/// Where in an array of a whole the values of some cells lie: of each group one range, of node
+/// indices or of one value for each cell.
+///
+/// @param here  which cells of each group
+[[nodiscard]] std::vector<Range> rangesOfGroups(const std::vector<GroupOutline>& whole,
+                                                const std::vector<Range>& here, bool areIndices);
+
 /// Reads the parts of all ranks, one array after the other. Collective: every rank gives the same
 /// arrays in the same order. Every rank throws the same Error.
 void readParts(const Communicator& comm, const SharedFile& file,

@@ -105,19 +105,9 @@ std::vector<DocumentOutline> outlinesOfAll(const Communicator& comm,
   return outlines;
 }
 
-/// The values of cells that a slice has, for `width` values of each cell of a group; a group where
-/// the widths differ.
 std::vector<Range> rangesOf(const SliceContent& slice, Entity entity, bool areIndices) {
-  std::vector<Range> ranges;
-  std::int64_t firstOfGroup = 0;
-  const auto& outlines = slice.parts.outline().of(entity).groups;
-  const auto& here = slice.groups[static_cast<std::size_t>(entity)];
-  for (std::size_t i = 0; i < outlines.size(); ++i) {
-    const std::int64_t width = areIndices ? outlines[i].nodesPerCell : 1;
-    ranges.push_back({firstOfGroup + here[i].first * width, here[i].count * width});
-    firstOfGroup += outlines[i].cells * width;
-  }
-  return ranges;
+  return detail::rangesOfGroups(slice.parts.outline().of(entity).groups,
+                                slice.groups[static_cast<std::size_t>(entity)], areIndices);
 }
 
 /// Which values of a vector a slice has: those of its nodes or cells, or a block of its own where

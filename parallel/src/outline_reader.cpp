@@ -14,6 +14,7 @@ namespace orvml::parallel::detail {
 
 namespace {
 
+using orvml::detail::StandIn;
 using orvml_io::Elems;
 using orvml_io::OML_AttributesVector;
 using orvml_io::OrvInputAndOrvOutput;

@@ -26,8 +26,8 @@ using detail::ArrayPart;
 using detail::Communicator;
 using detail::SharedDocument;
 using detail::SharedFile;
-using detail::StandIn;
 using orvml::detail::LentDocument;
+using orvml::detail::StandIn;
 
 /// One or two, with room that no rank can lack.
 using Documents = std::array<std::optional<SharedDocument>, 2>;

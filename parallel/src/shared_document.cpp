@@ -3,6 +3,7 @@
 #include <orvml/error.hpp>
 
 #include "agreement.h"
+#include "lent_document.h"
 #include "model/limits.h"
 #include "requirements.h"
 
@@ -14,6 +15,8 @@
 namespace orvml::parallel::detail {
 
 namespace {
+
+using orvml::detail::StandIn;
 
 /// What has to be the same on every rank: an outline without counts and without what only the first
 /// rank is asked for.
@@ -40,16 +43,6 @@ void requireSameStructure(const Communicator& comm, std::vector<char> here) {
                       "than rank 0");
     }
   });
-}
-
-void requireCoordinates(const DocumentView& view, int rank) {
-  const NodesView& nodes = view.nodes();
-  if (nodes.size() > 0 && (nodes.coordinates().empty() || nodes.dimension() != view.dimension())) {
-    throw Error(Code::sizesDisagree,
-                "the nodes of rank " + std::to_string(rank) + " have " +
-                    std::to_string(nodes.coordinates().empty() ? 0 : nodes.dimension()) +
-                    " coordinates, the mesh has " + std::to_string(view.dimension()));
-  }
 }
 
 void require32(std::int64_t count, const std::string& object, const char* what) {
@@ -113,29 +106,6 @@ CellsView standInCells(const EntityOutline& whole, const StandIn& values) {
   return CellsView(std::move(groups), standInAttributes(whole, values));
 }
 
-/// The node indices of a view in one stretch: where they lie when they do, else a copy.
-const int* stretchOf(const CellsView& cells, std::vector<int>& copy) {
-  const int* first = nullptr;
-  const int* next = nullptr;
-  bool isStretch = true;
-  for (const CellGroup& group : cells.groups()) {
-    const std::span<const int> indices = group.nodeIndices();
-    if (!indices.empty()) {
-      first = first == nullptr ? indices.data() : first;
-      isStretch = isStretch && (next == nullptr || next == indices.data());
-      next = indices.data() + indices.size();
-    }
-  }
-  if (isStretch) {
-    return first;
-  }
-  copy.clear();
-  for (const CellGroup& group : cells.groups()) {
-    copy.insert(copy.end(), group.nodeIndices().begin(), group.nodeIndices().end());
-  }
-  return copy.data();
-}
-
 const void* dataOf(const Attribute& attribute) {
   return std::visit([](auto values) -> const void* { return values.data(); }, attribute.values);
 }
@@ -148,7 +118,7 @@ SharedDocument::SharedDocument(const Communicator& comm, const DocumentView& vie
   std::vector<std::int64_t> whole;
   together(comm, [&] {
     orvml::detail::requireDimension(view_.dimension());
-    requireCoordinates(view_, comm.rank());
+    orvml::detail::requireCoordinates(view_);
     here_ = outlineOf(view_);
     structure = structureOf(here_);
     before = whole = here_.counts();
@@ -174,7 +144,7 @@ std::size_t SharedDocument::largestArrayBytes() const noexcept {
   return static_cast<std::size_t>(largest) * sizeof(double);
 }
 
-DocumentView SharedDocument::wholeView(const StandIn& values) const {
+DocumentView SharedDocument::wholeView(const orvml::detail::StandIn& values) const {
   DocumentParts parts;
   parts.identification = view_.identification();
   parts.dimension = view_.dimension();
@@ -204,20 +174,17 @@ void SharedDocument::addNodes(std::vector<ArrayPart<const void*>>& parts) const 
 }
 
 std::vector<Range> SharedDocument::rangesOfCells(Entity entity, bool areIndices) const {
-  std::vector<Range> ranges;
-  std::int64_t firstOfGroup = 0;
+  std::vector<Range> here;
   for (std::size_t i = 0; i < whole_.of(entity).groups.size(); ++i) {
-    const std::int64_t width = areIndices ? whole_.of(entity).groups[i].nodesPerCell : 1;
-    ranges.push_back({firstOfGroup + before_.of(entity).groups[i].cells * width,
-                      here_.of(entity).groups[i].cells * width});
-    firstOfGroup += whole_.of(entity).groups[i].cells * width;
+    here.push_back({before_.of(entity).groups[i].cells, here_.of(entity).groups[i].cells});
   }
-  return ranges;
+  return rangesOfGroups(whole_.of(entity).groups, here, areIndices);
 }
 
 void SharedDocument::addCells(Entity entity, std::vector<ArrayPart<const void*>>& parts) {
   parts.push_back({whole_.of(entity).object, true, rangesOfCells(entity, true),
-                   stretchOf(view_.cells(entity), joined_[static_cast<std::size_t>(entity)])});
+                   orvml::detail::joinedNodeIndices(view_.cells(entity),
+                                                    joined_[static_cast<std::size_t>(entity)])});
 }
 
 void SharedDocument::addAttributes(Entity entity,

@@ -32,7 +32,7 @@ class SharedDocument {
 
   /// A view of the whole whose shared arrays all lie in the same place; borrows from both. It has
   /// the texts and parameters of this rank.
-  [[nodiscard]] DocumentView wholeView(const StandIn& values) const;
+  [[nodiscard]] DocumentView wholeView(const orvml::detail::StandIn& values) const;
 
   /// What this rank writes; borrows from the view, and from this object.
   [[nodiscard]] std::vector<ArrayPart<const void*>> parts();

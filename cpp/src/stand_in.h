@@ -5,9 +5,10 @@
 #include <cstddef>
 #include <new>
 
-namespace orvml::parallel::detail {
+namespace orvml::detail {
 
-/// Memory that reads as zeros and takes none, in the place of an array that is not there.
+/// Memory that reads as zeros and takes none, in the place of an array that is not there: the
+/// system gives one page of zeros for all of it.
 class StandIn {
  public:
   explicit StandIn(std::size_t bytes)
@@ -31,4 +32,4 @@ class StandIn {
   void* address_;
 };
 
-}  // namespace orvml::parallel::detail
+}  // namespace orvml::detail
