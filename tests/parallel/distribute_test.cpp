@@ -339,6 +339,18 @@ TEST_P(DistributedCube, IsDealtOutEvenly) {
   EXPECT_LE(part.ownedCells(Entity::elements)[0], 1.1 * 8000 / ranks());
 }
 
+TEST_P(DistributedCube, IsDealtOutInTheSameWayEachTime) {
+  const auto ownedCells = [](const Part& part) {
+    const std::span<const int> numbers = part.globalNumbers(Entity::elements);
+    return std::vector<int>(numbers.begin(),
+                            numbers.begin() + part.ownedCells(Entity::elements)[0]);
+  };
+  const std::vector<int> first = ownedCells(partOfCube(12, GetParam()));
+  for (int i = 0; i < 5; ++i) {
+    EXPECT_EQ(first, ownedCells(partOfCube(12, GetParam())));
+  }
+}
+
 TEST_P(DistributedCube, ExchangesOneMessageWithEachNeighbour) {
   const Part part = partOfCube(20, GetParam());
   std::vector<double> values(part.globalNumbers(Entity::nodes).size());
