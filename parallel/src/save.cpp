@@ -123,12 +123,18 @@ void write(MPI_Comm callers, const std::filesystem::path& path,
   comm.broadcast(bytes);
   std::filesystem::path name;
   together(comm, [&] { name.assign(bytes.begin(), bytes.end()); });
-  fill(comm, name, path, documents, options.flush, transfer);
-  together(comm, [&] {
-    if (file) {
-      file->finish(options.flush);
-    }
-  });
+  try {
+    fill(comm, name, path, documents, options.flush, transfer);
+    together(comm, [&] {
+      if (file) {
+        file->finish(options.flush);
+      }
+    });
+  } catch (...) {
+    file.reset();  // no rank goes on while the new file is still there
+    MPI_Barrier(comm.get());
+    throw;
+  }
 }
 
 }  // namespace
