@@ -113,13 +113,16 @@ void measure(const char* name, const Phase& phase) {
   int ranks = 0;
   MPI_Comm_rank(MPI_COMM_WORLD, &rank);
   MPI_Comm_size(MPI_COMM_WORLD, &ranks);
-  const double figures[] = {
-      most(static_cast<double>(calls.collectives)),  most(static_cast<double>(calls.bytesRead)),
-      most(static_cast<double>(calls.bytesWritten)), most(static_cast<double>(calls.messages)),
-      most(static_cast<double>(calls.messageBytes)), most(seconds)};
+  const double figures[] = {most(static_cast<double>(calls.collectives)),
+                            most(static_cast<double>(calls.collectiveBytes)),
+                            most(static_cast<double>(calls.bytesRead)),
+                            most(static_cast<double>(calls.bytesWritten)),
+                            most(static_cast<double>(calls.messages)),
+                            most(static_cast<double>(calls.messageBytes)),
+                            most(seconds)};
   if (rank == 0) {
-    std::printf("%-24s %3d %6.0f %10.0f %10.0f %6.0f %10.0f %8.3f\n", name, ranks, figures[0],
-                figures[1], figures[2], figures[3], figures[4], figures[5]);
+    std::printf("%-24s %3d %6.0f %10.0f %10.0f %10.0f %6.0f %10.0f %8.3f\n", name, ranks,
+                figures[0], figures[1], figures[2], figures[3], figures[4], figures[5], figures[6]);
   }
 }
 
