@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Checks the built site: every link leads somewhere, every exported symbol is documented.
 
-    check_pages.py [--browser] SITE EXPORTED_SYMBOLS EXPORTED_SYMBOLS_OF_THE_CPP_LAYER
+    check_pages.py [--browser] SITE EXPORTED_SYMBOLS EXPORTED_SYMBOLS_OF_A_CPP_LIBRARY ...
 
 It also looks for what a reader needs to find: names in the index by what tells them apart, a contents
 list beside each page of the reference, code and installation on the first page. With --browser each page
@@ -68,7 +68,7 @@ def undocumented(pages, symbols):
 def undocumented_of_cpp(pages, symbols):
     """Exported members that only the headers and the library call are no part of the reference."""
     internal = re.compile(r"~|operator=|typeinfo|vtable|::(?:throwOutOfRange|list|oneGroup|parts)$|"
-                          r"::(Document|DocumentView)::\1$")
+                          r"::(Document|DocumentView|Part|Slice)::\1$")
     places = " ".join(place for page in pages.values() for place in page.places)
     names = {line.partition("(")[0].partition("[abi")[0] for line in symbols.read_text().splitlines()}
     for name in sorted(name for name in names if not internal.search(name)):
@@ -118,13 +118,14 @@ def missing_on_the_first_page(site):
 
 def main(arguments):
     use_browser = "--browser" in arguments
-    site, symbols, cpp_symbols = (pathlib.Path(argument).resolve() for argument in arguments
-                                  if argument != "--browser")
+    site, symbols, *cpp_symbols = (pathlib.Path(argument).resolve() for argument in arguments
+                                   if argument != "--browser")
     paths = sorted(site.rglob("*.html"))
     pages = {path: Page(path) for path in paths}
     failures = list(dead_links(site, pages))
     failures.extend(undocumented(pages, symbols))
-    failures.extend(undocumented_of_cpp(pages, cpp_symbols))
+    for symbols_of_library in cpp_symbols:
+        failures.extend(undocumented_of_cpp(pages, symbols_of_library))
     failures.extend(index_disorder(site))
     failures.extend(unlisted(site, pages))
     failures.extend(missing_on_the_first_page(site))

@@ -27,8 +27,8 @@ templates_path = ["templates"]
 source_suffix = {".md": "markdown"}
 exclude_patterns = ["site", "README.md"]
 nitpicky = True
-# Types of the language itself have no page, nor have the parameters of templates.
-nitpick_ignore_regex = [("cpp:identifier", r"size_t|u?int\d+_t|std(::.*)?|orvml|Container"),
+# Types of the language and of MPI have no page, nor have the parameters of templates.
+nitpick_ignore_regex = [("cpp:identifier", r"size_t|u?int\d+_t|std(::.*)?|orvml(::parallel)?|MPI_Comm|Container"),
                         ("py:.*", r".*")]
 
 myst_heading_anchors = 3
