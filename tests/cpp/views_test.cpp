@@ -395,13 +395,13 @@ TEST(DocumentViewOfParts, TellsThePartsOfEachEntity) {
 }
 
 orvml::OutputView documentOfTwoNodes() {
-  static const Doubles kPlaces = {0, 0, 0, 1, 0, 0};
+  static const Doubles kTwoPoints = {0, 0, 0, 1, 0, 0};
   static const Ints kEdge = {0, 1};
   static const Ints kColours = {7, 8};
   orvml::DocumentParts parts;
   parts.identification = {"MODULE", "2", "program"};
   parts.dimension = 3;
-  parts.nodes = NodesView(kPlaces, 3, Attributes({{"COLOUR", kColours, true}, {"B", kColours}}));
+  parts.nodes = NodesView(kTwoPoints, 3, Attributes({{"COLOUR", kColours, true}, {"B", kColours}}));
   parts.edges = CellsView({CellGroup(Shape::line, 2, kEdge)});
   return orvml::OutputView(std::move(parts));
 }
@@ -415,7 +415,8 @@ TEST(WithAttribute, AddsOneToNodesAndLeavesAllElse) {
   EXPECT_EQ(namesOf(heated.nodes().attributes()), (Names{"B", "COLOUR", "HEAT"}));
   EXPECT_EQ(heated.nodes().attributes().at("HEAT").doubles().data(), heat.data());
   EXPECT_TRUE(heated.nodes().attributes().at("COLOUR").mustBeTransmitted);
-  EXPECT_EQ(contentOf(withAttribute(heated, Entity::nodes, {"HEAT", heat})), contentOf(heated));
+  EXPECT_EQ(orvml_io_tests::contentOf(withAttribute(heated, Entity::nodes, {"HEAT", heat})),
+            orvml_io_tests::contentOf(heated));
   EXPECT_EQ(heated.kind(), orvml::Kind::output);
   EXPECT_EQ(heated.identification().moduleName, "MODULE");
   EXPECT_EQ(heated.nodes().coordinates().data(), document.nodes().coordinates().data());
