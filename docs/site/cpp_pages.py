@@ -104,7 +104,7 @@ def write_pages(headers, folder):
     entries = "\n".join(f"cpp_{page}" for page in PAGES)
     (folder / "cpp.md").write_text(
         "# The C++ layer\n\n`orvml/orvml.hpp` includes all headers but those for many ranks; each page below is "
-        "one of them. [The guide](../cpp-guide.md) shows them at work, [Many ranks](../parallel.md) those of "
+        "one header. [The guide](../cpp-guide.md) shows them at work, [Many ranks](../parallel.md) those of "
         "`orvml::parallel`. Names are in the namespace `orvml` and stand in "
         f"the {{ref}}`index of names <genindex>`.\n\n```{{toctree}}\n{entries}\n```\n")
     for path in headers:

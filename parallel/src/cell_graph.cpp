@@ -113,9 +113,11 @@ Bins<int> binsOfOpenFacets(const std::vector<Record>& records,
   Bins<int> bins(offsetsOfNodes.size() - 1);
   for (std::size_t i = 0; i < records.size(); ++i) {
     const Record& record = records[i];
-    const bool isShared = (i > 0 && isSameFacet(records[i - 1], record)) ||
-                          (i + 1 < records.size() && isSameFacet(record, records[i + 1]));
-    if (!isShared) {
+    const auto isShared = [&record](const Record& other) {
+      return isSameFacet(record, other) && record.back() != other.back();
+    };
+    if (!((i > 0 && isShared(records[i - 1])) ||
+          (i + 1 < records.size() && isShared(records[i + 1])))) {
       std::vector<int>& bin = bins[static_cast<std::size_t>(homeOf(offsetsOfNodes, record[0]))];
       bin.insert(bin.end(), record.begin(), record.end());
     }

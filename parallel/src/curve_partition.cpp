@@ -111,8 +111,8 @@ std::int64_t numberUpTo(std::span<const PlacedCell> cells, std::uint64_t place) 
          cells.begin();
 }
 
-/// Cuts the curve into as many parts as there are ranks, with the same number of cells in each but
-/// for one. Of cells in the same place, those of lower ranks come first.
+/// Cuts the curve into as many parts as there are ranks, with numbers of cells in them that differ
+/// by one at most. Of cells in the same place, those of lower ranks come first.
 class CurveCuts {
  public:
   /// @param cells  of this rank, in the order of the curve; borrowed

@@ -20,21 +20,26 @@ class Context {
   Context() : isMade_(SCOTCH_contextInit(&context_) == 0) {
     constexpr int kThreads = 1;
     constexpr int kNoCore = -1;  // to be bound to
-    isMade_ = isMade_ &&
-              SCOTCH_contextOptionSetNum(&context_, SCOTCH_OPTIONNUMDETERMINISTIC, 1) == 0 &&
-              SCOTCH_contextThreadSpawn(&context_, kThreads, &kNoCore) == 0;
+    isReady_ = isMade_ &&
+               SCOTCH_contextOptionSetNum(&context_, SCOTCH_OPTIONNUMDETERMINISTIC, 1) == 0 &&
+               SCOTCH_contextThreadSpawn(&context_, kThreads, &kNoCore) == 0;
   }
   Context(const Context&) = delete;
   Context& operator=(const Context&) = delete;
   Context(Context&&) = delete;
   Context& operator=(Context&&) = delete;
-  ~Context() { SCOTCH_contextExit(&context_); }
-  [[nodiscard]] bool isMade() const noexcept { return isMade_; }
+  ~Context() {
+    if (isMade_) {
+      SCOTCH_contextExit(&context_);
+    }
+  }
+  [[nodiscard]] bool isReady() const noexcept { return isReady_; }
   [[nodiscard]] SCOTCH_Context* get() noexcept { return &context_; }
 
  private:
   SCOTCH_Context context_;
   bool isMade_;
+  bool isReady_ = false;
 };
 
 /// A graph that ranks share, as PT-Scotch has it. Collective to make and to free.
@@ -95,7 +100,7 @@ std::vector<int> partitionByGraph(const Communicator& comm, const SliceCells& ce
   Context context;
   SharedGraph shared(comm);
   SharedGraph inContext(comm);
-  requireDone(comm, context.isMade() && shared.isMade() && inContext.isMade());
+  requireDone(comm, context.isReady() && shared.isMade() && inContext.isMade());
   const auto count = static_cast<int>(cells.size());
   const auto arcs = static_cast<int>(graph.neighbours.size());
   graph.neighbours.push_back(0);  // likewise

@@ -5,6 +5,7 @@
 #include "routes.h"
 
 #include <algorithm>
+#include <climits>
 #include <utility>
 
 namespace orvml::parallel::detail {
@@ -107,23 +108,33 @@ class CellsOfNodes {
     std::sort(pairs_.begin(), pairs_.end());
   }
 
-  /// Whether a cell has all of some nodes, of which there is one at least.
+  /// Whether a cell has all of some nodes, of which there is one at least. Those of the node that
+  /// the fewest have are looked at: of a hub they may be all.
   [[nodiscard]] bool haveOneWith(std::span<const int> nodes) const {
-    auto next = std::lower_bound(pairs_.begin(), pairs_.end(), std::pair(nodes.front(), 0));
-    for (; next != pairs_.end() && next->first == nodes.front(); ++next) {
-      const std::span<const int> cell = cells_.nodesOf(static_cast<std::size_t>(next->second));
-      if (std::all_of(nodes.begin(), nodes.end(), [&](int node) {
-            return std::find(cell.begin(), cell.end(), node) != cell.end();
-          })) {
-        return true;
-      }
+    std::span<const Pair> fewest = cellsOf(nodes.front());
+    for (const int node : nodes.subspan(1)) {
+      const std::span<const Pair> others = cellsOf(node);
+      fewest = others.size() < fewest.size() ? others : fewest;
     }
-    return false;
+    return std::any_of(fewest.begin(), fewest.end(), [&](const Pair& pair) {
+      const std::span<const int> cell = cells_.nodesOf(static_cast<std::size_t>(pair.second));
+      return std::all_of(nodes.begin(), nodes.end(), [&](int node) {
+        return std::find(cell.begin(), cell.end(), node) != cell.end();
+      });
+    });
   }
 
  private:
+  using Pair = std::pair<int, int>;  // a node and a cell
+
+  [[nodiscard]] std::span<const Pair> cellsOf(int node) const {
+    const auto first = std::lower_bound(pairs_.begin(), pairs_.end(), Pair(node, 0));
+    const auto last = std::upper_bound(first, pairs_.end(), Pair(node, INT_MAX));
+    return {first, last};
+  }
+
   const DealtCells& cells_;
-  std::vector<std::pair<int, int>> pairs_;
+  std::vector<Pair> pairs_;
 };
 
 /// Asks each candidate for each of its cells: the number of nodes and the nodes.

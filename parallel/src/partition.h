@@ -31,7 +31,8 @@ struct SliceNodes {
                                                 const SliceNodes& nodes);
 
 /// Which cells each cell of this rank's slice has a face in common with: their places in the list
-/// of all cells, those of the ranks one after the other.
+/// of all cells, those of the ranks one after the other. Where more than two have one face, not all
+/// hear of each other: what the graph is for, few faces between parts, needs no more.
 struct CellGraph {
   std::vector<int> starts;  ///< where the neighbours of each begin, and where the last end
   std::vector<int> neighbours;

@@ -113,17 +113,17 @@ void write(MPI_Comm callers, const std::filesystem::path& path,
     (next++)->emplace(comm, *view);
   }
   std::optional<NewFile> file;
-  std::vector<char> bytes;
-  together(comm, [&] {
-    if (comm.isFirst()) {
-      file.emplace(path, documents);
-      bytes.assign(file->name().begin(), file->name().end());
-    }
-  });
-  comm.broadcast(bytes);
-  std::filesystem::path name;
-  together(comm, [&] { name.assign(bytes.begin(), bytes.end()); });
   try {
+    std::vector<char> bytes;
+    together(comm, [&] {
+      if (comm.isFirst()) {
+        file.emplace(path, documents);
+        bytes.assign(file->name().begin(), file->name().end());
+      }
+    });
+    comm.broadcast(bytes);
+    std::filesystem::path name;
+    together(comm, [&] { name.assign(bytes.begin(), bytes.end()); });
     fill(comm, name, path, documents, options.flush, transfer);
     together(comm, [&] {
       if (file) {

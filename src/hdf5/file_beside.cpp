@@ -33,12 +33,15 @@ std::string drawSuffix() {
 
 std::unique_ptr<FileBeside> FileBeside::make(std::string target, mode_t permissions) {
   constexpr int kTries = 100;
+  // Made first: where memory lacks there must be no file yet that nobody removes.
+  std::unique_ptr<FileBeside> file(new FileBeside(std::move(target)));
   for (int i = 0; i < kTries; ++i) {
-    std::string name = folderOf(target) + ".orvml_io-" + drawSuffix();
+    file->name_ = folderOf(file->target_) + ".orvml_io-" + drawSuffix();
     const Descriptor created(
-        ::open(name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, permissions));
+        ::open(file->name_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, permissions));
     if (created.valid()) {
-      return std::unique_ptr<FileBeside>(new FileBeside(std::move(target), std::move(name)));
+      file->hasOwnName_ = true;
+      return file;
     }
     if (errno != EEXIST) {
       return nullptr;
@@ -48,7 +51,7 @@ std::unique_ptr<FileBeside> FileBeside::make(std::string target, mode_t permissi
 }
 
 FileBeside::~FileBeside() {
-  if (!hasTakenName_) {
+  if (hasOwnName_) {
     (void)::unlink(name_.c_str());
   }
 }
@@ -89,8 +92,8 @@ void FileBeside::flushName() const noexcept {
 }
 
 bool FileBeside::takeName() noexcept {
-  hasTakenName_ = std::rename(name_.c_str(), target_.c_str()) == 0;
-  return hasTakenName_;
+  hasOwnName_ = std::rename(name_.c_str(), target_.c_str()) != 0;
+  return !hasOwnName_;
 }
 
 }  // namespace orvml_io

@@ -41,12 +41,11 @@ class FileBeside {
   [[nodiscard]] bool takeName() noexcept;
 
  private:
-  FileBeside(std::string target, std::string name) noexcept
-      : target_(std::move(target)), name_(std::move(name)) {}
+  explicit FileBeside(std::string target) noexcept : target_(std::move(target)) {}
 
   std::string target_;
   std::string name_;
-  bool hasTakenName_ = false;
+  bool hasOwnName_ = false;  // from when it is there until it takes the name of the target
 };
 
 }  // namespace orvml_io

@@ -4,6 +4,7 @@
 #include "faults/allocations.h"
 #include "faults/outcome.h"
 #include "files/described_document.h"
+#include "hdf5/file_beside.h"
 #include "hostile/valid_files.h"
 #include "orvml_io.h"
 #include "support/open_ids.h"
@@ -11,6 +12,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <filesystem>
+#include <new>
+#include <string>
 #include <tuple>
 #include <typeinfo>
 
@@ -172,6 +177,31 @@ TEST_P(OutOfMemory, IsReportedOrBorneAndLosesNothing) {
 std::string testName(const ::testing::TestParamInfo<Row>& info) {
   return std::string(std::get<0>(info.param).name) +
          (std::get<1>(info.param) == Failing::once ? "Once" : "FromThenOn");
+}
+
+/// Nothing is there yet that could remove the file when memory lacks for what is to do so.
+TEST(FileBesideOutOfMemory, LeavesNoFileBehind) {
+  const TempFile target;
+  const std::filesystem::path folder = std::filesystem::path(target.path()).parent_path();
+  const auto numberOfLeftFiles = [&] {
+    const std::filesystem::directory_iterator files(folder);
+    return std::count_if(begin(files), end(files), [](const auto& file) {
+      return file.path().filename().string().rfind(".orvml_io-", 0) == 0;
+    });
+  };
+  const auto before = numberOfLeftFiles();
+  bool hasFailed = true;
+  for (int n = 1; hasFailed; ++n) {
+    std::string name = target.path();
+    const FailingAllocations failing(n);
+    try {
+      (void)orvml_io::FileBeside::make(std::move(name), 0600);
+    } catch (const std::bad_alloc&) {
+    }
+    hasFailed = failing.happened();
+  }
+
+  EXPECT_EQ(before, numberOfLeftFiles());
 }
 
 INSTANTIATE_TEST_SUITE_P(Calls, OutOfMemory,

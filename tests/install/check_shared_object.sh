@@ -1,12 +1,14 @@
 #!/usr/bin/env bash
 # Holds a built library against what programs link with: its name, its symbols, its dependencies.
 # Arguments: the shared library, its SONAME, the list of the symbols it exports, and what it needs beside
-# HDF5 and the system's libraries: names with a space between them, or nothing.
+# HDF5 and the system's libraries: names with a space between them, or nothing;
+# and which HDF5 that is, the serial one when it is not told.
 set -euo pipefail
 library=$1
 expected_soname=$2
 expected=$3
 expected_needed=${4:-}
+hdf5=${5:-serial}
 
 fail() {
   echo "$library: $1" >&2
@@ -27,6 +29,6 @@ diff -u "$expected" - <<<"$exported" ||
 # The sanitizers' own libraries come with a build that asks for them.
 needed=$(readelf -d "$library" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p' |
   grep -vE '^(libstdc\+\+|libm|libgcc_s|libc|ld-linux.*|libasan|libubsan|libtsan)\.so' |
-  grep -vE '^libhdf5(_serial|_openmpi)?\.so' | LC_ALL=C sort | paste -sd' ' || true)
+  grep -vE "^libhdf5(_$hdf5)?\.so" | LC_ALL=C sort | paste -sd' ' || true)
 [ "$needed" = "$expected_needed" ] ||
   fail "depends, beside HDF5, on '$needed' and not on '$expected_needed'"

@@ -1,6 +1,8 @@
 // A rank that lacks memory: whichever allocation fails on one rank, all ranks throw.
 #include "support/memory.h"
 
+#include <orvml/fingerprint.hpp>
+#include <orvml/load.hpp>
 #include <orvml/parallel/distribute.hpp>
 #include <orvml/parallel/load.hpp>
 #include <orvml/parallel/save.hpp>
@@ -13,7 +15,9 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <optional>
+#include <utility>
 
 namespace orvml_parallel_tests {
 
@@ -31,36 +35,54 @@ class RankWithoutMemory : public testing::Test {
     }
   }
 
-  /// Makes a collective call again and again; each time another allocation of the last rank fails.
+  /// Makes a collective call again and again; each time another allocation of one rank fails, of
+  /// the first rank and then of the last.
+  ///
+  /// @param call       makes the same each time
+  /// @param afterCall  is told whether it has thrown
   template <class Call>
-  void failOneAfterTheOther(const Call& call) const {
+  void failOneAfterTheOther(
+      const Call& call, const std::function<void(bool hasThrown)>& afterCall = [](bool) {}) const {
+    for (const int failingRank : {0, ranks() - 1}) {
+      int failures = 0;
+      const int count = allocationsOf(failingRank, call);
+      afterCall(false);
+      ASSERT_GT(count, 0);
+      for (int n = 1; n <= count; ++n) {
+        const std::string thrown = thrownBy(call, rank() == failingRank ? n : 0);
+        expectSameOnAllRanks(thrown);
+        failures += thrown.empty() ? 0 : 1;
+        afterCall(!thrown.empty());
+      }
+      // Some do without: what they want memory for is only a text of an error, or a buffer.
+      EXPECT_GT(failures, count / 2);
+    }
+  }
+
+ private:
+  template <class Call>
+  static int allocationsOf(int countingRank, const Call& call) {
     int count = 0;
     {
       const FailingAllocation counting;
       call();
       count = counting.count();
     }
-    MPI_Bcast(&count, 1, MPI_INT, ranks() - 1, MPI_COMM_WORLD);
-    ASSERT_GT(count, 0);
-    int failures = 0;
-    for (int n = 1; n <= count; ++n) {
-      std::optional<FailingAllocation> failing;
-      if (rank() == ranks() - 1) {
-        failing.emplace(n);
-      }
-      std::string thrown;
-      try {
-        call();
-      } catch (const std::exception& error) {
-        failing.reset();
-        thrown = error.what();
-      }
+    MPI_Bcast(&count, 1, MPI_INT, countingRank, MPI_COMM_WORLD);
+    return count;
+  }
+
+  /// @param n  the allocation of this rank that fails, none for 0
+  template <class Call>
+  static std::string thrownBy(const Call& call, int n) {
+    std::optional<FailingAllocation> failing(std::in_place, n);
+    try {
+      call();
+    } catch (const std::exception& error) {
       failing.reset();
-      // Some do without: what they wanted memory for is only a text of an error, or a buffer.
-      failures += thrown.empty() ? 0 : 1;
-      expectSameOnAllRanks(thrown);
+      return error.what();
     }
-    EXPECT_GT(failures, count / 2);
+    return "";
   }
 };
 
@@ -77,14 +99,27 @@ TEST_F(RankWithoutMemory, EndsALoadOnAll) {
 
 TEST_F(RankWithoutMemory, EndsASaveOnAllAndLeavesTheOldFile) {
   const SharedFolder folder;
+  const orvml::Output old = withoutMesh();
+  const orvml::Fingerprint fingerprint = orvml::fingerprint(old.view());
   const orvml::Output whole = mixedShapes();
   const orvml::DocumentView part = partOf(whole.view(), evenly(ranks()), rank());
   const auto path = folder.path("file.h5");
+  const auto restore = [&] {
+    MPI_Barrier(MPI_COMM_WORLD);
+    if (rank() == 0) {
+      orvml::save(path, old, {.flush = false});
+    }
+    MPI_Barrier(MPI_COMM_WORLD);
+  };
+  restore();
 
-  failOneAfterTheOther(
-      [&] { orvml::parallel::save(MPI_COMM_WORLD, path, part, {.flush = false}); });
-
-  EXPECT_EQ(1, folder.numberOfFiles());
+  failOneAfterTheOther([&] { orvml::parallel::save(MPI_COMM_WORLD, path, part, {.flush = false}); },
+                       [&](bool hasThrown) {
+                         EXPECT_EQ(1, folder.numberOfFiles());
+                         const orvml::Output found = orvml::loadOutput(path);
+                         EXPECT_EQ(hasThrown, orvml::fingerprint(found.view()) == fingerprint);
+                         restore();
+                       });
 }
 
 TEST_F(RankWithoutMemory, EndsADistributionOnAll) {
@@ -102,14 +137,14 @@ TEST_F(RankWithoutMemory, EndsAnExchangeOfManyValuesOnAll) {
   const Part part = orvml::parallel::distribute(
       MPI_COMM_WORLD, partOf(whole.view(), evenly(ranks()), rank()), {Method::block, true});
   const std::size_t nodes = part.globalNumbers(Entity::nodes).size();
-  constexpr int kWidest = 1000;
+  constexpr int kWidest = 1 << 17;
   std::vector<double> values(nodes * kWidest);
-  int width = 2;
+  int width = 1;
 
-  // Each call needs more memory than any before it.
+  // Each call needs more memory than any before it has set aside.
   failOneAfterTheOther([&] {
+    width *= 2;
     part.exchangeNodes(std::span(values).first(nodes * static_cast<std::size_t>(width)), width);
-    ++width;
   });
 }
 

@@ -239,18 +239,19 @@ TEST(ParallelSaveFailures, AFolderThatIsMissingIsNamed) {
   EXPECT_NE(std::string::npos, error.find("orvml.folder.not-found")) << error;
 }
 
-/// Values that take no memory, because nobody has to read them.
+/// Values that take no memory, because nobody has to read most of them.
 class Unread {
  public:
   explicit Unread(std::size_t bytes)
       : bytes_(bytes),
-        address_(::mmap(nullptr, bytes, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1,
-                        0)) {}
+        address_(::mmap(nullptr, bytes, PROT_READ | PROT_WRITE,
+                        MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0)) {}
   Unread(const Unread&) = delete;
   Unread& operator=(const Unread&) = delete;
   Unread(Unread&&) = delete;
   Unread& operator=(Unread&&) = delete;
   ~Unread() { ::munmap(address_, bytes_); }
+  void set(std::size_t place, double value) { static_cast<double*>(address_)[place] = value; }
   template <class Value>
   [[nodiscard]] std::span<const Value> values() const {
     return {static_cast<const Value*>(address_), bytes_ / sizeof(Value)};
@@ -323,8 +324,19 @@ TEST(ParallelSaveLimits, ARankMayHaveMoreThanMpiMovesAtOnce) {
   }
   const SharedFolder folder;
   constexpr std::size_t kNodes = 90000000;  // 2,160,000,000 bytes
+  constexpr std::size_t kValuesPerCall = std::size_t{1} << 27;
+  // Where calls begin and end, and the array.
+  constexpr std::size_t kTold[] = {0,
+                                   kValuesPerCall - 1,
+                                   kValuesPerCall,
+                                   2 * kValuesPerCall - 1,
+                                   2 * kValuesPerCall,
+                                   3 * kNodes - 1};
   {
-    const Unread coordinates(3 * kNodes * sizeof(double));
+    Unread coordinates(3 * kNodes * sizeof(double));
+    for (const std::size_t place : kTold) {
+      coordinates.set(place, static_cast<double>(place) + 0.5);
+    }
     orvml::DocumentParts parts;
     parts.dimension = 3;
     parts.nodes = orvml::NodesView(coordinates.values<double>(), 3);
@@ -335,7 +347,10 @@ TEST(ParallelSaveLimits, ARankMayHaveMoreThanMpiMovesAtOnce) {
   const auto slice = orvml::parallel::loadOutput(MPI_COMM_WORLD, folder.path("file.h5"));
 
   EXPECT_EQ(std::int64_t{kNodes}, slice.total(Entity::nodes));
-  EXPECT_EQ(0.0, slice.view().nodes()[kNodes - 1][2]);
+  const orvml::DocumentView view = slice.view();
+  for (const std::size_t place : kTold) {
+    EXPECT_EQ(static_cast<double>(place) + 0.5, view.nodes().coordinates()[place]);
+  }
 }
 
 TEST(ParallelTogether, ThrowsTheErrorOfOneRankOnAll) {

@@ -19,7 +19,7 @@ class PartContent;
 /// By what the cells are dealt out.
 enum class Method {
   block,        ///< they stay on the rank whose slice has them
-  coordinates,  ///< by their middles along a Hilbert curve, as many for each rank but for one
+  coordinates,  ///< by their middles along a Hilbert curve, in numbers that differ by one at most
   graph         ///< by which cells share a face, with PT-Scotch: few shared faces between ranks
 };
 
@@ -77,7 +77,7 @@ class ORVML_EXPORT Part {
   // message from each neighbour. Collective, with the same width everywhere. `values` has `width`
   // values for each of the view, node after node or cell after cell; when it has not, this rank
   // throws std::invalid_argument, and the others wait for it. A part has memory for one
-  // value each; the first exchange of more has the ranks agree on whether all have it, and throws
+  // double each; the first exchange of more has the ranks agree on whether all have it, and throws
   // std::bad_alloc on all of them when one has not.
 
   void exchangeNodes(std::span<double> values, int width = 1) const;

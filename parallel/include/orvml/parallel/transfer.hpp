@@ -2,7 +2,8 @@
 
 namespace orvml::parallel {
 
-/// How ranks move their values between memory and a file.
+/// How ranks move their values between memory and a file. What another program has stored in chunks
+/// moves by collective calls all the same.
 enum class Transfer {
   /// Each with calls of its own for its own part. A rank whose call fails ends all with its error.
   independent,
